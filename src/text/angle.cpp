@@ -1,0 +1,56 @@
+#include "text/angle.h"
+
+#include <cmath>
+
+#include "text/format.h"
+#include "text/number.h"
+
+namespace tervalo {
+
+std::string dmsToDecimal(std::string& packed) {
+  if (!packed.empty() && packed.front() == '-') packed.erase(0, 1);
+  if (packed.find('.') == std::string::npos) packed += ".0000";
+  const std::size_t point = packed.find('.');  // 0-based; the 1-based position is point + 1
+  const std::size_t degreeChars = point == 1 ? 1 : point == 2 ? 2 : 3;
+  const std::string degrees = packed.substr(0, degreeChars);
+  const std::string minutes = CStr(Val(packed.substr(point, 3)) * 100);
+  const double minutesNumber = Val(packed.substr(point)) * 100;
+
+  // The seconds are the decimals of the minutes, read from their 15-digit text.
+  const std::string minutesText = CStr(minutesNumber);
+  const std::size_t q = minutesText.find('.');
+  const std::string seconds = q == std::string::npos ? "00" : CStr(Val(minutesText.substr(q)) * 100);
+
+  return Format(Val(degrees) + Val(minutes) / 60 + Val(seconds) / 3600, "0.0000000");
+}
+
+std::string decimalToDms(double degrees) {
+  const std::string text = CStr(degrees);
+  std::string degreeText, minuteText, secondText;
+  if (const std::size_t point = text.find('.'); point != std::string::npos) {
+    degreeText = text.substr(0, point);
+    const double minutesNumber = (degrees - Val(degreeText)) * 60;
+    minuteText = CStr(std::floor(minutesNumber));
+    secondText = CStr((minutesNumber - Val(minuteText)) * 60);
+  } else {
+    degreeText = text;
+    minuteText = "0";
+    secondText = "0";
+  }
+  secondText = Format(Val(secondText), "00.00");
+  if (secondText == "60.00") {
+    minuteText = CStr(Val(minuteText) + 1);
+    secondText = "00";
+  }
+  minuteText = Format(Val(minuteText), "00");
+  // The minutes were just formatted "00", so this test never holds and 60
+  // minutes stay in the minutes field: kept as the program has always shown it.
+  if (minuteText == "60.00") {
+    degreeText = CStr(Val(degreeText) + 1);
+    minuteText = "00";
+  }
+  return Format(Val(degreeText), "00") + "\u00B0" + Format(Val(minuteText), "00") + "'" +
+         Format(Val(secondText), "00.00") + "\"";
+}
+
+}  // namespace tervalo

@@ -1,0 +1,21 @@
+#pragma once
+// Angles typed packed as "ddd.mmssss" and shown as 12°34'56.78".
+
+#include <string>
+
+namespace tervalo {
+
+// Decimal degrees of a packed angle, as text with the mask "0.0000000".
+// Changes the caller's text as it always has: a leading "-" is dropped (the
+// result is the unsigned angle; callers carry signs themselves) and a text
+// without a point gains ".0000". With four or more integer digits only the
+// first three count as degrees.
+std::string dmsToDecimal(std::string& packed);
+
+// Degrees, minutes and seconds display text: degrees "00", the degree sign,
+// minutes "00", "'", seconds "00.00" and the seconds mark '"'. Seconds that
+// round to 60.00 carry into the minutes; 60 minutes are never carried into
+// the degrees (12.9999999 shows 12°60'00.00").
+std::string decimalToDms(double degrees);
+
+}  // namespace tervalo

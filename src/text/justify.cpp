@@ -1,0 +1,52 @@
+#include "text/justify.h"
+
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+bool isContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+// Byte length of the character starting at `i`.
+std::size_t charBytes(std::string_view text, std::size_t i) {
+  const auto lead = static_cast<unsigned char>(text[i]);
+  const std::size_t want = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC0 ? 2 : 1;
+  std::size_t n = 1;
+  while (n < want && i + n < text.size() && isContinuation(text[i + n])) ++n;
+  return n;
+}
+
+std::size_t checkedWidth(int width) {
+  if (width < 0) throw RunTimeError("Invalid procedure call or argument: negative field width");
+  return static_cast<std::size_t>(width);
+}
+
+}  // namespace
+
+std::size_t textLength(std::string_view text) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < text.size(); i += charBytes(text, i)) ++count;
+  return count;
+}
+
+std::string_view textPrefix(std::string_view text, std::size_t count) {
+  std::size_t i = 0;
+  for (; i < text.size() && count > 0; --count) i += charBytes(text, i);
+  return text.substr(0, i);
+}
+
+std::string rightJustify(std::string_view text, int width) {
+  const std::size_t w = checkedWidth(width);
+  const std::size_t n = textLength(text);
+  if (w >= n) return std::string(w - n, ' ') + std::string(text);
+  return std::string(textPrefix(text, w));
+}
+
+std::string leftJustify(std::string_view text, int width) {
+  const std::size_t w = checkedWidth(width);
+  const std::size_t n = textLength(text);
+  if (w >= n) return std::string(text) + std::string(w - n, ' ');
+  return std::string(textPrefix(text, w));
+}
+
+}  // namespace tervalo

@@ -1,0 +1,130 @@
+// Val, CStr and Format: the rules every field and output file depends on.
+
+#include <gtest/gtest.h>
+
+#include "text/errors.h"
+#include "text/format.h"
+#include "text/number.h"
+
+namespace tervalo {
+namespace {
+
+struct FormatCase {
+  double value;
+  const char* mask;
+  const char* expected;
+};
+
+class FormatTable : public ::testing::TestWithParam<FormatCase> {};
+
+TEST_P(FormatTable, LaysOutTheDigits) {
+  const auto& c = GetParam();
+  EXPECT_EQ(Format(c.value, c.mask), c.expected) << c.value << " with " << c.mask;
+}
+
+// Ties that printf rounds the wrong way, because the binary double lies
+// just below the half.
+INSTANTIATE_TEST_SUITE_P(HalfAwayFromZeroOnFifteenDigits, FormatTable,
+                         ::testing::Values(FormatCase{0.075, "#.00", ".08"}, FormatCase{1.005, "0.00", "1.01"},
+                                           FormatCase{2.675, "0.00", "2.68"}, FormatCase{8.885, "0.00", "8.89"},
+                                           FormatCase{-1.005, "0.00", "-1.01"}, FormatCase{0.0005, "0.000", "0.001"},
+                                           FormatCase{0.00049, "0.000", "0.000"}));
+
+INSTANTIATE_TEST_SUITE_P(Carries, FormatTable,
+                         ::testing::Values(FormatCase{9.99995, "0.0000", "10.0000"},
+                                           FormatCase{99.9996, "#0.000", "100.000"},
+                                           FormatCase{59.996, "00.00", "60.00"},
+                                           FormatCase{0.9996, "#.000", "1.000"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Coordinates, FormatTable,
+    ::testing::Values(FormatCase{4567.5, "#######0.0000", "4567.5000"},
+                      FormatCase{-4567.5, "#######0.0000", "-4567.5000"},
+                      FormatCase{512340.218, "#######0.0000", "512340.2180"},
+                      FormatCase{0.25, "#######0.0000", "0.2500"},
+                      FormatCase{123456789.5, "#######0.0000", "123456789.5000"},  // wider than the mask
+                      FormatCase{123456.78901, "#0.0000", "123456.7890"}, FormatCase{12.58222222, "0.0000000", "12.5822222"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    StationMasks, FormatTable,
+    ::testing::Values(FormatCase{1255.65, "####+##.0000", "12+55.6500"}, FormatCase{45, "####+##.0000", "+45.0000"},
+                      FormatCase{1255.65, "####+###.0000", "1+255.6500"}, FormatCase{732.051, "####+##.000", "7+32.051"},
+                      FormatCase{1234.567, "####+###.000", "1+234.567"}, FormatCase{12345678, "####+##.000", "123456+78.000"},
+                      FormatCase{45, "###+00.000", "+45.000"}, FormatCase{5, "###+00.000", "+05.000"},
+                      FormatCase{1230, "###+00.000", "12+30.000"}, FormatCase{45, "###+000.000", "+045.000"},
+                      FormatCase{-45, "####+##.000", "-+45.000"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    FractionsAndForcedDigits, FormatTable,
+    ::testing::Values(FormatCase{0.5, "#.000", ".500"}, FormatCase{0, "###.000", ".000"},
+                      FormatCase{-0.25, "###.000", "-.250"}, FormatCase{0.5, "#0.000", "0.500"},
+                      FormatCase{5, "0#.000", "05.000"}, FormatCase{0.5, "0#.000", "00.500"},
+                      FormatCase{123.4, "0#.000", "123.400"}, FormatCase{5, "00", "05"}, FormatCase{123, "00", "123"},
+                      FormatCase{7.5, "00.00", "07.50"}, FormatCase{12345.678, "####.000", "12345.678"},
+                      FormatCase{102, "#####.000", "102.000"}, FormatCase{12345.678, "######.000", "12345.678"},
+                      FormatCase{400, "0.000", "400.000"}, FormatCase{0.4, "0.000", "0.400"}));
+
+TEST(Val, ReadsLikeTheClassicFieldReader) {
+  EXPECT_EQ(Val(" 2 45 7"), 2457);
+  EXPECT_EQ(Val("\t7\n"), 7);
+  EXPECT_EQ(Val("24 and 57"), 24);
+  EXPECT_EQ(Val("1,000"), 1);
+  EXPECT_EQ(Val(""), 0);
+  EXPECT_EQ(Val("abc"), 0);
+  EXPECT_EQ(Val("-5"), -5);
+  EXPECT_EQ(Val("- 5"), -5);
+  EXPECT_EQ(Val("+5"), 5);
+  EXPECT_EQ(Val("--5"), 0);
+  EXPECT_EQ(Val(".5"), 0.5);
+  EXPECT_EQ(Val("-.5"), -0.5);
+  EXPECT_EQ(Val("12.3.4"), 12.3);
+  EXPECT_EQ(Val("1e3"), 1000);
+  EXPECT_EQ(Val("1D2"), 100);
+  EXPECT_EQ(Val("1e"), 1);
+  EXPECT_EQ(Val("2.5E-1x"), 0.25);
+  EXPECT_EQ(Val("&H10"), 16);
+  EXPECT_EQ(Val("&hff"), 255);
+  EXPECT_EQ(Val("&HFFFF"), -1);  // a 16-bit whole number
+  EXPECT_EQ(Val("&O17"), 15);
+  EXPECT_EQ(Val("12+34.56"), 12);
+  EXPECT_THROW(Val("1e400"), RunTimeError);
+}
+
+TEST(StrictNumber, RefusesWhatIsNotWhollyANumber) {
+  EXPECT_EQ(strictNumber(" 5000.25 "), 5000.25);
+  EXPECT_EQ(strictNumber("-12"), -12);
+  EXPECT_EQ(strictNumber("1.5e3"), 1500);
+  EXPECT_FALSE(strictNumber(""));
+  EXPECT_FALSE(strictNumber("   "));
+  EXPECT_FALSE(strictNumber("12abc"));
+  EXPECT_FALSE(strictNumber("1 2"));
+  EXPECT_FALSE(strictNumber("abc"));
+}
+
+TEST(CStr, FifteenDigitsNoLeadingBlankNoTrailingZeros) {
+  EXPECT_EQ(CStr(0.5), "0.5");
+  EXPECT_EQ(CStr(-2.5), "-2.5");
+  EXPECT_EQ(CStr(100), "100");
+  EXPECT_EQ(CStr(0), "0");
+  EXPECT_EQ(CStr(-0.0), "0");
+  EXPECT_EQ(CStr(1234.56), "1234.56");
+  EXPECT_EQ(CStr(0.1 + 0.2), "0.3");
+  EXPECT_EQ(CStr(1.0 / 3), "0.333333333333333");
+  EXPECT_EQ(CStr(123456789012345.0), "123456789012345");
+  EXPECT_EQ(CStr(1e15), "1E+15");
+  EXPECT_EQ(CStr(1.5e20), "1.5E+20");
+  EXPECT_EQ(CStr(0.0001), "0.0001");
+  EXPECT_EQ(CStr(0.00001), "1E-05");
+  EXPECT_EQ(CStr(-2.5e-7), "-2.5E-07");
+}
+
+TEST(ToInt16, CutsTowardZeroAndRefusesOverflow) {
+  EXPECT_EQ(toInt16(14.9), 14);
+  EXPECT_EQ(toInt16(-3.7), -3);
+  EXPECT_EQ(toInt16(32767), 32767);
+  EXPECT_THROW(toInt16(32768), RunTimeError);
+  EXPECT_THROW(toInt16(-40000), RunTimeError);
+}
+
+}  // namespace
+}  // namespace tervalo
