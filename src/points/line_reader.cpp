@@ -1,0 +1,51 @@
+#include "points/line_reader.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+
+#include "text/errors.h"
+
+namespace tervalo {
+
+LineReader::LineReader(const std::filesystem::path& path) : path_(path) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(path, ec))
+    throw RunTimeError("Bad file name: \"" + path.string() + "\" is a folder, not a file.");
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw RunTimeError("File not found or not readable: \"" + path.string() + "\" (" + std::strerror(errno) + ").");
+  const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  if (in.bad()) throw RunTimeError("Device I/O error while reading \"" + path.string() + "\".");
+
+  std::size_t i = bytes.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0;
+  std::string line;
+  bool open = false;  // a line has begun and not yet ended
+  for (; i < bytes.size(); ++i) {
+    const char c = bytes[i];
+    if (c == '\r' || c == '\n') {
+      lines_.push_back(std::move(line));
+      line.clear();
+      open = false;
+      if (c == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n') ++i;
+    } else {
+      line.push_back(c);
+      open = true;
+    }
+  }
+  if (open) lines_.push_back(std::move(line));
+}
+
+const std::string& LineReader::next() {
+  if (atEnd()) {
+    ++next_;
+    fail("Input past end of file");
+  }
+  return lines_[next_++];
+}
+
+void LineReader::fail(const std::string& what) const {
+  throw RunTimeError(what + "\nFile: " + path_.string() + "\nLine: " + std::to_string(next_));
+}
+
+}  // namespace tervalo

@@ -1,0 +1,42 @@
+#pragma once
+// The shared list of points read from the source coordinate file.
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace tervalo {
+
+struct PointRecord {
+  double x = 0;             // easting, the file's first coordinate
+  double y = 0;             // northing
+  std::string feature;      // feature code as written in the file
+  std::string description;  // as written in the file
+  std::string name;         // point name or number, compared as text
+};
+
+struct PointList {
+  static constexpr int capacity = 151;  // indices 0 to 150
+  std::array<PointRecord, capacity> records{};
+  // The last index a lookup searches. Its meaning differs by format: the
+  // last point's index after SDMS, the point count plus 1 after a
+  // comma-delimited file or an X-Y report, 1 after an N-E report. Records
+  // beyond the points read are empty, so a search over them finds nothing.
+  std::int16_t pointCount = 0;
+
+  // Empties names, features and descriptions and zeroes the coordinates of
+  // records first to last; the count is left as it is.
+  void clearRecords(int first, int last);
+};
+
+// Which format each recognition found. Flags are only ever set, never
+// cleared, for the life of the program: a later file is read by the reader
+// of the first flag set in the order CD, XY, NE, SDMS, whatever its format.
+struct FormatFlags {
+  bool xy = false;
+  bool ne = false;
+  bool cd = false;
+  bool sdms = false;
+};
+
+}  // namespace tervalo

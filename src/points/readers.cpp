@@ -1,0 +1,229 @@
+#include "points/readers.h"
+
+#include <optional>
+
+#include "points/line_reader.h"
+#include "text/errors.h"
+#include "text/number.h"
+
+namespace tervalo {
+namespace {
+
+const char* const kXYHeader = "    Point                 X                 Y";
+const char* const kNEHeader = "    Point                 N                 E";
+const char* const kUnderline = "---------------   ---------------  ----------------   ------------  ------------";
+
+bool contains(const std::string& line, std::string_view what) { return line.find(what) != std::string::npos; }
+
+std::string trim(std::string_view s) {
+  const auto first = s.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return std::string(s.substr(first, s.find_last_not_of(" \t") - first + 1));
+}
+
+// Mid$(s, start, length) with a 1-based start, empty past the end.
+std::string_view mid(std::string_view s, std::size_t start, std::size_t length = std::string_view::npos) {
+  if (start - 1 >= s.size()) return {};
+  return s.substr(start - 1, length);
+}
+
+PointRecord& record(PointList& points, int index, const LineReader& in) {
+  if (index < 0 || index >= PointList::capacity)
+    in.fail("Subscript out of range: point index " + std::to_string(index) + " is outside 0 to 150 (the list holds 151 points)");
+  return points.records[static_cast<std::size_t>(index)];
+}
+
+double strictCoordinate(std::string_view text, const char* which, const LineReader& in) {
+  if (auto v = strictNumber(text)) return *v;
+  in.fail(std::string("Type mismatch: ") + which + " \"" + std::string(text) + "\" is not a number");
+}
+
+// A report coordinate: the thousands comma removed, then read leniently. The
+// reports print every coordinate of 1,000 or more with a comma; a text
+// without one was never provided for and is a fault.
+double reportCoordinate(std::string_view field, bool commaRequired, const LineReader& in) {
+  std::string text(field);
+  const auto comma = text.find(',');
+  if (comma == std::string::npos) {
+    if (commaRequired)
+      in.fail("Invalid procedure call or argument: coordinate \"" + trim(text) + "\" has no thousands separator");
+  } else {
+    text.erase(comma, 1);
+  }
+  return Val(trim(text));
+}
+
+// The text after the first ":" of a line, trimmed (the whole line without one).
+std::string afterColon(const std::string& line) {
+  const auto colon = line.find(':');
+  return trim(colon == std::string::npos ? std::string_view(line) : std::string_view(line).substr(colon + 1));
+}
+
+void skipToUnderline(LineReader& in) {
+  while (in.next() != kUnderline) {
+  }
+}
+
+// The next non-empty line, or nothing at the end of the file.
+std::optional<std::string> nextNonEmpty(LineReader& in) {
+  while (!in.atEnd()) {
+    const std::string& line = in.next();
+    if (!line.empty()) return line;
+  }
+  return std::nullopt;
+}
+
+// The next line of a fixed group; a group cut short by the end of the file
+// reads as empty lines.
+std::string groupLine(LineReader& in) { return in.atEnd() ? std::string() : in.next(); }
+
+}  // namespace
+
+void getFileFormat(const std::filesystem::path& file, FormatFlags& flags) {
+  LineReader in(file);
+  std::string line;
+  do line = in.next();
+  while (line.empty());
+
+  if (contains(line, "Copyright:")) {
+    for (;;) {
+      const std::string& header = in.next();
+      if (contains(header, kXYHeader)) {
+        flags.xy = true;
+        break;
+      }
+      if (contains(header, kNEHeader)) {
+        flags.ne = true;
+        break;
+      }
+    }
+  } else if (contains(line, "AC:")) {
+    flags.sdms = true;
+  } else if (const auto comma = line.find(','); comma != std::string::npos && line.find(',', comma + 1) != std::string::npos) {
+    flags.cd = true;
+  }
+  // Flags set by an earlier file count too: only a program that has never
+  // recognised anything stops here.
+  if (!flags.xy && !flags.ne && !flags.cd && !flags.sdms)
+    throw ProgramFault("Input File Error", "Input File Format Not Recognized");
+}
+
+void readFile(const std::filesystem::path& file, const FormatFlags& flags, PointList& points) {
+  if (flags.cd) return readCDfile(file, points);
+  if (flags.xy) return readXYfile(file, points);
+  if (flags.ne) return readNEfile(file, points);
+  if (flags.sdms) return readSDMSfile(file, points);
+}
+
+std::string formatName(const FormatFlags& flags) {
+  if (flags.cd) return "comma-delimited";
+  if (flags.xy) return "X-Y coordinate report";
+  if (flags.ne) return "N-E coordinate report";
+  if (flags.sdms) return "SDMS";
+  return "";
+}
+
+void readSDMSfile(const std::filesystem::path& file, PointList& points) {
+  LineReader in(file);
+  int index = -1;
+  while (!in.atEnd()) {
+    const std::string& line = in.next();
+    if (line.empty()) continue;
+    const std::string_view tag = std::string_view(line).substr(0, 3);
+    const std::string_view value = mid(line, 4);
+    if (tag == "PN:") {
+      record(points, ++index, in).name = value;
+    } else if (tag == "XC:") {
+      record(points, index, in).x = strictCoordinate(value, "X coordinate", in);
+    } else if (tag == "YC:") {
+      record(points, index, in).y = strictCoordinate(value, "Y coordinate", in);
+    } else if (tag == "FE:") {
+      record(points, index, in).feature = value;
+    } else if (tag == "PD:") {
+      record(points, index, in).description = value;
+    }
+  }
+  points.pointCount = static_cast<std::int16_t>(index);
+}
+
+void readCDfile(const std::filesystem::path& file, PointList& points) {
+  LineReader in(file);
+  int index = 0;
+  auto unrecognized = [] { throw ProgramFault("Input File Error!", "Unrecognized file format."); };
+  while (!in.atEnd()) {
+    std::string rest = in.next();
+    if (rest.empty()) continue;
+    // Cuts the text before the next separator off `rest`; after the X field
+    // a ";" serves where no comma is left.
+    auto cut = [&rest](bool semicolonToo) -> std::optional<std::string> {
+      auto at = rest.find(',');
+      if (at == std::string::npos && semicolonToo) at = rest.find(';');
+      if (at == std::string::npos) return std::nullopt;
+      std::string field = rest.substr(0, at);
+      rest.erase(0, at + 1);
+      return field;
+    };
+    PointRecord& point = record(points, index, in);
+    const auto name = cut(false);
+    if (!name) in.fail("Invalid procedure call or argument: the line holds no \",\"");
+    const auto x = cut(false);
+    if (!x) unrecognized();
+    const auto y = cut(true);
+    if (!y) unrecognized();
+    point.name = *name;
+    point.x = strictCoordinate(*x, "X coordinate", in);
+    point.y = strictCoordinate(*y, "Y coordinate", in);
+    if (const auto feature = cut(true)) {
+      point.feature = *feature;
+      const auto description = cut(true);
+      point.description = description ? *description : rest;
+    } else {
+      point.feature = rest;
+    }
+    ++index;
+  }
+  points.pointCount = static_cast<std::int16_t>(index + 1);
+}
+
+void readXYfile(const std::filesystem::path& file, PointList& points) {
+  LineReader in(file);
+  skipToUnderline(in);
+  int index = 1;  // the report's first point goes to index 1; index 0 stays empty
+  while (const auto first = nextNonEmpty(in)) {
+    const std::string_view lead = std::string_view(*first).substr(0, 3);
+    if (lead != "---" && lead != "   ") {
+      PointRecord& point = record(points, index, in);
+      point.name = trim(mid(*first, 1, 15));
+      point.x = reportCoordinate(mid(*first, 19, 15), true, in);
+      point.y = reportCoordinate(mid(*first, 37, 15), true, in);
+    }
+    if (const std::string line = groupLine(in); contains(line, "Feature")) record(points, index, in).feature = afterColon(line);
+    if (const std::string line = groupLine(in); contains(line, "Description"))
+      record(points, index, in).description = afterColon(line);
+    groupLine(in);
+    ++index;
+  }
+  points.pointCount = static_cast<std::int16_t>(index);
+}
+
+void readNEfile(const std::filesystem::path& file, PointList& points) {
+  LineReader in(file);
+  skipToUnderline(in);
+  // Parsed to the end so a damaged report still fails as it always has, but
+  // nothing is kept: an N-E report yields no points.
+  while (const auto first = nextNonEmpty(in)) {
+    [[maybe_unused]] const std::string name(mid(*first, 1, 6));
+    [[maybe_unused]] const double north = reportCoordinate(mid(*first, 19, 15), false, in);
+    [[maybe_unused]] const double east = reportCoordinate(mid(*first, 37, 15), false, in);
+    [[maybe_unused]] const std::string feature = afterColon(groupLine(in));
+    [[maybe_unused]] const std::string description = afterColon(groupLine(in));
+    groupLine(in);
+  }
+  points.pointCount = 1;
+}
+
+void PointList::clearRecords(int first, int last) {
+  for (int i = first; i <= last && i < capacity; ++i) records[static_cast<std::size_t>(i)] = PointRecord{};
+}
+
+}  // namespace tervalo
