@@ -1,0 +1,113 @@
+#include "app/form_model.h"
+
+#include "app/program.h"
+#include "app/shell.h"
+#include "text/errors.h"
+
+namespace tervalo {
+
+FormModel::FormModel(Program& program, std::string name, std::string caption_)
+    : caption(std::move(caption_)), program_(program), name_(std::move(name)) {}
+
+Shell& FormModel::shell() { return program_.shell(); }
+
+const ControlEntry* FormModel::find(std::string_view control) const {
+  for (const auto& e : controls_)
+    if (e.name == control) return &e;
+  return nullptr;
+}
+
+ControlEntry* FormModel::findEntry(std::string_view control) {
+  return const_cast<ControlEntry*>(std::as_const(*this).find(control));
+}
+
+ControlEntry& FormModel::addEntry(std::string name, ControlRef control, std::string group) {
+  controls_.push_back(ControlEntry{std::move(name), control, std::move(group), {}, {}, {}});
+  return controls_.back();
+}
+
+ControlEntry& FormModel::add(std::string name, TextBox& c) { return addEntry(std::move(name), &c); }
+ControlEntry& FormModel::add(std::string name, Label& c) { return addEntry(std::move(name), &c); }
+ControlEntry& FormModel::add(std::string name, Frame& c) { return addEntry(std::move(name), &c); }
+ControlEntry& FormModel::add(std::string name, CheckBox& c) { return addEntry(std::move(name), &c); }
+ControlEntry& FormModel::add(std::string name, OptionButton& c, std::string group) {
+  return addEntry(std::move(name), &c, std::move(group));
+}
+ControlEntry& FormModel::add(std::string name, ComboBox& c) { return addEntry(std::move(name), &c); }
+ControlEntry& FormModel::add(std::string name, ListBox& c) { return addEntry(std::move(name), &c); }
+ControlEntry& FormModel::add(std::string name, Button& c) { return addEntry(std::move(name), &c); }
+ControlEntry& FormModel::add(std::string name, MenuItem& c) { return addEntry(std::move(name), &c); }
+
+void FormModel::runEvent(const std::function<void()>& handler) {
+  if (!handler) return;
+  try {
+    handler();
+  } catch (const ProgramFault& fault) {
+    shell().msgBox(fault.title(), fault.what(), Icon::Critical, Buttons::Ok);
+    shell().endProgram();
+  }
+}
+
+void FormModel::change(std::string_view control) {
+  if (auto* e = findEntry(control)) runEvent(e->onChange);
+}
+
+void FormModel::lostFocus(std::string_view control) {
+  if (auto* e = findEntry(control)) runEvent(e->onLostFocus);
+}
+
+void FormModel::click(std::string_view control) {
+  if (auto* e = findEntry(control)) runEvent(e->onClick);
+}
+
+void FormModel::setText(TextBox& box, const std::string& text) {
+  if (box.text == text) return;
+  box.text = text;
+  for (auto& e : controls_)
+    if (e.control == ControlRef(&box)) runEvent(e.onChange);
+}
+
+void FormModel::checkOption(ControlEntry& entry) {
+  for (auto& other : controls_)
+    if (auto** o = std::get_if<OptionButton*>(&other.control); o && other.group == entry.group) (*o)->checked = false;
+  std::get<OptionButton*>(entry.control)->checked = true;
+}
+
+void FormModel::typeText(std::string_view control, const std::string& text) {
+  ControlEntry* e = findEntry(control);
+  if (!e) return;
+  if (auto** box = std::get_if<TextBox*>(&e->control)) {
+    if ((*box)->text != text) {
+      (*box)->text = text;
+      runEvent(e->onChange);
+    }
+    runEvent(e->onLostFocus);
+  } else if (auto** combo = std::get_if<ComboBox*>(&e->control)) {
+    if ((*combo)->text != text) {
+      (*combo)->text = text;
+      runEvent(e->onChange);
+    }
+  }
+}
+
+void FormModel::setChecked(std::string_view control, bool checked) {
+  ControlEntry* e = findEntry(control);
+  if (!e) return;
+  if (auto** box = std::get_if<CheckBox*>(&e->control)) {
+    if ((*box)->checked == checked) return;
+    (*box)->checked = checked;
+    runEvent(e->onClick);
+  } else if (auto** option = std::get_if<OptionButton*>(&e->control)) {
+    if ((*option)->checked == checked) return;
+    // An option button cannot be clicked off; clearing one is what choosing
+    // another of its group does, without an event of its own.
+    if (!checked) {
+      (*option)->checked = false;
+      return;
+    }
+    checkOption(*e);
+    runEvent(e->onClick);
+  }
+}
+
+}  // namespace tervalo

@@ -1,0 +1,81 @@
+#pragma once
+// The behaviour of one window, without the window: its controls as data, its
+// events and procedures. Views and the job runner drive it by control name.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/controls.h"
+
+namespace tervalo {
+
+class Program;
+class Shell;
+
+class FormModel {
+ public:
+  FormModel(Program& program, std::string name, std::string caption);
+  virtual ~FormModel() = default;
+  FormModel(const FormModel&) = delete;
+  FormModel& operator=(const FormModel&) = delete;
+
+  const std::string& name() const { return name_; }
+  std::string caption;
+
+  const std::vector<ControlEntry>& controls() const { return controls_; }
+  const ControlEntry* find(std::string_view control) const;
+
+  // Events as a user causes them. Each runs its handler inside the fault
+  // wrapper: a ProgramFault becomes its message box and the program's end.
+  void change(std::string_view control);
+  void lostFocus(std::string_view control);
+  void click(std::string_view control);
+
+  // What a user does at the window, events included: typing a text and
+  // leaving the field (change when the text differs, then lost focus);
+  // clicking a check box or option button so that it ends up `checked`;
+  // choosing a combo's text.
+  void typeText(std::string_view control, const std::string& text);
+  void setChecked(std::string_view control, bool checked);
+
+  // Open while shown; a model closes itself with unload() (Return).
+  bool isOpen() const { return open_; }
+  void setOpen(bool open) { open_ = open; }
+  void unload() { open_ = false; }
+
+ protected:
+  Program& program() { return program_; }
+  Shell& shell();
+
+  // Control table rows, in screen order.
+  ControlEntry& add(std::string name, TextBox& c);
+  ControlEntry& add(std::string name, Label& c);
+  ControlEntry& add(std::string name, Frame& c);
+  ControlEntry& add(std::string name, CheckBox& c);
+  ControlEntry& add(std::string name, OptionButton& c, std::string group);
+  ControlEntry& add(std::string name, ComboBox& c);
+  ControlEntry& add(std::string name, ListBox& c);
+  ControlEntry& add(std::string name, Button& c);
+  ControlEntry& add(std::string name, MenuItem& c);
+
+  // Code that assigns a field's text raises its change event when the text
+  // differs, as in the window.
+  void setText(TextBox& box, const std::string& text);
+
+  // Runs an event handler inside the fault wrapper: a ProgramFault becomes
+  // its message box and the program's end.
+  void runEvent(const std::function<void()>& handler);
+
+ private:
+  ControlEntry& addEntry(std::string name, ControlRef control, std::string group = {});
+  ControlEntry* findEntry(std::string_view control);
+  void checkOption(ControlEntry& entry);
+
+  Program& program_;
+  std::string name_;
+  std::vector<ControlEntry> controls_;
+  bool open_ = false;
+};
+
+}  // namespace tervalo

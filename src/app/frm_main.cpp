@@ -1,0 +1,100 @@
+#include "app/frm_main.h"
+
+#include <filesystem>
+
+#include "app/program.h"
+#include "app/shell.h"
+#include "points/readers.h"
+
+namespace tervalo {
+
+frmMain::frmMain(Program& program)
+    : FormModel(program, "frmMain", " Ardel Coordinate Geometry Program  (Tervalo32)") {
+  add("Label1", Label1);
+  add("txtInFile", txtInFile);
+  add("btnInFile", btnInFile).click([this] { btnInFile_Click(); });
+  add("Label2", Label2);
+  add("txtOutInp", txtOutInp);
+  add("btnOut1", btnOut1).click([this] { chooseOutput(txtOutInp); });
+  add("Label3", Label3);
+  add("txtReport", txtReport);
+  add("btnOut2", btnOut2).click([this] { chooseOutput(txtReport); });
+  add("btnContinue", btnContinue).click([this] { btnContinue_Click(); });
+  add("mnuSecSub", mnuSecSub).click([this] { mnuSecSub_Click(); });
+  add("mnuCurve", mnuCurve);
+  add("mnuChorz", mnuChorz).click([this] { this->program().openCalculator("mnuChorz"); });
+  add("mnuCvert", mnuCvert).click([this] { this->program().openCalculator("mnuCvert"); });
+  add("mnuMisc", mnuMisc);
+  add("mnuMgrade", mnuMgrade).click([this] { this->program().openCalculator("mnuMgrade"); });
+  add("mnuMprop", mnuMprop).click([this] { this->program().openCalculator("mnuMprop"); });
+  add("mnuHelp", mnuHelp).click([this] {
+    if (this->program().registry().hasForm("frmAbout")) shell().showModal(this->program().form("frmAbout"));
+  });
+  add("mnuExit", mnuExit).click([this] { unload(); });
+  enableMenus();
+}
+
+// A calculator whose window is not part of this build has its entry greyed.
+void frmMain::enableMenus() {
+  const FormRegistry& registry = program().registry();
+  mnuSecSub.enabled = registry.hasForm("frmSecSub");
+  const std::pair<const char*, MenuItem*> calculators[] = {
+      {"mnuChorz", &mnuChorz}, {"mnuCvert", &mnuCvert}, {"mnuMgrade", &mnuMgrade}, {"mnuMprop", &mnuMprop}};
+  for (const auto& [menu, item] : calculators) {
+    const CalculatorInfo* info = registry.calculatorByMenu(menu);
+    item->enabled = info && info->openFromMenu && registry.hasForm(info->form);
+  }
+  mnuHelp.enabled = registry.hasForm("frmAbout");
+}
+
+void frmMain::readInputFile() {
+  getFileFormat(program().inputFileName, program().formats);
+  readFile(program().inputFileName, program().formats, program().points);
+}
+
+void frmMain::btnContinue_Click() {
+  program().inputFileName = txtInFile.text;
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(program().inputFileName, ec)) {
+    shell().msgBox("Input File Error!", "File does not exist.", Icon::Critical);
+    return;
+  }
+  readInputFile();
+  if (program().registry().hasForm("frmSecSub")) shell().showModal(program().form("frmSecSub"));
+}
+
+void frmMain::btnInFile_Click() {
+  const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtInFile.text);
+  if (!chosen || chosen->empty()) return;
+  txtInFile.text = *chosen;
+  program().inputFileName = *chosen;
+  readInputFile();
+}
+
+void frmMain::chooseOutput(TextBox& field) {
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text);
+  if (chosen && !chosen->empty()) field.text = *chosen;
+}
+
+void frmMain::mnuSecSub_Click() {
+  program().points.clearRecords(0, PointList::capacity - 1);
+  txtOutInp.text = program().userAppData + "SecSub.inp";
+  txtReport.text = program().userAppData + "SecSub.rpt";
+}
+
+void frmMain::dropFiles(const std::string& control, const std::vector<std::string>& files) {
+  if (files.empty()) return;
+  if (control == "txtInFile") {
+    runEvent([&] {
+      txtInFile.text = files.front();
+      program().inputFileName = files.front();
+      readInputFile();
+    });
+  } else if (control == "txtOutInp") {
+    txtOutInp.text = files.front();
+  } else if (control == "txtReport") {
+    txtReport.text = files.front();
+  }
+}
+
+}  // namespace tervalo

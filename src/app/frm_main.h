@@ -1,0 +1,51 @@
+#pragma once
+// The main window: the three file names of a section subdivision, the menu
+// of calculators.
+
+#include <string>
+#include <vector>
+
+#include "app/form_model.h"
+
+namespace tervalo {
+
+class frmMain : public FormModel {
+ public:
+  explicit frmMain(Program& program);
+
+  Label Label1{"Source File:"};
+  TextBox txtInFile;
+  Button btnInFile{"Browse"};
+  Label Label2{"GEOPAK Input:"};
+  TextBox txtOutInp;
+  Button btnOut1{"Browse"};
+  Label Label3{"Report File:"};
+  TextBox txtReport;
+  Button btnOut2{"Browse"};
+  Button btnContinue{"Continue"};
+
+  MenuItem mnuSecSub{"Section Subdivision", true, true, ""};
+  MenuItem mnuCurve{"Curve", true, true, ""};
+  MenuItem mnuChorz{"Horizontal Curve", true, true, "mnuCurve"};
+  MenuItem mnuCvert{"Vertical Curve", true, true, "mnuCurve"};
+  MenuItem mnuMisc{"Miscellaneous", true, true, ""};
+  MenuItem mnuMgrade{"Grading Width", true, true, "mnuMisc"};
+  MenuItem mnuMprop{"Proportion (S:V)", true, true, "mnuMisc"};
+  MenuItem mnuHelp{"About", true, true, ""};
+  MenuItem mnuExit{"Exit", true, true, ""};
+
+  // Files dropped from the desktop on a file field: the first one's full
+  // name goes into the field; the source file is read at once.
+  void dropFiles(const std::string& control, const std::vector<std::string>& files);
+
+  void btnContinue_Click();
+  void btnInFile_Click();
+  void mnuSecSub_Click();
+
+ private:
+  void readInputFile();
+  void chooseOutput(TextBox& field);
+  void enableMenus();
+};
+
+}  // namespace tervalo

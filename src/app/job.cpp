@@ -1,0 +1,125 @@
+#include "app/job.h"
+
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "app/form_model.h"
+#include "app/program.h"
+
+namespace tervalo {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// A shell for checking jobs: windows are made to read their control tables,
+// never shown.
+class NoShell : public Shell {
+ public:
+  Answer msgBox(const std::string&, const std::string&, Icon, Buttons) override { return Answer::Ok; }
+  void showModal(FormModel&) override {}
+  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&) override { return {}; }
+  void openInEditor(const std::filesystem::path&) override {}
+  Date today() override { return {}; }
+};
+
+void refuseUnknownKeys(const Json& object, std::initializer_list<const char*> known, const std::string& where) {
+  for (const auto& [key, value] : object.items()) {
+    bool ok = false;
+    for (const char* k : known) ok = ok || key == k;
+    if (!ok) throw JobError(where + ": unknown key \"" + key + "\"");
+  }
+}
+
+bool settableWith(const ControlRef& control, bool isText) {
+  if (std::holds_alternative<TextBox*>(control) || std::holds_alternative<ComboBox*>(control)) return isText;
+  if (std::holds_alternative<CheckBox*>(control) || std::holds_alternative<OptionButton*>(control)) return !isText;
+  return false;
+}
+
+}  // namespace
+
+Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
+  Json json;
+  try {
+    json = Json::parse(jsonText);
+  } catch (const Json::parse_error& e) {
+    throw JobError(std::string("the job file is not valid JSON: ") + e.what());
+  }
+  if (!json.is_object()) throw JobError("the job file must hold one JSON object");
+  refuseUnknownKeys(json, {"calculator", "steps", "answers"}, "job");
+
+  Job job;
+  if (!json.contains("calculator") || !json["calculator"].is_string()) throw JobError("job: \"calculator\" must be a text");
+  job.calculator = json["calculator"].get<std::string>();
+  const CalculatorInfo* calculator = registry.calculatorByJob(job.calculator);
+  if (!calculator) {
+    std::string known;
+    for (const auto& c : registry.calculators()) known += (known.empty() ? "" : ", ") + c.job;
+    throw JobError("unknown calculator \"" + job.calculator + "\" (known: " + known + ")");
+  }
+
+  NoShell shell;
+  Program scratch(shell, "", registry);
+  const Json steps = json.value("steps", Json::array());
+  if (!steps.is_array()) throw JobError("job: \"steps\" must be a list");
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    const std::string where = "step " + std::to_string(i + 1);
+    const Json& s = steps[i];
+    if (!s.is_object()) throw JobError(where + ": must be an object");
+    refuseUnknownKeys(s, {"form", "set", "click"}, where);
+    JobStep step;
+    step.form = calculator->form;
+    if (s.contains("form")) {
+      if (!s["form"].is_string()) throw JobError(where + ": \"form\" must be a text");
+      step.form = s["form"].get<std::string>();
+    }
+    if (!registry.hasForm(step.form)) throw JobError(where + ": unknown form \"" + step.form + "\"");
+    const FormModel& form = scratch.form(step.form);
+
+    if (s.contains("set")) {
+      if (!s["set"].is_object()) throw JobError(where + ": \"set\" must be an object of control names and values");
+      for (const auto& [name, value] : s["set"].items()) {
+        const ControlEntry* entry = form.find(name);
+        if (!entry) throw JobError(where + ": " + step.form + " has no control \"" + name + "\"");
+        if (!value.is_string() && !value.is_boolean())
+          throw JobError(where + ": the value of " + name + " must be a text or true/false");
+        if (!settableWith(entry->control, value.is_string()))
+          throw JobError(where + ": " + name + " is a " + controlKindName(entry->control) + " and cannot be set to " +
+                         (value.is_string() ? "a text" : "true/false"));
+        if (value.is_string())
+          step.set.emplace_back(name, value.get<std::string>());
+        else
+          step.set.emplace_back(name, value.get<bool>());
+      }
+    }
+    if (s.contains("click")) {
+      const Json clicks = s["click"].is_array() ? s["click"] : Json::array({s["click"]});
+      for (const Json& c : clicks) {
+        if (!c.is_string()) throw JobError(where + ": \"click\" names buttons or menu entries as texts");
+        const std::string name = c.get<std::string>();
+        const ControlEntry* entry = form.find(name);
+        if (!entry) throw JobError(where + ": " + step.form + " has no control \"" + name + "\"");
+        if (!std::holds_alternative<Button*>(entry->control) && !std::holds_alternative<MenuItem*>(entry->control))
+          throw JobError(where + ": " + name + " is a " + controlKindName(entry->control) + ", not a button or menu entry");
+        step.click.push_back(name);
+      }
+    }
+    job.steps.push_back(std::move(step));
+  }
+
+  const Json answers = json.value("answers", Json::array());
+  if (!answers.is_array()) throw JobError("job: \"answers\" must be a list of \"yes\" and \"no\"");
+  for (const Json& a : answers) {
+    const std::string text = a.is_string() ? a.get<std::string>() : "";
+    if (text == "yes")
+      job.answers.push_back(Answer::Yes);
+    else if (text == "no")
+      job.answers.push_back(Answer::No);
+    else
+      throw JobError("job: every answer must be \"yes\" or \"no\"");
+  }
+  return job;
+}
+
+}  // namespace tervalo

@@ -1,0 +1,42 @@
+#pragma once
+// Job files: a calculator's inputs and button presses, played by the
+// headless runner exactly as a user at the window would.
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "app/shell.h"
+
+namespace tervalo {
+
+class FormRegistry;
+
+// A job that cannot be played: unknown calculator, window or control, a
+// value of the wrong kind, malformed JSON. Nothing has run.
+class JobError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct JobStep {
+  std::string form;  // the window the step works in
+  // Ordered: a text typed (then the field left), or a check box or option
+  // button clicked so that it ends up true or false.
+  std::vector<std::pair<std::string, std::variant<std::string, bool>>> set;
+  std::vector<std::string> click;  // buttons and menu entries, pressed in order
+};
+
+struct Job {
+  std::string calculator;  // "secsub", "hcurve", "vcurve", "grading", "proportion"
+  std::vector<JobStep> steps;
+  std::vector<Answer> answers;  // to Yes/No boxes, in order; then yes
+};
+
+// Parses and checks a job against the program's windows; JobError says
+// what is wrong and where.
+Job parseJob(const std::string& jsonText, const FormRegistry& registry);
+
+}  // namespace tervalo

@@ -1,0 +1,16 @@
+#pragma once
+// Output files are written whole or not at all.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tervalo {
+
+// Writes each line followed by CR LF to a temporary file in the target's
+// folder and renames it over the target when complete, so a failed write
+// leaves any earlier file untouched. A file that cannot be written is a
+// RunTimeError naming the file and the reason.
+void writeTextFile(const std::filesystem::path& file, const std::vector<std::string>& lines);
+
+}  // namespace tervalo

@@ -1,0 +1,67 @@
+#include "app/program.h"
+
+#include <cmath>
+
+#include "app/form_model.h"
+#include "app/output_file.h"
+#include "app/shell.h"
+#include "text/errors.h"
+
+namespace tervalo {
+
+void FormRegistry::addForm(std::string name, Factory make) { forms_[std::move(name)] = std::move(make); }
+
+void FormRegistry::addCalculator(CalculatorInfo info) { calculators_.push_back(std::move(info)); }
+
+bool FormRegistry::hasForm(std::string_view name) const { return forms_.find(name) != forms_.end(); }
+
+std::unique_ptr<FormModel> FormRegistry::make(std::string_view name, Program& program) const {
+  const auto it = forms_.find(name);
+  return it == forms_.end() ? nullptr : it->second(program);
+}
+
+std::vector<std::string> FormRegistry::formNames() const {
+  std::vector<std::string> names;
+  for (const auto& [name, make] : forms_) names.push_back(name);
+  return names;
+}
+
+const CalculatorInfo* FormRegistry::calculatorByJob(std::string_view job) const {
+  for (const auto& c : calculators_)
+    if (c.job == job) return &c;
+  return nullptr;
+}
+
+const CalculatorInfo* FormRegistry::calculatorByMenu(std::string_view menu) const {
+  for (const auto& c : calculators_)
+    if (c.menu == menu) return &c;
+  return nullptr;
+}
+
+Program::Program(Shell& shell, std::string dataFolder, const FormRegistry& registry)
+    : userAppData(std::move(dataFolder)), pi(4 * std::atan(1.0)), shell_(shell), registry_(registry) {}
+
+Program::~Program() = default;
+
+FormModel& Program::form(std::string_view name) {
+  if (auto it = forms_.find(name); it != forms_.end()) return *it->second;
+  auto model = registry_.make(name, *this);
+  if (!model) throw RunTimeError("The window " + std::string(name) + " is not part of this program.");
+  FormModel& made = *model;
+  forms_.emplace(std::string(name), std::move(model));
+  order_.push_back(&made);
+  return made;
+}
+
+void Program::openCalculator(std::string_view menu) {
+  const CalculatorInfo* info = registry_.calculatorByMenu(menu);
+  if (!info || !registry_.hasForm(info->form) || !info->openFromMenu) return;
+  info->openFromMenu(*this);
+}
+
+void Program::writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines) {
+  writeTextFile(file, lines);
+  shell_.fileWritten(std::filesystem::absolute(file));
+}
+
+}  // namespace tervalo

@@ -1,0 +1,96 @@
+#pragma once
+// What one run of the program shares between its windows: the data folder,
+// the point list, the file names of the main window, and one model of each
+// window, made when first opened and kept until the program ends.
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "points/point_list.h"
+
+namespace tervalo {
+
+class FormModel;
+class Program;
+class Shell;
+
+// A calculator as the main window's menu and the job runner know it.
+struct CalculatorInfo {
+  std::string job;   // "hcurve": the name a job file uses
+  std::string menu;  // "mnuChorz": the main window's menu entry
+  std::string form;  // "frmHorzCurve": the calculator's own window
+  // What the menu entry does; empty where the main window does it itself.
+  std::function<void(Program&)> openFromMenu;
+};
+
+// Every window and calculator the program has. Each calculator adds its own
+// windows here; the main window, the runner and the views look them up.
+class FormRegistry {
+ public:
+  using Factory = std::function<std::unique_ptr<FormModel>(Program&)>;
+
+  void addForm(std::string name, Factory make);
+  void addCalculator(CalculatorInfo info);
+
+  bool hasForm(std::string_view name) const;
+  std::unique_ptr<FormModel> make(std::string_view name, Program& program) const;
+  std::vector<std::string> formNames() const;
+
+  const CalculatorInfo* calculatorByJob(std::string_view job) const;
+  const CalculatorInfo* calculatorByMenu(std::string_view menu) const;
+  const std::vector<CalculatorInfo>& calculators() const { return calculators_; }
+
+ private:
+  std::map<std::string, Factory, std::less<>> forms_;
+  std::vector<CalculatorInfo> calculators_;
+};
+
+// The registry of every window the program has (see forms.cpp).
+const FormRegistry& allForms();
+
+class Program {
+ public:
+  // `dataFolder` ends with a separator; every default output name lies in it.
+  Program(Shell& shell, std::string dataFolder, const FormRegistry& registry = allForms());
+  ~Program();
+
+  Shell& shell() { return shell_; }
+  const FormRegistry& registry() const { return registry_; }
+
+  const std::string userAppData;  // the data folder, ending with "/"
+  const double pi;                // 4·atan(1), for every angle conversion
+
+  PointList points;
+  FormatFlags formats;
+  std::string inputFileName;   // the source coordinate file
+  std::string outputFileName;  // the current calculator's output file
+
+  // The one model of that window for this run, made on first use.
+  FormModel& form(std::string_view name);
+  template <class T>
+  T& form(std::string_view name) {
+    return dynamic_cast<T&>(form(name));
+  }
+  // Windows made so far, in the order they were first made.
+  const std::vector<FormModel*>& madeForms() const { return order_; }
+
+  // The calculator behind a main-window menu entry: prepares and opens it.
+  void openCalculator(std::string_view menu);
+
+  // Writes an output file whole (CRLF lines) and tells the shell;
+  // RunTimeError when it cannot be written.
+  void writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines);
+
+ private:
+  Shell& shell_;
+  const FormRegistry& registry_;
+  std::map<std::string, std::unique_ptr<FormModel>, std::less<>> forms_;
+  std::vector<FormModel*> order_;
+};
+
+}  // namespace tervalo

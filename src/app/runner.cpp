@@ -1,0 +1,189 @@
+#include "app/runner.h"
+
+#include <algorithm>
+#include <ostream>
+#include <sstream>
+
+#include "app/form_model.h"
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "app/shell.h"
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json controlJson(const ControlRef& control) {
+  Json j;
+  if (!std::holds_alternative<ListBox*>(control)) j["text"] = controlText(control);
+  std::visit(
+      [&j](const auto* c) {
+        using T = std::decay_t<decltype(*c)>;
+        if constexpr (std::is_same_v<T, CheckBox> || std::is_same_v<T, OptionButton>) j["checked"] = c->checked;
+        if constexpr (std::is_same_v<T, ComboBox> || std::is_same_v<T, ListBox>) j["items"] = c->items;
+        j["visible"] = c->visible;
+        j["enabled"] = c->enabled;
+      },
+      control);
+  return j;
+}
+
+Json formJson(const FormModel& form) {
+  Json controls = Json::object();
+  for (const auto& entry : form.controls()) controls[entry.name] = controlJson(entry.control);
+  return Json{{"caption", form.caption}, {"controls", std::move(controls)}};
+}
+
+// Answers boxes from the job, records everything, and plays the steps that
+// name a window while it is shown modally.
+class RunnerShell : public Shell {
+ public:
+  RunnerShell(const Job& job, const RunOptions& options, std::ostream* boxLog)
+      : job_(job), options_(options), boxLog_(boxLog) {}
+
+  Json messages = Json::array();
+  Json files = Json::array();
+  Json opened = Json::array();
+  Json skipped = Json::array();
+
+  Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
+    Answer answer = Answer::Ok;
+    if (buttons == Buttons::YesNo) answer = nextAnswer_ < job_.answers.size() ? job_.answers[nextAnswer_++] : Answer::Yes;
+    const std::string form = stack_.empty() ? "" : stack_.back()->name();
+    Json answerJson = buttons == Buttons::Ok ? Json(nullptr) : Json(answer == Answer::Yes ? "yes" : "no");
+    messages.push_back(Json{{"form", form},
+                            {"title", title},
+                            {"text", text},
+                            {"icon", iconName(icon)},
+                            {"buttons", buttons == Buttons::Ok ? "ok" : "yesno"},
+                            {"answer", answerJson}});
+    if (boxLog_) {
+      *boxLog_ << "[" << form << "] " << iconName(icon) << " box \"" << title << "\": " << text;
+      if (buttons == Buttons::YesNo) *boxLog_ << " -> " << (answer == Answer::Yes ? "yes" : "no");
+      *boxLog_ << "\n";
+    }
+    return answer;
+  }
+
+  void showModal(FormModel& form) override {
+    form.setOpen(true);
+    stack_.push_back(&form);
+    playWhileOpen(form);
+    stack_.pop_back();
+    form.setOpen(false);
+  }
+
+  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&) override { return {}; }
+  void openInEditor(const std::filesystem::path& file) override { opened.push_back(file.string()); }
+  void fileWritten(const std::filesystem::path& file) override { files.push_back(file.string()); }
+  Date today() override { return options_.today ? *options_.today : localToday(); }
+
+  // The main window's part: steps naming it are played, others skipped.
+  void playTopLevel(frmMain& main) {
+    stack_.push_back(&main);
+    while (nextStep_ < job_.steps.size() && main.isOpen()) {
+      const JobStep& step = job_.steps[nextStep_];
+      if (step.form == main.name()) {
+        ++nextStep_;
+        play(main, step);
+      } else {
+        skip();
+      }
+    }
+    while (nextStep_ < job_.steps.size()) skip();
+  }
+
+ private:
+  bool isOpen(const std::string& form) const {
+    return std::any_of(stack_.begin(), stack_.end(), [&](const FormModel* f) { return f->name() == form; });
+  }
+
+  void skip() {
+    const JobStep& step = job_.steps[nextStep_];
+    skipped.push_back(Json{{"step", nextStep_ + 1}, {"form", step.form}});
+    ++nextStep_;
+  }
+
+  // Steps naming the modal window are played until one closes it; a step
+  // for a window beneath it closes it (as its close box would); a step for
+  // a window that is not open is skipped.
+  void playWhileOpen(FormModel& form) {
+    while (nextStep_ < job_.steps.size() && form.isOpen()) {
+      const JobStep& step = job_.steps[nextStep_];
+      if (step.form == form.name()) {
+        ++nextStep_;
+        play(form, step);
+      } else if (isOpen(step.form)) {
+        return;
+      } else {
+        skip();
+      }
+    }
+  }
+
+  static void play(FormModel& form, const JobStep& step) {
+    for (const auto& [control, value] : step.set) {
+      if (!form.isOpen()) return;
+      if (const auto* text = std::get_if<std::string>(&value))
+        form.typeText(control, *text);
+      else
+        form.setChecked(control, std::get<bool>(value));
+    }
+    for (const auto& control : step.click) {
+      if (!form.isOpen()) return;
+      form.click(control);
+    }
+  }
+
+  const Job& job_;
+  const RunOptions& options_;
+  std::ostream* boxLog_;
+  std::vector<FormModel*> stack_;
+  std::size_t nextStep_ = 0;
+  std::size_t nextAnswer_ = 0;
+};
+
+}  // namespace
+
+RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry& registry, std::ostream* boxLog) {
+  RunnerShell shell(job, options, boxLog);
+  Program program(shell, options.dataFolder, registry);
+  bool ended = false;
+  try {
+    auto& main = program.form<frmMain>("frmMain");
+    main.setOpen(true);
+    const CalculatorInfo* calculator = registry.calculatorByJob(job.calculator);
+    main.click(calculator->menu);
+    shell.playTopLevel(main);
+    ended = !main.isOpen();  // Exit unloads the main window: the program has ended
+  } catch (const ProgramEnd&) {
+    ended = true;
+  }
+
+  Json forms = Json::object();
+  for (const FormModel* form : program.madeForms()) forms[form->name()] = formJson(*form);
+  RunOutcome outcome;
+  outcome.result = Json{{"messages", std::move(shell.messages)}, {"ended", ended},       {"forms", std::move(forms)},
+                        {"files", std::move(shell.files)},       {"opened", std::move(shell.opened)},
+                        {"skipped", std::move(shell.skipped)}};
+  outcome.exitCode = ended ? 3 : 0;
+  return outcome;
+}
+
+std::string summarize(const Json& result) {
+  std::ostringstream out;
+  const auto list = [&out](const char* title, const Json& items) {
+    out << title << (items.empty() ? " none\n" : "\n");
+    for (const auto& item : items) out << "  " << (item.is_string() ? item.get<std::string>() : item.dump()) << "\n";
+  };
+  list("Files written:", result["files"]);
+  list("Opened in the editor:", result["opened"]);
+  if (!result["skipped"].empty()) list("Steps skipped (window not open):", result["skipped"]);
+  out << "Message boxes: " << result["messages"].size() << "\n";
+  out << (result["ended"].get<bool>() ? "The program ended.\n" : "The job ran to its end.\n");
+  return out.str();
+}
+
+}  // namespace tervalo

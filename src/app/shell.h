@@ -1,0 +1,49 @@
+#pragma once
+// The one way a window's model reaches the outside world: message boxes,
+// other windows, file dialogs, the editor, today's date.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "text/date.h"
+
+namespace tervalo {
+
+class FormModel;
+
+enum class Icon { Critical, Exclamation, Information, Question };
+enum class Buttons { Ok, YesNo };
+enum class Answer { Ok, Yes, No };
+enum class FileDialog { Open, Save };
+
+const char* iconName(Icon icon);  // "critical", "exclamation", ...
+
+class Shell {
+ public:
+  virtual ~Shell() = default;
+
+  // A modal message box; returns the button pressed.
+  virtual Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons = Buttons::Ok) = 0;
+
+  // Ends the whole program after a fatal message: throws ProgramEnd, which
+  // only the outermost layer catches. Implementations may first keep what
+  // the user typed.
+  [[noreturn]] virtual void endProgram();
+
+  // Opens another window over the current one; returns when it has closed.
+  virtual void showModal(FormModel& form) = 0;
+
+  // A file dialog; nothing when the user cancels.
+  virtual std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial) = 0;
+
+  // Hands a saved file to the user's text editor.
+  virtual void openInEditor(const std::filesystem::path& file) = 0;
+
+  // Told of every output file written whole.
+  virtual void fileWritten(const std::filesystem::path& file) { (void)file; }
+
+  virtual Date today() = 0;
+};
+
+}  // namespace tervalo

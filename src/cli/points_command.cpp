@@ -1,0 +1,50 @@
+#include "cli/points_command.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+
+#include "points/readers.h"
+#include "text/errors.h"
+#include "text/format.h"
+#include "text/justify.h"
+
+namespace tervalo {
+
+int pointsCommand(const std::string& file, std::ostream& out, std::ostream& err) {
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(file, ec)) {
+    err << "Input File Error!: File does not exist.\n";
+    return 2;
+  }
+  FormatFlags flags;
+  PointList points;
+  try {
+    getFileFormat(file, flags);
+    readFile(file, flags, points);
+  } catch (const ProgramFault& fault) {
+    err << fault.title() << ": " << fault.what() << "\n";
+    return 3;
+  }
+  out << "Format: " << formatName(flags) << "\n";
+  out << "Point count: " << points.pointCount << "\n";
+  if (formatName(flags) == "N-E coordinate report") out << "(An N-E coordinate report is read but yields no points.)\n";
+  // Columns as wide as the longest name and feature, so nothing is cut.
+  int nameWidth = 15, featureWidth = 10;
+  for (const PointRecord& p : points.records) {
+    nameWidth = std::max(nameWidth, static_cast<int>(textLength(p.name)) + 1);
+    featureWidth = std::max(featureWidth, static_cast<int>(textLength(p.feature)) + 1);
+  }
+  out << rightJustify("Index", 5) << "  " << leftJustify("Name", nameWidth) << rightJustify("X", 16) << rightJustify("Y", 16)
+      << "  " << leftJustify("Feature", featureWidth) << "Description\n";
+  for (int i = 0; i < PointList::capacity; ++i) {
+    const PointRecord& p = points.records[static_cast<std::size_t>(i)];
+    if (p.name.empty() && p.x == 0 && p.y == 0 && p.feature.empty() && p.description.empty()) continue;
+    out << rightJustify(std::to_string(i), 5) << "  " << leftJustify(p.name, nameWidth)
+        << rightJustify(Format(p.x, "#######0.0000"), 16) << rightJustify(Format(p.y, "#######0.0000"), 16) << "  "
+        << leftJustify(p.feature, featureWidth) << p.description << "\n";
+  }
+  return 0;
+}
+
+}  // namespace tervalo

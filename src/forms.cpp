@@ -1,0 +1,31 @@
+// Every window of the program and the calculators of the main window's menu.
+// A calculator's windows are added here as they are built.
+
+#include <memory>
+
+#include "app/frm_main.h"
+#include "app/program.h"
+
+namespace tervalo {
+namespace {
+
+FormRegistry buildRegistry() {
+  FormRegistry registry;
+  registry.addForm("frmMain", [](Program& p) { return std::make_unique<frmMain>(p); });
+
+  registry.addCalculator({"secsub", "mnuSecSub", "frmSecSub", {}});
+  registry.addCalculator({"hcurve", "mnuChorz", "frmHorzCurve", {}});
+  registry.addCalculator({"vcurve", "mnuCvert", "frmVertCurve", {}});
+  registry.addCalculator({"grading", "mnuMgrade", "frmGrade", {}});
+  registry.addCalculator({"proportion", "mnuMprop", "frmProp", {}});
+  return registry;
+}
+
+}  // namespace
+
+const FormRegistry& allForms() {
+  static const FormRegistry registry = buildRegistry();
+  return registry;
+}
+
+}  // namespace tervalo

@@ -1,0 +1,105 @@
+// The main window's model: file fields, Continue, the menu.
+
+#include <gtest/gtest.h>
+
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "support/recording_shell.h"
+#include "support/temp_dir.h"
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+using testing::RecordingShell;
+using testing::TempDir;
+
+class MainWindow : public ::testing::Test {
+ protected:
+  TempDir dir;
+  RecordingShell shell;
+  Program program{shell, dir.folder()};
+  frmMain& main = program.form<frmMain>("frmMain");
+  std::filesystem::path csv = dir.write("pts.csv", "1001,512313.489,289841.989,CM,NW COR\n1002,1,2,IP\n");
+};
+
+TEST_F(MainWindow, CaptionAndMenuInOrder) {
+  EXPECT_EQ(main.caption, " Ardel Coordinate Geometry Program  (Tervalo32)");
+  std::vector<std::string> menu;
+  for (const auto& e : main.controls())
+    if (std::holds_alternative<MenuItem*>(e.control)) menu.push_back(e.name);
+  EXPECT_EQ(menu, (std::vector<std::string>{"mnuSecSub", "mnuCurve", "mnuChorz", "mnuCvert", "mnuMisc", "mnuMgrade",
+                                            "mnuMprop", "mnuHelp", "mnuExit"}));
+  EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");
+  EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");
+}
+
+TEST_F(MainWindow, ContinueWithAMissingFileSaysSoAndStays) {
+  main.typeText("txtInFile", (dir.path() / "nope.csv").string());
+  main.click("btnContinue");
+  ASSERT_EQ(shell.boxes.size(), 1u);
+  EXPECT_EQ(shell.boxes[0].title, "Input File Error!");
+  EXPECT_EQ(shell.boxes[0].text, "File does not exist.");
+  EXPECT_EQ(shell.boxes[0].icon, Icon::Critical);
+  EXPECT_EQ(program.points.records[0].name, "");
+}
+
+TEST_F(MainWindow, ContinueReadsTheSourceFile) {
+  main.typeText("txtInFile", csv.string());
+  main.click("btnContinue");
+  EXPECT_TRUE(shell.boxes.empty());
+  EXPECT_EQ(program.inputFileName, csv.string());
+  EXPECT_EQ(program.points.records[1].name, "1002");
+  EXPECT_EQ(program.points.pointCount, 3);
+}
+
+TEST_F(MainWindow, SectionSubdivisionResetsNamesAndPointsEveryTime) {
+  main.typeText("txtInFile", csv.string());
+  main.click("btnContinue");
+  main.click("mnuSecSub");
+  EXPECT_EQ(program.points.records[0].name, "");
+  EXPECT_EQ(main.txtOutInp.text, dir.folder() + "SecSub.inp");
+  EXPECT_EQ(main.txtReport.text, dir.folder() + "SecSub.rpt");
+  main.typeText("txtReport", "/tmp/mine.rpt");
+  main.click("mnuSecSub");
+  EXPECT_EQ(main.txtReport.text, dir.folder() + "SecSub.rpt");
+}
+
+TEST_F(MainWindow, BrowseAndDropReadTheSourceAtOnce) {
+  shell.chosenFiles.push_back(csv.string());
+  main.click("btnInFile");
+  EXPECT_EQ(shell.dialogTitles.back(), "Select the File For Input");
+  EXPECT_EQ(main.txtInFile.text, csv.string());
+  EXPECT_EQ(program.points.records[0].name, "1001");
+
+  main.click("btnInFile");  // cancelled: nothing changes
+  EXPECT_EQ(main.txtInFile.text, csv.string());
+
+  program.points.clearRecords(0, 150);
+  main.dropFiles("txtInFile", {csv.string(), "/second/ignored"});
+  EXPECT_EQ(program.points.records[0].name, "1001");
+  main.dropFiles("txtReport", {"/x/y.rpt"});
+  EXPECT_EQ(main.txtReport.text, "/x/y.rpt");
+
+  shell.chosenFiles.push_back("/out/a.inp");
+  main.click("btnOut1");
+  EXPECT_EQ(shell.dialogTitles.back(), "Select the Output File");
+  EXPECT_EQ(main.txtOutInp.text, "/out/a.inp");
+}
+
+TEST_F(MainWindow, AnUnreadableDropEndsTheProgramAfterItsBox) {
+  const auto bad = dir.write("bad.txt", "one line of words\n");
+  EXPECT_THROW(main.dropFiles("txtInFile", {bad.string()}), ProgramEnd);
+  ASSERT_EQ(shell.boxes.size(), 1u);
+  EXPECT_EQ(shell.boxes[0].title, "Input File Error");
+  EXPECT_EQ(shell.boxes[0].text, "Input File Format Not Recognized");
+}
+
+TEST_F(MainWindow, ExitUnloads) {
+  main.setOpen(true);
+  main.click("mnuExit");
+  EXPECT_FALSE(main.isOpen());
+}
+
+}  // namespace
+}  // namespace tervalo
