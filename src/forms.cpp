@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "app/forms_misc.h"
 #include "app/frm_main.h"
 #include "app/program.h"
 
@@ -12,6 +13,10 @@ namespace {
 FormRegistry buildRegistry() {
   FormRegistry registry;
   registry.addForm("frmMain", [](Program& p) { return std::make_unique<frmMain>(p); });
+  registry.addForm("frmAbout", [](Program& p) { return std::make_unique<frmAbout>(p); });
+  registry.addForm("frmHeader", [](Program& p) { return std::make_unique<frmHeader>(p); });
+  registry.addForm("frmSetOptions", [](Program& p) { return std::make_unique<frmSetOptions>(p); });
+  registry.addForm("frmOutput", [](Program& p) { return std::make_unique<frmOutput>(p); });
 
   registry.addCalculator({"secsub", "mnuSecSub", "frmSecSub", {}});
   registry.addCalculator({"hcurve", "mnuChorz", "frmHorzCurve", {}});

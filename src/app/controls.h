@@ -50,6 +50,7 @@ struct ComboBox {
 
 struct ListBox {
   std::vector<std::string> items;
+  int selected = -1;  // the row the user picked, -1 for none
   bool visible = true;
   bool enabled = true;
 };

@@ -74,6 +74,20 @@ void FormModel::checkOption(ControlEntry& entry) {
 }
 
 void FormModel::typeText(std::string_view control, const std::string& text) {
+  editText(control, text);
+  if (ControlEntry* e = findEntry(control); e && std::holds_alternative<TextBox*>(e->control)) runEvent(e->onLostFocus);
+}
+
+void FormModel::selectItem(std::string_view control, int row) {
+  ControlEntry* e = findEntry(control);
+  if (!e) return;
+  if (auto** list = std::get_if<ListBox*>(&e->control)) {
+    (*list)->selected = row;
+    runEvent(e->onClick);
+  }
+}
+
+void FormModel::editText(std::string_view control, const std::string& text) {
   ControlEntry* e = findEntry(control);
   if (!e) return;
   if (auto** box = std::get_if<TextBox*>(&e->control)) {
@@ -81,7 +95,6 @@ void FormModel::typeText(std::string_view control, const std::string& text) {
       (*box)->text = text;
       runEvent(e->onChange);
     }
-    runEvent(e->onLostFocus);
   } else if (auto** combo = std::get_if<ComboBox*>(&e->control)) {
     if ((*combo)->text != text) {
       (*combo)->text = text;

@@ -37,6 +37,10 @@ class FormModel {
   // clicking a check box or option button so that it ends up `checked`;
   // choosing a combo's text.
   void typeText(std::string_view control, const std::string& text);
+  // Typing without leaving the field (each keystroke): the change event only.
+  void editText(std::string_view control, const std::string& text);
+  // Picking a row of a list (its click event).
+  void selectItem(std::string_view control, int row);
   void setChecked(std::string_view control, bool checked);
 
   // Open while shown; a model closes itself with unload() (Return).

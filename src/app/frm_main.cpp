@@ -31,6 +31,7 @@ frmMain::frmMain(Program& program)
     if (this->program().registry().hasForm("frmAbout")) shell().showModal(this->program().form("frmAbout"));
   });
   add("mnuExit", mnuExit).click([this] { unload(); });
+  add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   enableMenus();
 }
 

@@ -33,6 +33,7 @@ class frmMain : public FormModel {
   MenuItem mnuMprop{"Proportion (S:V)", true, true, "mnuMisc"};
   MenuItem mnuHelp{"About", true, true, ""};
   MenuItem mnuExit{"Exit", true, true, ""};
+  MenuItem mnuOptions{"Options", true, true, ""};  // output options, after the calculators' entries
 
   // Files dropped from the desktop on a file field: the first one's full
   // name goes into the field; the source file is read at once.

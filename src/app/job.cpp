@@ -122,4 +122,18 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
   return job;
 }
 
+void playStep(FormModel& form, const JobStep& step) {
+  for (const auto& [control, value] : step.set) {
+    if (!form.isOpen()) return;
+    if (const auto* text = std::get_if<std::string>(&value))
+      form.typeText(control, *text);
+    else
+      form.setChecked(control, std::get<bool>(value));
+  }
+  for (const auto& control : step.click) {
+    if (!form.isOpen()) return;
+    form.click(control);
+  }
+}
+
 }  // namespace tervalo

@@ -39,4 +39,10 @@ struct Job {
 // what is wrong and where.
 Job parseJob(const std::string& jsonText, const FormRegistry& registry);
 
+class FormModel;
+
+// Plays one step in its window as a user would: the sets in order, then the
+// clicks, stopping when the window closes.
+void playStep(FormModel& form, const JobStep& step);
+
 }  // namespace tervalo

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/header_data.h"
 #include "points/point_list.h"
 
 namespace tervalo {
@@ -69,6 +70,7 @@ class Program {
   FormatFlags formats;
   std::string inputFileName;   // the source coordinate file
   std::string outputFileName;  // the current calculator's output file
+  HeaderData header;           // for the section report, kept for the whole run
 
   // The one model of that window for this run, made on first use.
   FormModel& form(std::string_view name);

@@ -87,7 +87,7 @@ class RunnerShell : public Shell {
       const JobStep& step = job_.steps[nextStep_];
       if (step.form == main.name()) {
         ++nextStep_;
-        play(main, step);
+        playStep(main, step);
       } else {
         skip();
       }
@@ -114,26 +114,12 @@ class RunnerShell : public Shell {
       const JobStep& step = job_.steps[nextStep_];
       if (step.form == form.name()) {
         ++nextStep_;
-        play(form, step);
+        playStep(form, step);
       } else if (isOpen(step.form)) {
         return;
       } else {
         skip();
       }
-    }
-  }
-
-  static void play(FormModel& form, const JobStep& step) {
-    for (const auto& [control, value] : step.set) {
-      if (!form.isOpen()) return;
-      if (const auto* text = std::get_if<std::string>(&value))
-        form.typeText(control, *text);
-      else
-        form.setChecked(control, std::get<bool>(value));
-    }
-    for (const auto& control : step.click) {
-      if (!form.isOpen()) return;
-      form.click(control);
     }
   }
 

@@ -29,7 +29,7 @@ TEST_F(MainWindow, CaptionAndMenuInOrder) {
   for (const auto& e : main.controls())
     if (std::holds_alternative<MenuItem*>(e.control)) menu.push_back(e.name);
   EXPECT_EQ(menu, (std::vector<std::string>{"mnuSecSub", "mnuCurve", "mnuChorz", "mnuCvert", "mnuMisc", "mnuMgrade",
-                                            "mnuMprop", "mnuHelp", "mnuExit"}));
+                                            "mnuMprop", "mnuHelp", "mnuExit", "mnuOptions"}));
   EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");
   EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");
 }

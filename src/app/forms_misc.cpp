@@ -1,0 +1,127 @@
+#include "app/forms_misc.h"
+
+#include "app/header_data.h"
+#include "app/program.h"
+#include "app/shell.h"
+#include "app/version.h"
+
+namespace tervalo {
+
+const char* VersionInfo::title() { return "Tervalo"; }
+
+std::string VersionInfo::numbers() {
+  return std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." + std::to_string(kVersionPatch);
+}
+
+const char* VersionInfo::legalRights() { return "Copyright (C) The Tervalo Project contributors. All rights reserved."; }
+
+frmAbout::frmAbout(Program& program) : FormModel(program, "frmAbout", std::string("About ") + VersionInfo::title()) {
+  lblTitle.caption = VersionInfo::title();
+  lblVersion.caption = "Version " + VersionInfo::numbers() + "    March 22, 2016";
+  lblCopyright.caption = VersionInfo::legalRights();
+  lblDisclaimer.caption =
+      "Warning: This program is provided as is. By using it you release its makers, the Tervalo Project "
+      "contributors, from all liability resulting from any inaccuracies in the application or in its results. "
+      "Check every computed position before you rely on it.";
+  lblSupport.caption = "User Support Information:  Tervalo User Support, telephone 555-0100";
+  add("lblTitle", lblTitle);
+  add("lblVersion", lblVersion);
+  add("lblCopyright", lblCopyright);
+  add("lblDisclaimer", lblDisclaimer);
+  add("lblSupport", lblSupport);
+  add("cmdOK", cmdOK).click([this] { unload(); });
+}
+
+frmHeader::frmHeader(Program& program) : FormModel(program, "frmHeader", "Print Header Information") {
+  cmbCounty.items = countyNames(program.userAppData);
+  if (!cmbCounty.items.empty()) cmbCounty.text = cmbCounty.items.front();
+  add("lblSP", lblSP);
+  add("txtSP", txtSP);
+  add("lblTH", lblTH);
+  add("txtTH", txtTH);
+  add("lblDate", lblDate);
+  add("txtDate", txtDate);
+  add("lblCounty", lblCounty);
+  add("cmbCounty", cmbCounty);
+  add("lblOperator", lblOperator);
+  add("txtOperator", txtOperator);
+  add("lblHDatum", lblHDatum);
+  add("cmbHDatum", cmbHDatum);
+  add("lblVDatum", lblVDatum);
+  add("cmbVDatum", cmbVDatum);
+  add("lblComment", lblComment);
+  add("txtComment", txtComment);
+  add("chkIncludePath", chkIncludePath);
+  add("btnSave", btnSave).click([this] { btnSave_Click(); });
+  add("btnCancel", btnCancel).click([this] { unload(); });
+}
+
+void frmHeader::btnSave_Click() {
+  HeaderData& h = program().header;
+  h.spNumber = txtSP.text;
+  h.th = txtTH.text;
+  h.date = txtDate.text;
+  h.county = cmbCounty.text;
+  h.operatorName = txtOperator.text;
+  h.horizontalDatum = cmbHDatum.text;
+  h.verticalDatum = cmbVDatum.text;
+  h.comment = txtComment.text;
+  h.includePath = chkIncludePath.checked;
+  unload();
+}
+
+void frmHeader::showForHeaderData() {
+  txtDate.text = formatShortDate(shell().today());
+  shell().showModal(*this);
+  const HeaderData& h = program().header;
+  txtSP.text = h.spNumber;
+  txtTH.text = h.th;
+  txtDate.text = h.date;
+  cmbCounty.text = h.county;
+  txtOperator.text = h.operatorName;
+  cmbHDatum.text = h.horizontalDatum;
+  cmbVDatum.text = h.verticalDatum;
+  txtComment.text = h.comment;
+}
+
+frmSetOptions::frmSetOptions(Program& program)
+    : FormModel(program, "frmSetOptions", " Set Tervalo32 Coordinate Output Options") {
+  add("lblCoordSys", lblCoordSys);
+  add("txtOutputCS", txtOutputCS);
+  add("lblAdjustment", lblAdjustment);
+  add("lstOutAdj", lstOutAdj);
+  add("lblUnits", lblUnits);
+  add("optEnglish", optEnglish, "units");
+  add("optMetric", optMetric, "units");
+  add("frameSort", frameSort);
+  add("lblSortText", lblSortText);
+  add("optNoSort", optNoSort, "sort");
+  add("optPdSort", optPdSort, "sort");
+  add("optPnSort", optPnSort, "sort");
+  add("btnContinue", btnContinue);
+  add("btnCancel", btnCancel);
+}
+
+frmOutput::frmOutput(Program& program) : FormModel(program, "frmOutput", "Tervalo Output Data") {
+  add("lstOutput", lstOutput);
+  add("lblOut", lblOut);
+  add("txtOut", txtOut);
+  add("btnOut", btnOut).click([this] { btnOut_Click(); });
+  add("btnOutput", btnOutput).click([this] { btnOutput_Click(); });
+  add("btnReturn", btnReturn).click([this] { unload(); });
+}
+
+void frmOutput::btnOut_Click() {
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", txtOut.text);
+  if (!chosen || chosen->empty()) return;
+  program().outputFileName = *chosen;
+  txtOut.text = *chosen;
+}
+
+void frmOutput::btnOutput_Click() {
+  program().outputFileName = txtOut.text;
+  program().writeOutputFile(txtOut.text, lstOutput.items);
+  shell().openInEditor(txtOut.text);
+}
+
+}  // namespace tervalo

@@ -1,0 +1,175 @@
+#include "app/qt/binder.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QEvent>
+#include <QFocusEvent>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalBlocker>
+
+#include "app/form_model.h"
+#include "app/qt/qt_shell.h"
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+QString q(const std::string& s) { return QString::fromStdString(s); }
+
+template <class W>
+W* widget(QWidget& root, const std::string& name) {
+  return root.findChild<W*>(q(name));
+}
+
+void setCommon(QWidget* w, bool visible, bool enabled) {
+  // A hidden parent hides its children whatever they say; only ask for what the model says.
+  if (w->isVisibleTo(w->parentWidget()) != visible) w->setVisible(visible);
+  w->setEnabled(enabled);
+}
+
+}  // namespace
+
+Binder::Binder(FormModel& model, QWidget& root, QtShell& shell) : QObject(&root), model_(model), root_(root), shell_(shell) {
+  for (const ControlEntry& entry : model_.controls()) {
+    const std::string name = entry.name;
+    if (std::holds_alternative<TextBox*>(entry.control)) {
+      if (auto* edit = widget<QLineEdit>(root_, name)) {
+        connect(edit, &QLineEdit::textEdited, this, [this, name](const QString& text) {
+          run([this, name, text] { model_.editText(name, text.toStdString()); });
+        });
+        edit->installEventFilter(this);
+      }
+    } else if (std::holds_alternative<CheckBox*>(entry.control)) {
+      if (auto* box = widget<QCheckBox>(root_, name))
+        connect(box, &QCheckBox::clicked, this, [this, name](bool checked) { run([=, this] { model_.setChecked(name, checked); }); });
+    } else if (std::holds_alternative<OptionButton*>(entry.control)) {
+      if (auto* option = widget<QRadioButton>(root_, name)) {
+        option->setAutoExclusive(false);  // the model keeps its groups
+        connect(option, &QRadioButton::clicked, this, [this, name] { run([=, this] { model_.setChecked(name, true); }); });
+      }
+    } else if (std::holds_alternative<ComboBox*>(entry.control)) {
+      if (auto* combo = widget<QComboBox>(root_, name))
+        connect(combo, &QComboBox::currentTextChanged, this,
+                [this, name](const QString& text) { run([=, this] { model_.typeText(name, text.toStdString()); }); });
+    } else if (std::holds_alternative<Button*>(entry.control)) {
+      if (auto* button = widget<QPushButton>(root_, name))
+        connect(button, &QPushButton::clicked, this, [this, name] { run([=, this] { model_.click(name); }); });
+    } else if (std::holds_alternative<MenuItem*>(entry.control)) {
+      if (auto* action = root_.findChild<QAction*>(q(name)))
+        connect(action, &QAction::triggered, this, [this, name] { run([=, this] { model_.click(name); }); });
+    } else if (std::holds_alternative<ListBox*>(entry.control)) {
+      if (auto* list = widget<QListWidget>(root_, name))
+        connect(list, &QListWidget::currentRowChanged, this,
+                [this, name](int row) { run([=, this] { model_.selectItem(name, row); }); });
+    }
+  }
+  refresh();
+}
+
+bool Binder::eventFilter(QObject* watched, QEvent* event) {
+  // Leaving the field, not the window: a box or another program taking the
+  // focus is no lost-focus event.
+  if (event->type() == QEvent::FocusOut && static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason &&
+      static_cast<QFocusEvent*>(event)->reason() != Qt::PopupFocusReason) {
+    const std::string name = watched->objectName().toStdString();
+    run([this, name] { model_.lostFocus(name); });
+  }
+  return QObject::eventFilter(watched, event);
+}
+
+void Binder::run(const std::function<void()>& event) {
+  try {
+    event();
+  } catch (const ProgramEnd&) {
+    shell_.programEnded();
+    return;
+  }
+  refresh();
+  if (!model_.isOpen() && onUnload) onUnload();
+}
+
+void Binder::refresh() {
+  root_.setWindowTitle(q(model_.caption));
+  for (const ControlEntry& entry : model_.controls()) {
+    const std::string& name = entry.name;
+    std::visit(
+        [&](auto* c) {
+          using T = std::decay_t<decltype(*c)>;
+          if constexpr (std::is_same_v<T, TextBox>) {
+            if (auto* w = widget<QLineEdit>(root_, name)) {
+              const QSignalBlocker block(w);
+              if (w->text() != q(c->text)) w->setText(q(c->text));
+              setCommon(w, c->visible, c->enabled);
+            }
+          } else if constexpr (std::is_same_v<T, Label>) {
+            if (auto* w = widget<QLabel>(root_, name)) {
+              w->setText(q(c->caption));
+              setCommon(w, c->visible, c->enabled);
+            }
+          } else if constexpr (std::is_same_v<T, Frame>) {
+            if (auto* w = widget<QGroupBox>(root_, name)) {
+              w->setTitle(q(c->caption));
+              setCommon(w, c->visible, c->enabled);
+            }
+          } else if constexpr (std::is_same_v<T, CheckBox> || std::is_same_v<T, OptionButton>) {
+            if (auto* w = widget<QAbstractButton>(root_, name)) {
+              const QSignalBlocker block(w);
+              w->setText(q(c->caption));
+              w->setChecked(c->checked);
+              setCommon(w, c->visible, c->enabled);
+            }
+          } else if constexpr (std::is_same_v<T, ComboBox>) {
+            if (auto* w = widget<QComboBox>(root_, name)) {
+              const QSignalBlocker block(w);
+              QStringList items;
+              for (const auto& i : c->items) items << q(i);
+              QStringList shown;
+              for (int i = 0; i < w->count(); ++i) shown << w->itemText(i);
+              if (shown != items) {
+                w->clear();
+                w->addItems(items);
+              }
+              if (w->isEditable())
+                w->setEditText(q(c->text));
+              else
+                w->setCurrentText(q(c->text));
+              setCommon(w, c->visible, c->enabled);
+            }
+          } else if constexpr (std::is_same_v<T, ListBox>) {
+            if (auto* w = widget<QListWidget>(root_, name)) {
+              const QSignalBlocker block(w);
+              QStringList items;
+              for (const auto& i : c->items) items << q(i);
+              QStringList shown;
+              for (int i = 0; i < w->count(); ++i) shown << w->item(i)->text();
+              if (shown != items) {
+                w->clear();
+                w->addItems(items);
+              }
+              if (c->selected != w->currentRow()) w->setCurrentRow(c->selected);
+              setCommon(w, c->visible, c->enabled);
+            }
+          } else if constexpr (std::is_same_v<T, Button>) {
+            if (auto* w = widget<QPushButton>(root_, name)) {
+              w->setText(q(c->caption));
+              setCommon(w, c->visible, c->enabled);
+            }
+          } else if constexpr (std::is_same_v<T, MenuItem>) {
+            if (auto* a = root_.findChild<QAction*>(q(name))) {
+              a->setText(q(c->caption));
+              a->setVisible(c->visible);
+              a->setEnabled(c->enabled);
+            }
+          }
+        },
+        entry.control);
+  }
+}
+
+}  // namespace tervalo

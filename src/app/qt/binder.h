@@ -1,0 +1,39 @@
+#pragma once
+// Copies between a window's widgets and its model by control name, and
+// forwards the widgets' change, lost-focus and click events to the model.
+// Every view uses it; no view copies a control by hand.
+
+#include <QObject>
+#include <functional>
+
+namespace tervalo {
+
+class FormModel;
+class QtShell;
+
+class Binder : public QObject {
+  Q_OBJECT
+ public:
+  // Finds each control of the model's table among root's children by
+  // objectName (a QAction for a menu entry) and connects it.
+  Binder(FormModel& model, QWidget& root, QtShell& shell);
+
+  // Model to widgets, signals blocked.
+  void refresh();
+
+  // Runs a model event, then refreshes; a program end stops here.
+  void run(const std::function<void()>& event);
+
+  // Called after an event when the model has unloaded itself.
+  std::function<void()> onUnload;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  FormModel& model_;
+  QWidget& root_;
+  QtShell& shell_;
+};
+
+}  // namespace tervalo

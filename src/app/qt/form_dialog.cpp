@@ -1,0 +1,79 @@
+#include "app/qt/form_dialog.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFontDatabase>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include "app/form_model.h"
+
+namespace tervalo {
+namespace {
+
+template <class W>
+W* named(const char* name, QWidget* parent, QWidget* fallback) {
+  auto* w = new W(parent ? parent : fallback);
+  w->setObjectName(QString::fromLatin1(name));
+  return w;
+}
+
+}  // namespace
+
+QFont fixedPitchFont() {
+  QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  if (!QFontInfo(font).fixedPitch()) {
+    // Some platforms name no fixed font; any monospace one keeps the columns.
+    font.setFamily("Monospace");
+    font.setStyleHint(QFont::TypeWriter);
+    font.setFixedPitch(true);
+  }
+  return font;
+}
+
+FormDialog::FormDialog(FormModel& model, QtShell& shell, QWidget* parent) : QDialog(parent), model_(model), shell_(shell) {
+  setObjectName(QString::fromStdString(model.name()));
+  setModal(true);
+}
+
+// The binder goes before the widgets, so that their going sends it nothing.
+FormDialog::~FormDialog() { delete binder_; }
+
+void FormDialog::bind() {
+  binder_ = new Binder(model_, *this, shell_);
+  binder_->onUnload = [this] { accept(); };
+}
+
+void FormDialog::closeEvent(QCloseEvent* event) {
+  model_.unload();
+  QDialog::closeEvent(event);
+}
+
+QLineEdit* FormDialog::edit(const char* name, QWidget* parent) { return named<QLineEdit>(name, parent, this); }
+QLabel* FormDialog::label(const char* name, QWidget* parent) { return named<QLabel>(name, parent, this); }
+QPushButton* FormDialog::button(const char* name, QWidget* parent) {
+  auto* b = named<QPushButton>(name, parent, this);
+  b->setAutoDefault(false);
+  return b;
+}
+QCheckBox* FormDialog::check(const char* name, QWidget* parent) { return named<QCheckBox>(name, parent, this); }
+QRadioButton* FormDialog::option(const char* name, QWidget* parent) { return named<QRadioButton>(name, parent, this); }
+QComboBox* FormDialog::combo(const char* name, bool editable, QWidget* parent) {
+  auto* c = named<QComboBox>(name, parent, this);
+  c->setEditable(editable);
+  c->setInsertPolicy(QComboBox::NoInsert);
+  return c;
+}
+QListWidget* FormDialog::list(const char* name, bool fixedPitch, QWidget* parent) {
+  auto* l = named<QListWidget>(name, parent, this);
+  if (fixedPitch) l->setFont(fixedPitchFont());
+  return l;
+}
+QGroupBox* FormDialog::frame(const char* name, QWidget* parent) { return named<QGroupBox>(name, parent, this); }
+
+}  // namespace tervalo

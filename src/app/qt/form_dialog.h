@@ -1,0 +1,54 @@
+#pragma once
+// A window of the program as a modal dialog: built in code by each view,
+// every control named after the model's control, bound by the Binder.
+
+#include <QDialog>
+#include <QString>
+
+#include "app/qt/binder.h"
+
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QRadioButton;
+
+namespace tervalo {
+
+class FormModel;
+class QtShell;
+
+class FormDialog : public QDialog {
+ public:
+  FormDialog(FormModel& model, QtShell& shell, QWidget* parent);
+  ~FormDialog() override;
+
+ protected:
+  // Connects the widgets built so far to the model; call at the end of the
+  // view's constructor.
+  void bind();
+
+  // Widgets named after their control.
+  QLineEdit* edit(const char* name, QWidget* parent = nullptr);
+  QLabel* label(const char* name, QWidget* parent = nullptr);
+  QPushButton* button(const char* name, QWidget* parent = nullptr);
+  QCheckBox* check(const char* name, QWidget* parent = nullptr);
+  QRadioButton* option(const char* name, QWidget* parent = nullptr);
+  QComboBox* combo(const char* name, bool editable, QWidget* parent = nullptr);
+  QListWidget* list(const char* name, bool fixedPitch, QWidget* parent = nullptr);
+  QGroupBox* frame(const char* name, QWidget* parent = nullptr);
+
+  void closeEvent(QCloseEvent* event) override;
+
+  FormModel& model_;
+  QtShell& shell_;
+  Binder* binder_ = nullptr;
+};
+
+// The fixed-pitch font of result columns.
+QFont fixedPitchFont();
+
+}  // namespace tervalo

@@ -1,0 +1,116 @@
+#include <QAction>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPushButton>
+
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "app/qt/binder.h"
+#include "app/qt/qt_shell.h"
+#include "app/qt/views.h"
+
+namespace tervalo {
+
+MainWindow::MainWindow(Program& program, QtShell& shell) : model_(program.form<frmMain>("frmMain")) {
+  frmMain& model = model_;
+  setObjectName("frmMain");
+  auto* central = new QWidget(this);
+  auto* grid = new QGridLayout(central);
+  const char* rows[][3] = {{"Label1", "txtInFile", "btnInFile"}, {"Label2", "txtOutInp", "btnOut1"},
+                           {"Label3", "txtReport", "btnOut2"}};
+  for (int r = 0; r < 3; ++r) {
+    auto* caption = new QLabel(central);
+    caption->setObjectName(rows[r][0]);
+    auto* field = new QLineEdit(central);
+    field->setObjectName(rows[r][1]);
+    field->setMinimumWidth(420);
+    field->setAcceptDrops(true);
+    field->installEventFilter(this);
+    caption->setBuddy(field);
+    auto* browse = new QPushButton(central);
+    browse->setObjectName(rows[r][2]);
+    grid->addWidget(caption, r, 0);
+    grid->addWidget(field, r, 1);
+    grid->addWidget(browse, r, 2);
+  }
+  auto* go = new QPushButton(central);
+  go->setObjectName("btnContinue");
+  go->setDefault(true);
+  grid->addWidget(go, 3, 2);
+  grid->setRowStretch(4, 1);
+  setCentralWidget(central);
+
+  // The menu in the model's order; entries with a parent go in its submenu.
+  std::map<std::string, QMenu*> submenus;
+  for (const ControlEntry& entry : model.controls()) {
+    const auto* item = std::get_if<MenuItem*>(&entry.control);
+    if (!item) continue;
+    const QString name = QString::fromStdString(entry.name);
+    const bool isSubmenu = std::any_of(model.controls().begin(), model.controls().end(), [&](const ControlEntry& e) {
+      const auto* child = std::get_if<MenuItem*>(&e.control);
+      return child && (*child)->parent == entry.name;
+    });
+    if (isSubmenu) {
+      QMenu* menu = menuBar()->addMenu(QString::fromStdString((*item)->caption));
+      menu->setObjectName(name + "Menu");
+      menu->menuAction()->setObjectName(name);
+      submenus[entry.name] = menu;
+    } else {
+      auto* action = new QAction(this);
+      action->setObjectName(name);
+      if ((*item)->parent.empty())
+        menuBar()->addAction(action);
+      else
+        submenus[(*item)->parent]->addAction(action);
+    }
+  }
+
+  // A calculator whose window this build lacks keeps its entry greyed.
+  for (const auto& c : program.registry().calculators())
+    if (!shell.hasView(c.form))
+      for (const ControlEntry& entry : model.controls())
+        if (entry.name == c.menu) std::get<MenuItem*>(entry.control)->enabled = false;
+  if (!shell.hasView("frmAbout")) model.mnuHelp.enabled = false;
+
+  binder_ = new Binder(model, *this, shell);
+  binder_->onUnload = [this] { close(); };
+  resize(sizeHint().expandedTo(QSize(680, 200)));
+}
+
+// The binder goes before the widgets, so that their going sends it nothing.
+MainWindow::~MainWindow() { delete binder_; }
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::DragEnter || event->type() == QEvent::DragMove) {
+    auto* drag = static_cast<QDropEvent*>(event);
+    if (drag->mimeData()->hasUrls()) {
+      drag->acceptProposedAction();
+      return true;
+    }
+  } else if (event->type() == QEvent::Drop) {
+    auto* drop = static_cast<QDropEvent*>(event);
+    std::vector<std::string> files;
+    for (const QUrl& url : drop->mimeData()->urls())
+      if (url.isLocalFile()) files.push_back(url.toLocalFile().toStdString());
+    if (!files.empty()) {
+      const std::string name = watched->objectName().toStdString();
+      binder_->run([this, name, files] { model_.dropFiles(name, files); });
+      drop->acceptProposedAction();
+      return true;
+    }
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  model_.unload();
+  QMainWindow::closeEvent(event);
+}
+
+}  // namespace tervalo

@@ -1,0 +1,131 @@
+#include "app/qt/qt_shell.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QProcess>
+#include <QUrl>
+#include <cstdlib>
+
+#include "app/form_model.h"
+#include "app/output_file.h"
+#include "app/program.h"
+#include "app/recovery.h"
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+QString q(const std::string& s) { return QString::fromStdString(s); }
+
+}  // namespace
+
+QDialog* QtShell::makeView(FormModel& form, QWidget* parent) {
+  const auto it = views_.find(form.name());
+  return it == views_.end() ? nullptr : it->second(form, *this, parent);
+}
+
+void QtShell::setMainWindow(QWidget* main, FormModel& model) {
+  main_ = main;
+  open_.assign(1, &model);
+}
+
+QWidget* QtShell::activeWindow() const {
+  if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+  return main_;
+}
+
+Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) {
+  QMessageBox box(activeWindow());
+  box.setWindowTitle(q(title));
+  box.setText(q(text));
+  box.setIcon(icon == Icon::Critical      ? QMessageBox::Critical
+              : icon == Icon::Exclamation ? QMessageBox::Warning
+              : icon == Icon::Question    ? QMessageBox::Question
+                                          : QMessageBox::Information);
+  if (buttons == Buttons::YesNo) {
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::Yes);
+    return box.exec() == QMessageBox::Yes ? Answer::Yes : Answer::No;
+  }
+  box.setStandardButtons(QMessageBox::Ok);
+  box.exec();
+  return Answer::Ok;
+}
+
+void QtShell::endProgram() {
+  if (program_) {
+    try {
+      const auto job = recoveryJob(open_, program_->registry());
+      writeTextFile(recoveryFile(program_->userAppData), {job.dump(2)});
+    } catch (const RunTimeError&) {
+      // The program is ending anyway; a recovery job that cannot be kept is not worth a second box.
+    }
+  }
+  throw ProgramEnd();
+}
+
+void QtShell::showModal(FormModel& form) {
+  QDialog* view = makeView(form, activeWindow());
+  if (!view) return;
+  form.setOpen(true);
+  open_.push_back(&form);
+  struct Close {
+    QtShell& shell;
+    FormModel& form;
+    QDialog* view;
+    ~Close() {
+      shell.open_.pop_back();
+      form.setOpen(false);
+      delete view;
+    }
+  } close{*this, form, view};
+  playPending(form);
+  if (form.isOpen()) runDialog(*view);
+}
+
+void QtShell::replay(const Job& job) {
+  pending_.assign(job.steps.begin(), job.steps.end());
+  FormModel& main = *open_.front();
+  main.click(program_->registry().calculatorByJob(job.calculator)->menu);
+  playPending(main);
+  pending_.clear();
+}
+
+void QtShell::playPending(FormModel& form) {
+  while (!pending_.empty() && pending_.front().form == form.name() && form.isOpen()) {
+    const JobStep step = pending_.front();
+    pending_.pop_front();
+    playStep(form, step);
+  }
+}
+
+std::optional<std::string> QtShell::chooseFile(FileDialog kind, const std::string& title, const std::string& initial) {
+  const QString chosen = kind == FileDialog::Open ? QFileDialog::getOpenFileName(activeWindow(), q(title), q(initial))
+                                                  : QFileDialog::getSaveFileName(activeWindow(), q(title), q(initial));
+  if (chosen.isEmpty()) return std::nullopt;
+  return chosen.toStdString();
+}
+
+bool QtShell::startEditor(const std::filesystem::path& file) {
+  if (const char* editor = std::getenv("TERVALO_EDITOR"); editor && *editor) {
+    QStringList command = QProcess::splitCommand(QString::fromLocal8Bit(editor));
+    if (command.isEmpty()) return false;
+    const QString program = command.takeFirst();
+    command << q(file.string());
+    return QProcess::startDetached(program, command);
+  }
+  return QDesktopServices::openUrl(QUrl::fromLocalFile(q(file.string())));
+}
+
+void QtShell::openInEditor(const std::filesystem::path& file) {
+  if (startEditor(file)) return;
+  msgBox("Editor", "No text editor could be started for\n" + std::filesystem::absolute(file).string() +
+                       "\n\nThe file is saved; open it with your editor.",
+         Icon::Information, Buttons::Ok);
+}
+
+Date QtShell::today() { return localToday(); }
+
+}  // namespace tervalo

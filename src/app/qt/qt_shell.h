@@ -1,0 +1,64 @@
+#pragma once
+// The desktop program's Shell: real modal boxes, windows, file dialogs and
+// the user's editor.
+
+#include <QDialog>
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/job.h"
+#include "app/shell.h"
+
+namespace tervalo {
+
+class Program;
+
+class QtShell : public Shell {
+ public:
+  using ViewFactory = std::function<QDialog*(FormModel&, QtShell&, QWidget* parent)>;
+
+  void addView(const std::string& form, ViewFactory make) { views_[form] = std::move(make); }
+  bool hasView(const std::string& form) const { return views_.count(form) != 0; }
+  QDialog* makeView(FormModel& form, QWidget* parent);
+
+  void setProgram(Program& program) { program_ = &program; }
+  void setMainWindow(QWidget* main, FormModel& model);
+
+  Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override;
+  // Keeps what the user typed in every open window as a recovery job, then ends.
+  [[noreturn]] void endProgram() override;
+  void showModal(FormModel& form) override;
+  std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial) override;
+  void openInEditor(const std::filesystem::path& file) override;
+  Date today() override;
+
+  // Reopens the recovery job's calculator with its inputs, in the windows a
+  // user sees (the steps naming each window are played when it opens).
+  void replay(const Job& job);
+
+  // After a program end has been shown and kept: ends the process (status 3).
+  void programEnded() { terminate(3); }
+  std::function<void(int)> terminate;
+
+  const std::vector<FormModel*>& openForms() const { return open_; }
+
+ protected:
+  // Shows a window modally; returns when it has closed.
+  virtual void runDialog(QDialog& dialog) { dialog.exec(); }
+  virtual bool startEditor(const std::filesystem::path& file);
+  QWidget* activeWindow() const;
+
+ private:
+  void playPending(FormModel& form);
+
+  std::map<std::string, ViewFactory> views_;
+  Program* program_ = nullptr;
+  QWidget* main_ = nullptr;
+  std::vector<FormModel*> open_;
+  std::deque<JobStep> pending_;
+};
+
+}  // namespace tervalo

@@ -1,0 +1,40 @@
+#pragma once
+// The windows of the application shell. Each builds its controls in code
+// and leaves all behaviour to its model.
+
+#include <QMainWindow>
+
+class QLineEdit;
+
+namespace tervalo {
+
+class FormModel;
+class QtShell;
+class Binder;
+class frmMain;
+class Program;
+
+QDialog* makeAboutView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeHeaderView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeSetOptionsView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeOutputView(FormModel& model, QtShell& shell, QWidget* parent);
+
+// Every window view of the program, by form name.
+void registerViews(QtShell& shell);
+
+class MainWindow : public QMainWindow {
+ public:
+  MainWindow(Program& program, QtShell& shell);
+  ~MainWindow() override;
+  Binder& binder() { return *binder_; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  frmMain& model_;
+  Binder* binder_ = nullptr;
+};
+
+}  // namespace tervalo

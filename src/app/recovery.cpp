@@ -1,0 +1,50 @@
+#include "app/recovery.h"
+
+#include <fstream>
+#include <sstream>
+
+#include "app/form_model.h"
+#include "app/program.h"
+
+namespace tervalo {
+
+nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry) {
+  using Json = nlohmann::ordered_json;
+  std::string calculator = "secsub";
+  for (const FormModel* form : openForms)
+    for (const auto& c : registry.calculators())
+      if (c.form == form->name()) calculator = c.job;
+
+  Json steps = Json::array();
+  for (const FormModel* form : openForms) {
+    Json set = Json::object();
+    for (const auto& entry : form->controls()) {
+      if (const auto* box = std::get_if<TextBox*>(&entry.control)) set[entry.name] = (*box)->text;
+      if (const auto* combo = std::get_if<ComboBox*>(&entry.control)) set[entry.name] = (*combo)->text;
+      if (const auto* check = std::get_if<CheckBox*>(&entry.control)) set[entry.name] = (*check)->checked;
+      if (const auto* option = std::get_if<OptionButton*>(&entry.control); option && (*option)->checked)
+        set[entry.name] = true;
+    }
+    Json step{{"form", form->name()}, {"set", std::move(set)}};
+    // The section form is reached from the main window's Continue.
+    if (form->name() == "frmMain" && calculator == "secsub" && openForms.size() > 1) step["click"] = "btnContinue";
+    steps.push_back(std::move(step));
+  }
+  return Json{{"calculator", calculator}, {"steps", std::move(steps)}};
+}
+
+std::filesystem::path recoveryFile(const std::string& dataFolder) { return dataFolder + "recovery.job.json"; }
+
+std::optional<std::string> takeRecoveryJob(const std::string& dataFolder) {
+  const auto file = recoveryFile(dataFolder);
+  std::ifstream in(file, std::ios::binary);
+  if (!in) return std::nullopt;
+  std::stringstream text;
+  text << in.rdbuf();
+  in.close();
+  std::error_code ec;
+  std::filesystem::remove(file, ec);
+  return text.str();
+}
+
+}  // namespace tervalo

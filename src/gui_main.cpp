@@ -1,0 +1,71 @@
+// tervalo: the desktop program.
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QMessageBox>
+#include <QTimer>
+#include <chrono>
+#include <cstdlib>
+#include <iostream>
+
+#include "app/data_folder.h"
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "app/qt/binder.h"
+#include "app/qt/qt_shell.h"
+#include "app/qt/recovery_offer.h"
+#include "app/qt/render.h"
+#include "app/qt/views.h"
+#include "app/version.h"
+#include "text/errors.h"
+
+int main(int argc, char** argv) {
+  QApplication app(argc, argv);
+  QApplication::setApplicationName("Tervalo");
+  QApplication::setApplicationVersion(QString("%1.%2.%3")
+                                          .arg(tervalo::kVersionMajor)
+                                          .arg(tervalo::kVersionMinor)
+                                          .arg(tervalo::kVersionPatch));
+  QCommandLineParser options;
+  options.setApplicationDescription("Tervalo coordinate geometry for highway and land surveyors.");
+  options.addHelpOption();
+  options.addVersionOption();
+  options.addOption({"render-windows", "Render every window with example data to PNG files in <folder>.", "folder"});
+  options.addOption({"startup-probe", "Print the time at which the main window is shown, then quit."});
+  options.addOption({"data-dir", "Use <folder> as the data folder.", "folder"});
+  options.process(app);
+
+  tervalo::QtShell shell;
+  tervalo::registerViews(shell);
+  shell.terminate = [](int code) { std::exit(code); };
+
+  std::string folder;
+  try {
+    folder = options.isSet("data-dir") ? tervalo::prepareDataFolder(options.value("data-dir").toStdString())
+                                       : tervalo::prepareDataFolder();
+  } catch (const tervalo::RunTimeError& e) {
+    QMessageBox::critical(nullptr, "Run-time Error", QString::fromStdString(e.what()));
+    return 3;
+  }
+  tervalo::Program program(shell, folder);
+  shell.setProgram(program);
+  auto& mainModel = program.form<tervalo::frmMain>("frmMain");
+  mainModel.setOpen(true);
+  tervalo::MainWindow window(program, shell);
+  shell.setMainWindow(&window, mainModel);
+
+  if (options.isSet("render-windows"))
+    return tervalo::renderWindows(program, shell, window, options.value("render-windows")) == 0 ? 0 : 1;
+
+  window.show();
+  if (options.isSet("startup-probe")) {
+    QTimer::singleShot(0, [] {
+      const auto now = std::chrono::system_clock::now().time_since_epoch();
+      std::cout << std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() << std::endl;
+      QApplication::quit();
+    });
+    return app.exec();
+  }
+  QTimer::singleShot(0, [&] { tervalo::offerRecovery(program, shell, window); });
+  return app.exec();
+}

@@ -1,0 +1,16 @@
+// Every window view of the desktop program, by form name. A calculator's
+// views are added here as they are built.
+
+#include "app/qt/qt_shell.h"
+#include "app/qt/views.h"
+
+namespace tervalo {
+
+void registerViews(QtShell& shell) {
+  shell.addView("frmAbout", makeAboutView);
+  shell.addView("frmHeader", makeHeaderView);
+  shell.addView("frmSetOptions", makeSetOptionsView);
+  shell.addView("frmOutput", makeOutputView);
+}
+
+}  // namespace tervalo

@@ -1,0 +1,57 @@
+#pragma once
+// The Qt shell with its blocking parts scripted: message boxes are recorded
+// and answered, file dialogs return prepared names, a modal window is shown
+// without its own event loop while the test acts in it, and a program end
+// is recorded instead of ending the test run.
+
+#include <QDialog>
+#include <deque>
+#include <functional>
+#include <optional>
+
+#include "app/qt/qt_shell.h"
+#include "support/recording_shell.h"
+
+namespace tervalo::testing {
+
+class ScriptedShell : public QtShell {
+ public:
+  ScriptedShell() {
+    terminate = [this](int code) { endedWith = code; };
+  }
+  std::vector<Box> boxes;
+  std::deque<Answer> answers;
+  std::deque<std::string> chosenFiles;
+  std::vector<std::filesystem::path> editorFiles;
+  std::optional<int> endedWith;
+  // Acts in a modal window while it is open; the window closes after.
+  std::function<void(QDialog&)> inDialog;
+
+  Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
+    boxes.push_back({title, text, icon, buttons});
+    if (buttons == Buttons::Ok) return Answer::Ok;
+    if (answers.empty()) return Answer::Yes;
+    const Answer a = answers.front();
+    answers.pop_front();
+    return a;
+  }
+  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&) override {
+    if (chosenFiles.empty()) return std::nullopt;
+    std::string f = chosenFiles.front();
+    chosenFiles.pop_front();
+    return f;
+  }
+
+ protected:
+  void runDialog(QDialog& dialog) override {
+    dialog.show();
+    if (inDialog) inDialog(dialog);
+    dialog.hide();
+  }
+  bool startEditor(const std::filesystem::path& file) override {
+    editorFiles.push_back(file);
+    return true;
+  }
+};
+
+}  // namespace tervalo::testing

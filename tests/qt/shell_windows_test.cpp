@@ -1,0 +1,274 @@
+// The desktop program's shell windows through their widgets: the binder,
+// the main window, the header form, the output preview, recovery.
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "app/forms_misc.h"
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "app/qt/binder.h"
+#include "app/qt/form_dialog.h"
+#include "app/qt/recovery_offer.h"
+#include "app/qt/views.h"
+#include "app/recovery.h"
+#include "qt/scripted_shell.h"
+#include "support/temp_dir.h"
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+using testing::ScriptedShell;
+using testing::TempDir;
+
+// One control of every kind, each event counted in lblLog.
+class frmKinds : public FormModel {
+ public:
+  explicit frmKinds(Program& p) : FormModel(p, "frmKinds", "Kinds") {
+    add("txtA", txtA).change([this] { log("change " + txtA.text); }).lostFocus([this] { log("left " + txtA.text); });
+    add("lblLog", lblLog);
+    add("fraF", fraF);
+    add("chkB", chkB).click([this] { log(chkB.checked ? "checked" : "cleared"); txtA.enabled = !chkB.checked; });
+    add("optX", optX, "g").click([this] { log("X"); });
+    add("optY", optY, "g").click([this] { log("Y"); });
+    add("cmbC", cmbC).change([this] { log("combo " + cmbC.text); });
+    add("lstD", lstD).click([this] { log("row " + std::to_string(lstD.selected)); });
+    add("btnE", btnE).click([this] { lstD.items.push_back("pressed"); lblHidden.visible = true; });
+    add("lblHidden", lblHidden);
+  }
+  void log(const std::string& s) { lblLog.caption = s; }
+  TextBox txtA;
+  Label lblLog;
+  Frame fraF{"Frame"};
+  CheckBox chkB{false, "Bee"};
+  OptionButton optX{true, "X"}, optY{false, "Y"};
+  ComboBox cmbC{"-0.03", {"-0.02", "-0.03", "1:4"}};
+  ListBox lstD{{"one", "two"}};
+  Button btnE{"Press"};
+  Label lblHidden{"now you see me", false};
+};
+
+class KindsView : public FormDialog {
+ public:
+  KindsView(FormModel& m, QtShell& s) : FormDialog(m, s, nullptr) {
+    auto* layout = new QVBoxLayout(this);
+    const QList<QWidget*> widgets{edit("txtA"),   label("lblLog"),     frame("fraF"),     check("chkB"),
+                                  option("optX"), option("optY"),      combo("cmbC", true), list("lstD", true),
+                                  button("btnE"), label("lblHidden")};
+    for (QWidget* w : widgets) layout->addWidget(w);
+    bind();
+  }
+  template <class W>
+  W* get(const char* name) { return findChild<W*>(name); }
+};
+
+class ShellWindows : public QObject {
+  Q_OBJECT
+
+  std::unique_ptr<TempDir> dir;
+  std::unique_ptr<ScriptedShell> shell;
+  std::unique_ptr<Program> program;
+
+  void fresh() {
+    program.reset();
+    shell = std::make_unique<ScriptedShell>();
+    registerViews(*shell);
+    program = std::make_unique<Program>(*shell, dir->folder());
+    shell->setProgram(*program);
+  }
+
+ private slots:
+  void init() {
+    dir = std::make_unique<TempDir>();
+    fresh();
+  }
+  void cleanup() {
+    program.reset();
+    shell.reset();
+    dir.reset();
+  }
+
+  void binderCarriesEveryKindBothWays() {
+    frmKinds model(*program);
+    model.setOpen(true);
+    KindsView view(model, *shell);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+
+    auto* a = view.get<QLineEdit>("txtA");
+    a->setFocus();
+    QTest::keyClicks(a, "12+00");
+    QCOMPARE(model.txtA.text, std::string("12+00"));
+    QCOMPARE(view.get<QLabel>("lblLog")->text(), QString("change 12+00"));
+    view.get<QCheckBox>("chkB")->setFocus();  // leaving the field
+    QCOMPARE(model.lblLog.caption, std::string("left 12+00"));
+
+    view.get<QCheckBox>("chkB")->click();
+    QVERIFY(model.chkB.checked);
+    QCOMPARE(model.lblLog.caption, std::string("checked"));
+    QVERIFY(!a->isEnabled());  // the model's change came back to the widget
+
+    view.get<QRadioButton>("optY")->click();
+    QVERIFY(model.optY.checked && !model.optX.checked);
+    QVERIFY(!view.get<QRadioButton>("optX")->isChecked());
+
+    view.get<QComboBox>("cmbC")->setCurrentIndex(2);
+    QCOMPARE(model.cmbC.text, std::string("1:4"));
+    QCOMPARE(model.lblLog.caption, std::string("combo 1:4"));
+
+    view.get<QListWidget>("lstD")->setCurrentRow(1);
+    QCOMPARE(model.lblLog.caption, std::string("row 1"));
+
+    QVERIFY(!view.get<QLabel>("lblHidden")->isVisible());
+    QTest::mouseClick(view.get<QPushButton>("btnE"), Qt::LeftButton);
+    QCOMPARE(view.get<QListWidget>("lstD")->count(), 3);
+    QVERIFY(view.get<QLabel>("lblHidden")->isVisible());
+    QCOMPARE(view.windowTitle(), QString("Kinds"));
+  }
+
+  void continueWithAMissingFileSaysSo() {
+    MainWindow window(*program, *shell);
+    auto& main = program->form<frmMain>("frmMain");
+    main.setOpen(true);
+    shell->setMainWindow(&window, main);
+    auto* field = window.findChild<QLineEdit*>("txtInFile");
+    field->setText((dir->path() / "none.csv").c_str());
+    emit field->textEdited(field->text());
+    QTest::mouseClick(window.findChild<QPushButton*>("btnContinue"), Qt::LeftButton);
+    QCOMPARE(shell->boxes.size(), std::size_t(1));
+    QCOMPARE(shell->boxes[0].title, std::string("Input File Error!"));
+    QCOMPARE(shell->boxes[0].text, std::string("File does not exist."));
+  }
+
+  void mainWindowMenuAndResets() {
+    MainWindow window(*program, *shell);
+    auto& main = program->form<frmMain>("frmMain");
+    shell->setMainWindow(&window, main);
+    QCOMPARE(window.findChild<QAction*>("mnuChorz")->text(), QString("Horizontal Curve"));
+    QVERIFY(window.findChild<QAction*>("mnuHelp")->isEnabled());
+    // Section Subdivision, twice: the names typed in between are replaced.
+    window.binder().run([&] { main.click("mnuSecSub"); });
+    auto* report = window.findChild<QLineEdit*>("txtReport");
+    QCOMPARE(report->text().toStdString(), dir->folder() + "SecSub.rpt");
+    report->setText("/tmp/mine.rpt");
+    emit report->textEdited(report->text());
+    window.binder().run([&] { main.click("mnuSecSub"); });
+    QCOMPARE(report->text().toStdString(), dir->folder() + "SecSub.rpt");
+  }
+
+  void droppedSourceFileIsReadAtOnce() {
+    const auto csv = dir->write("pts.csv", "1001,512313.489,289841.989,CM,NW COR\n");
+    MainWindow window(*program, *shell);
+    shell->setMainWindow(&window, program->form("frmMain"));
+    auto* field = window.findChild<QLineEdit*>("txtInFile");
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(csv.c_str()), QUrl::fromLocalFile("/ignored.csv")});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(field, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(field, &drop);
+    QCOMPARE(field->text(), QString(csv.c_str()));
+    QCOMPARE(program->points.records[0].name, std::string("1001"));
+  }
+
+  void headerFormFirstAndLaterOpeningsAndCancel() {
+    auto& header = program->form<frmHeader>("frmHeader");
+    QCOMPARE(header.cmbCounty.items.size(), std::size_t(87));
+    shell->inDialog = [](QDialog& d) {
+      QCOMPARE(d.findChild<QLineEdit*>("txtSP")->text(), QString());
+      QCOMPARE(d.findChild<QLineEdit*>("txtDate")->text().toStdString(), formatShortDate(localToday()));
+      QCOMPARE(d.findChild<QComboBox*>("cmbHDatum")->currentText(), QString("NAD83(96)"));
+      auto* sp = d.findChild<QLineEdit*>("txtSP");
+      sp->setText("8821-114");
+      emit sp->textEdited(sp->text());
+      QTest::mouseClick(d.findChild<QPushButton*>("btnSave"), Qt::LeftButton);
+    };
+    header.showForHeaderData();
+    QCOMPARE(program->header.spNumber, std::string("8821-114"));
+    QCOMPARE(program->header.verticalDatum, std::string("NAVD88"));
+    QCOMPARE(header.txtDate.text, program->header.date);
+
+    shell->inDialog = [](QDialog& d) {
+      QCOMPARE(d.findChild<QLineEdit*>("txtSP")->text(), QString("8821-114"));
+      auto* sp = d.findChild<QLineEdit*>("txtSP");
+      sp->setText("changed");
+      emit sp->textEdited(sp->text());
+      QTest::mouseClick(d.findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
+    };
+    header.showForHeaderData();
+    QCOMPARE(program->header.spNumber, std::string("8821-114"));
+    QCOMPARE(header.txtSP.text, std::string("8821-114"));  // made ready again from the stored data
+  }
+
+  void outputPreviewSavesAndOverwrites() {
+    auto& output = program->form<frmOutput>("frmOutput");
+    output.lstOutput.items = {" PROPORTION ", "  10+00.000   .000"};
+    output.txtOut.text = (dir->path() / "Proportion.txt").string();
+    shell->inDialog = [](QDialog& d) {
+      QVERIFY(QFontInfo(d.findChild<QListWidget*>("lstOutput")->font()).fixedPitch());
+      QTest::mouseClick(d.findChild<QPushButton*>("btnOutput"), Qt::LeftButton);
+      QTest::mouseClick(d.findChild<QPushButton*>("btnOutput"), Qt::LeftButton);
+      QTest::mouseClick(d.findChild<QPushButton*>("btnReturn"), Qt::LeftButton);
+    };
+    shell->showModal(output);
+    QCOMPARE(TempDir::read(dir->path() / "Proportion.txt"), std::string(" PROPORTION \r\n  10+00.000   .000\r\n"));
+    QCOMPARE(shell->editorFiles.size(), std::size_t(2));
+    QVERIFY(!output.isOpen());
+  }
+
+  void programEndKeepsTheInputsAndTheNextStartOffersThem() {
+    const auto bad = dir->write("bad.txt", "words only\n");
+    {
+      MainWindow window(*program, *shell);
+      auto& main = program->form<frmMain>("frmMain");
+      shell->setMainWindow(&window, main);
+      window.binder().run([&] {
+        main.click("mnuSecSub");
+        main.typeText("txtReport", "/tmp/kept.rpt");
+        main.typeText("txtInFile", bad.string());
+        main.click("btnContinue");
+      });
+      QCOMPARE(shell->endedWith, std::optional<int>(3));
+      QCOMPARE(shell->boxes.back().text, std::string("Input File Format Not Recognized"));
+      QVERIFY(std::filesystem::exists(recoveryFile(dir->folder())));
+    }
+
+    fresh();  // the next start
+    MainWindow window(*program, *shell);
+    auto& main = program->form<frmMain>("frmMain");
+    main.setOpen(true);
+    shell->setMainWindow(&window, main);
+    shell->answers.push_back(Answer::Yes);
+    offerRecovery(*program, *shell, window);
+    QCOMPARE(shell->boxes.back().buttons, Buttons::YesNo);
+    QCOMPARE(main.txtReport.text, std::string("/tmp/kept.rpt"));
+    QCOMPARE(window.findChild<QLineEdit*>("txtReport")->text(), QString("/tmp/kept.rpt"));
+    QVERIFY(!std::filesystem::exists(recoveryFile(dir->folder())));
+    const std::size_t asked = shell->boxes.size();
+    offerRecovery(*program, *shell, window);  // offered once only
+    QCOMPARE(shell->boxes.size(), asked);
+  }
+};
+
+}  // namespace
+}  // namespace tervalo
+
+#include "shell_windows_test.moc"
+
+int runShellWindowTests(int argc, char** argv) {
+  tervalo::ShellWindows tests;
+  return QTest::qExec(&tests, argc, argv);
+}
