@@ -56,32 +56,24 @@ frmHeader::frmHeader(Program& program) : FormModel(program, "frmHeader", "Print 
   add("btnCancel", btnCancel).click([this] { unload(); });
 }
 
+// The eight texts of the form and where each is kept, in the form's order.
+std::vector<std::pair<std::string*, std::string HeaderData::*>> frmHeader::fields() {
+  return {{&txtSP.text, &HeaderData::spNumber},           {&txtTH.text, &HeaderData::th},
+          {&txtDate.text, &HeaderData::date},             {&cmbCounty.text, &HeaderData::county},
+          {&txtOperator.text, &HeaderData::operatorName}, {&cmbHDatum.text, &HeaderData::horizontalDatum},
+          {&cmbVDatum.text, &HeaderData::verticalDatum},  {&txtComment.text, &HeaderData::comment}};
+}
+
 void frmHeader::btnSave_Click() {
-  HeaderData& h = program().header;
-  h.spNumber = txtSP.text;
-  h.th = txtTH.text;
-  h.date = txtDate.text;
-  h.county = cmbCounty.text;
-  h.operatorName = txtOperator.text;
-  h.horizontalDatum = cmbHDatum.text;
-  h.verticalDatum = cmbVDatum.text;
-  h.comment = txtComment.text;
-  h.includePath = chkIncludePath.checked;
+  for (const auto& [text, field] : fields()) program().header.*field = *text;
+  program().header.includePath = chkIncludePath.checked;
   unload();
 }
 
 void frmHeader::showForHeaderData() {
   txtDate.text = formatShortDate(shell().today());
   shell().showModal(*this);
-  const HeaderData& h = program().header;
-  txtSP.text = h.spNumber;
-  txtTH.text = h.th;
-  txtDate.text = h.date;
-  cmbCounty.text = h.county;
-  txtOperator.text = h.operatorName;
-  cmbHDatum.text = h.horizontalDatum;
-  cmbVDatum.text = h.verticalDatum;
-  txtComment.text = h.comment;
+  for (const auto& [text, field] : fields()) *text = program().header.*field;
 }
 
 frmSetOptions::frmSetOptions(Program& program)

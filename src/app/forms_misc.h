@@ -3,6 +3,10 @@
 // the output preview.
 
 #include <string>
+#include <utility>
+#include <vector>
+
+#include "app/header_data.h"
 
 #include "app/form_model.h"
 
@@ -57,6 +61,9 @@ class frmHeader : public FormModel {
   void showForHeaderData();
 
   void btnSave_Click();
+
+ private:
+  std::vector<std::pair<std::string*, std::string HeaderData::*>> fields();
 };
 
 // Coordinate output options: shown, never consulted.

@@ -14,13 +14,11 @@
 
 namespace tervalo::testing {
 
-class ScriptedShell : public QtShell {
+class ScriptedShell : public QtShell, public BoxScript {
  public:
   ScriptedShell() {
     terminate = [this](int code) { endedWith = code; };
   }
-  std::vector<Box> boxes;
-  std::deque<Answer> answers;
   std::deque<std::string> chosenFiles;
   std::vector<std::filesystem::path> editorFiles;
   std::optional<int> endedWith;
@@ -28,12 +26,7 @@ class ScriptedShell : public QtShell {
   std::function<void(QDialog&)> inDialog;
 
   Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
-    boxes.push_back({title, text, icon, buttons});
-    if (buttons == Buttons::Ok) return Answer::Ok;
-    if (answers.empty()) return Answer::Yes;
-    const Answer a = answers.front();
-    answers.pop_front();
-    return a;
+    return record(title, text, icon, buttons);
   }
   std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&) override {
     if (chosenFiles.empty()) return std::nullopt;

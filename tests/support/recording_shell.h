@@ -19,10 +19,23 @@ struct Box {
   Buttons buttons = Buttons::Ok;
 };
 
-class RecordingShell : public Shell {
- public:
+// Records boxes and answers Yes/No questions from a script (then Yes).
+struct BoxScript {
   std::vector<Box> boxes;
-  std::deque<Answer> answers;              // for Yes/No boxes; then Yes
+  std::deque<Answer> answers;
+
+  Answer record(const std::string& title, const std::string& text, Icon icon, Buttons buttons) {
+    boxes.push_back({title, text, icon, buttons});
+    if (buttons == Buttons::Ok) return Answer::Ok;
+    if (answers.empty()) return Answer::Yes;
+    const Answer a = answers.front();
+    answers.pop_front();
+    return a;
+  }
+};
+
+class RecordingShell : public Shell, public BoxScript {
+ public:
   std::deque<std::string> chosenFiles;     // for file dialogs; then cancel
   std::vector<std::string> dialogTitles;
   std::vector<std::string> modalForms;     // names, in the order shown
@@ -32,12 +45,7 @@ class RecordingShell : public Shell {
   Date date{2026, 11, 21};
 
   Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
-    boxes.push_back({title, text, icon, buttons});
-    if (buttons == Buttons::Ok) return Answer::Ok;
-    if (answers.empty()) return Answer::Yes;
-    const Answer a = answers.front();
-    answers.pop_front();
-    return a;
+    return record(title, text, icon, buttons);
   }
   void showModal(FormModel& form) override {
     modalForms.push_back(form.name());

@@ -27,6 +27,24 @@ W* widget(QWidget& root, const std::string& name) {
   return root.findChild<W*>(q(name));
 }
 
+QStringList texts(const std::vector<std::string>& items) {
+  QStringList list;
+  for (const auto& i : items) list << q(i);
+  return list;
+}
+
+// Replaces a list's or combo's rows only when they differ, keeping the
+// user's place in it otherwise.
+template <class W, class Text>
+void setRows(W* w, const std::vector<std::string>& items, Text rowText) {
+  const QStringList wanted = texts(items);
+  QStringList shown;
+  for (int i = 0; i < w->count(); ++i) shown << rowText(i);
+  if (shown == wanted) return;
+  w->clear();
+  w->addItems(wanted);
+}
+
 void setCommon(QWidget* w, bool visible, bool enabled) {
   // A hidden parent hides its children whatever they say; only ask for what the model says.
   if (w->isVisibleTo(w->parentWidget()) != visible) w->setVisible(visible);
@@ -127,14 +145,7 @@ void Binder::refresh() {
           } else if constexpr (std::is_same_v<T, ComboBox>) {
             if (auto* w = widget<QComboBox>(root_, name)) {
               const QSignalBlocker block(w);
-              QStringList items;
-              for (const auto& i : c->items) items << q(i);
-              QStringList shown;
-              for (int i = 0; i < w->count(); ++i) shown << w->itemText(i);
-              if (shown != items) {
-                w->clear();
-                w->addItems(items);
-              }
+              setRows(w, c->items, [w](int i) { return w->itemText(i); });
               if (w->isEditable())
                 w->setEditText(q(c->text));
               else
@@ -144,14 +155,7 @@ void Binder::refresh() {
           } else if constexpr (std::is_same_v<T, ListBox>) {
             if (auto* w = widget<QListWidget>(root_, name)) {
               const QSignalBlocker block(w);
-              QStringList items;
-              for (const auto& i : c->items) items << q(i);
-              QStringList shown;
-              for (int i = 0; i < w->count(); ++i) shown << w->item(i)->text();
-              if (shown != items) {
-                w->clear();
-                w->addItems(items);
-              }
+              setRows(w, c->items, [w](int i) { return w->item(i)->text(); });
               if (c->selected != w->currentRow()) w->setCurrentRow(c->selected);
               setCommon(w, c->visible, c->enabled);
             }
