@@ -6,6 +6,7 @@
 #include "app/forms_misc.h"
 #include "app/frm_main.h"
 #include "app/program.h"
+#include "secsub/frm_sec_sub.h"
 
 namespace tervalo {
 namespace {
@@ -17,6 +18,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmHeader", [](Program& p) { return std::make_unique<frmHeader>(p); });
   registry.addForm("frmSetOptions", [](Program& p) { return std::make_unique<frmSetOptions>(p); });
   registry.addForm("frmOutput", [](Program& p) { return std::make_unique<frmOutput>(p); });
+  registry.addForm("frmSecSub", [](Program& p) { return std::make_unique<frmSecSub>(p); });
 
   registry.addCalculator({"secsub", "mnuSecSub", "frmSecSub", {}});
   registry.addCalculator({"hcurve", "mnuChorz", "frmHorzCurve", {}});

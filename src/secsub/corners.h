@@ -1,0 +1,41 @@
+#pragma once
+// The corner computation: half-mile lengths, the section center, the
+// sixteenth corners and quarter-quarter centers, and the grid lines.
+// Coordinates are plane X (easting) and Y (northing); chains serve only as
+// ratios. A zero half-mile or parallel lines are a division by zero
+// (RunTimeError), as they always were; nothing is guarded beyond that.
+
+#include <functional>
+
+#include "secsub/section_record.h"
+
+namespace tervalo {
+
+// The half-miles from the chain texts: Val of each + 20 chains (an empty
+// field gives 20, so its sixteenth corner falls on the section corner).
+HalfMiles calculateChains(const ChainTexts& chains);
+
+struct PlanePoint {
+  double x = 0;
+  double y = 0;
+};
+
+// Where the line north end–south end meets the line west end–east end. A
+// north-south or east-west line (dx exactly 0) takes dx = 1e-9.
+PlanePoint computeCtr(PlanePoint north, PlanePoint south, PlanePoint west, PlanePoint east);
+
+// The point 20 chains from `near` toward `far` on a half-mile of record
+// length `chains`, proportioned to the measured line.
+PlanePoint proportion(PlanePoint near, PlanePoint far, double chains);
+
+// Fills every blank sixteenth corner and quarter-quarter center it can, in
+// the blocks NW, NE, SE, SW and a final pass; `written(slot)` is told of
+// each slot as it is computed.
+void computeQtrs(SectionRecord& record, const HalfMiles& halfMiles, const std::function<void(int)>& written);
+
+// Lengths and azimuths of the lines between grid neighbours: horizontal
+// ones kept with the east slot, vertical ones with the lower slot.
+void getLengthHor(SectionRecord& record);
+void getLengthVert(SectionRecord& record);
+
+}  // namespace tervalo

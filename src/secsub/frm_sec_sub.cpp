@@ -1,0 +1,352 @@
+#include "secsub/frm_sec_sub.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+#include <filesystem>
+
+#include "app/forms_misc.h"
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "app/shell.h"
+#include "secsub/corners.h"
+#include "secsub_out/geopak.h"
+#include "secsub_out/report.h"
+#include "text/errors.h"
+#include "text/format.h"
+#include "text/number.h"
+
+namespace tervalo {
+namespace {
+
+std::string upper(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return s;
+}
+
+std::string coordinateText(double v) { return Format(v, "#######0.0000"); }
+
+// An output name without a folder lands in the data folder.
+std::filesystem::path outputPath(const std::string& name, const std::string& dataFolder) {
+  if (name.empty()) throw RunTimeError("Bad file name: no output file is named in the main window.");
+  const std::filesystem::path path(name);
+  return path.has_parent_path() ? path : std::filesystem::path(dataFolder) / path;
+}
+
+}  // namespace
+
+frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Section Subdivision") {
+  add("Frame24", Frame24);
+  add("lblSection", lblSection);
+  add("txtSection", txtSection).lostFocus([this] { txtSection_LostFocus(); });
+  add("lblTownship", lblTownship);
+  add("txtTwp", txtTwp).lostFocus([this] { applyTownshipRules(); });
+  add("lblRange", lblRange);
+  add("txtRange", txtRange).lostFocus([this] { applyTownshipRules(); });
+  add("optEast", optEast, "direction");
+  add("optWest", optWest, "direction");
+  add("lblPM", lblPM);
+  add("txtPM", txtPM);
+  add("chk1", chk1);
+  add("chk2", chk2);
+  add("chk4", chk4);
+  add("chk5", chk5);
+  add("chkAddHeader", chkAddHeader).click([this] { chkAddHeader_Click(); });
+  add("chkDefaults", chkDefaults).click([this] { chkDefaults_Click(); });
+  add("FrameAPN", FrameAPN);
+  add("optIncr", optIncr, "numbering");
+  add("txtIncr", txtIncr);
+  add("optUnique", optUnique, "numbering");
+  add("frmSection", frmSection);
+  for (int s = 0; s < slot::count; ++s) {
+    SlotFields& f = slots[static_cast<std::size_t>(s)];
+    const std::string n = "txt" + std::to_string(s);
+    add(n + "pn", f.pn).change([this, s] { pointNumberChanged(s); }).lostFocus([this, s] { pointNumberLeft(s); });
+    add(n + "xc", f.xc);
+    add(n + "yc", f.yc);
+    add(n + "pf", f.pf);
+    add(n + "pd", f.pd);
+  }
+  for (ChainField& c : chains) {
+    add(std::string("lbl") + c.name + "chain", c.caption);
+    add(std::string("txt") + c.name + "chain", c.text);
+  }
+  add("btnContinue", btnContinue).click([this] { Main(); });
+  add("btnReturn", btnReturn).click([this] { unload(); });
+  add("btnClear", btnClear).click([this] { btnClear_Click(); });
+}
+
+ChainField& frmSecSub::chain(const char* name) {
+  return *std::find_if(chains.begin(), chains.end(), [name](const ChainField& c) { return std::strcmp(c.name, name) == 0; });
+}
+
+void frmSecSub::pointNumberChanged(int s) {
+  pointFound = false;
+  const std::string wanted = upper(slots[static_cast<std::size_t>(s)].pn.text);
+  const PointList& list = program().points;
+  // Up to and including the loaded count, within the list's 151 records.
+  const int last = std::min<int>(list.pointCount, PointList::capacity - 1);
+  for (int i = 0; i <= last; ++i) {
+    const PointRecord& p = list.records[static_cast<std::size_t>(i)];
+    if (p.name != wanted) continue;
+    CornerSlot& c = record.slots[static_cast<std::size_t>(s)];
+    c.pointNumber = p.name;
+    c.x = p.x;
+    c.y = p.y;
+    c.feature = p.feature;
+    c.description = p.description;
+    SlotFields& f = slots[static_cast<std::size_t>(s)];
+    f.xc.text = coordinateText(p.x);
+    f.yc.text = coordinateText(p.y);
+    f.pf.text = p.feature;
+    f.pd.text = p.description;
+    pointFound = true;
+    return;
+  }
+}
+
+void frmSecSub::pointNumberLeft(int s) {
+  SlotFields& f = slots[static_cast<std::size_t>(s)];
+  f.pn.text = upper(f.pn.text);
+  if (f.pn.text.empty()) {
+    f.xc.text.clear();
+    f.yc.text.clear();
+  }
+}
+
+void frmSecSub::txtSection_LostFocus() {
+  if (!txtSection.text.empty()) {
+    const double section = Val(txtSection.text);
+    if (section != 0 && !(section >= 1 && section <= 36))
+      shell().msgBox("Invalid Number", "Valid Section numbers are 1-36.", Icon::Information);
+  }
+  applyTownshipRules();
+}
+
+void frmSecSub::applyTownshipRules() {
+  int range = txtRange.text.empty() ? 0 : toInt16(Val(txtRange.text));
+  if (optEast.checked) range = -1;  // any east range counts alike here
+  const TownshipRules rules = townshipRules(toInt16(Val(txtTwp.text)), range, toInt16(Val(txtSection.text)));
+  txtPM.text = rules.meridian;
+  CheckBox* boxes[] = {&chk1, &chk2, &chk4, &chk5};
+  for (std::size_t i = 0; i < 4; ++i) {
+    boxes[i]->checked = rules.boxes[i].checked;
+    boxes[i]->visible = rules.boxes[i].visible;
+    boxes[i]->caption = rules.boxes[i].caption;
+  }
+  showRequiredChains();
+}
+
+// The record chains the section needs are shown as soon as its location is
+// known; without the defaults every chain field is shown.
+void frmSecSub::showRequiredChains() {
+  const auto required = requiredChains(toInt16(Val(txtSection.text)));
+  for (ChainField& c : chains) {
+    const bool needed = std::any_of(required.begin(), required.end(), [&](const char* r) { return std::strcmp(r, c.name) == 0; });
+    c.text.visible = c.caption.visible = needed || !chkDefaults.checked;
+  }
+}
+
+void frmSecSub::chkDefaults_Click() {
+  for (CheckBox* box : {&chk1, &chk2, &chk4, &chk5}) box->visible = !chkDefaults.checked;
+  if (!chkDefaults.checked)
+    for (ChainField& c : chains) c.text.visible = c.caption.visible = true;
+}
+
+void frmSecSub::chkAddHeader_Click() {
+  if (chkAddHeader.checked)
+    program().form<frmHeader>("frmHeader").showForHeaderData();
+  else
+    chkAddHeader.checked = false;  // unchecking keeps the stored header data
+}
+
+void frmSecSub::btnClear_Click() {
+  for (SlotFields& f : slots)
+    for (TextBox* box : {&f.pn, &f.xc, &f.yc, &f.pf, &f.pd}) box->text.clear();
+  for (TextBox* box : {&txtSection, &txtTwp, &txtRange, &txtPM}) box->text.clear();
+  for (ChainField& c : chains) {
+    c.text.text.clear();
+    c.text.visible = c.caption.visible = false;
+  }
+  computed = {};
+  hasRun = false;
+}
+
+bool frmSecSub::checkHeld16ths() {
+  const bool held = std::any_of(slot::others.begin(), slot::others.end(),
+                                [this](int s) { return !slots[static_cast<std::size_t>(s)].xc.text.empty(); });
+  if (!held) return true;
+  if (shell().msgBox("Entered 1/16 Corner Coordinates",
+                     "This summary report may not be entirely correct because of entered sixteenth corner coordinates.  "
+                     "Continue anyway?",
+                     Icon::Question, Buttons::YesNo) == Answer::No)
+    shell().endProgram();  // No ends the whole program, as it always has
+  return true;
+}
+
+bool frmSecSub::getFormValues() {
+  record.present = {};
+  const int section = toInt16(Val(txtSection.text));
+  const int township = toInt16(Val(txtTwp.text));
+  const int range = toInt16(Val(txtRange.text));
+  auto refuse = [this](const char* title, const char* text) {
+    shell().msgBox(title, text, Icon::Information);
+    return false;
+  };
+  // Names and descriptions exist for sections 1 to 36 only.
+  if (section < 1 || section > 36) return refuse("Invalid Number", "Valid Section numbers are 1-36.");
+  if (township < 1) return refuse("Missing Data", "Township number is a required field.");
+  if (range < 1) return refuse("Missing Data", "Range number is a required field.");
+
+  int meridian = toInt16(Val(txtPM.text));
+  if (chkDefaults.checked) {
+    meridian = meridianDefault(township, range, optEast.checked, optWest.checked, meridian);
+    if (meridian == 0) {
+      shell().msgBox("Invalid PM?", "This location may be incorrect for Kestovia.  Continue processing?", Icon::Question,
+                     Buttons::YesNo);
+      shell().endProgram();  // whatever the answer, as it always has
+    }
+  }
+  txtPM.text = CStr(meridian);
+  if (meridian != 4 && meridian != 5) return refuse("Invalid Number", "Valid Principal Meridian numbers are 4 or 5.");
+
+  const bool quarterMissing = slots[slot::N4].xc.text.empty() || slots[slot::W4].xc.text.empty() ||
+                              slots[slot::E4].xc.text.empty() || slots[slot::S4].xc.text.empty();
+  if (quarterMissing && slots[slot::C].xc.text.empty())
+    return refuse("Missing Quarter Corner", "Enter all four quarter corners or hold the center.");
+
+  record.section = static_cast<std::int16_t>(section);
+  record.township = static_cast<std::int16_t>(township);
+  record.meridian = txtPM.text;
+  record.direction = optEast.checked ? "E" : "W";
+  record.range = static_cast<std::int16_t>(optEast.checked ? -range : range);
+  setChecked(optEast.checked ? "optEast" : "optWest", true);
+
+  for (int s = 0; s < slot::count; ++s) {
+    const SlotFields& f = slots[static_cast<std::size_t>(s)];
+    CornerSlot& c = record.slots[static_cast<std::size_t>(s)];
+    // The fields are what counts: a slot emptied since the last run is blank.
+    c.x = c.y = 0;
+    c.pointNumber = c.description = c.feature = "";
+    if (f.xc.text.empty()) continue;
+    CornerPresence& p = record.present;
+    switch (s) {
+      case slot::NW: p.nw = true; break;
+      case slot::NE: p.ne = true; break;
+      case slot::SE: p.se = true; break;
+      case slot::SW: p.sw = true; break;
+      case slot::N4: p.n4 = true; break;
+      case slot::W4: p.w4 = true; break;
+      case slot::E4: p.e4 = true; break;
+      case slot::S4: p.s4 = true; break;
+      // A sixteenth corner typed on the south line marks the N 1/4 present: as it always has.
+      case 21: case 23: p.n4 = true; break;
+      default: break;
+    }
+    c.x = Val(f.xc.text);
+    c.y = Val(f.yc.text);
+    c.pointNumber = upper(f.pn.text);
+    c.description = f.pd.text;
+    c.feature = f.pf.text;
+  }
+  ChainTexts& ch = record.chains;
+  ch.nOfW = chain("NofW").text.text;
+  ch.sOfW = chain("SofW").text.text;
+  ch.nOfE = chain("NofE").text.text;
+  ch.sOfE = chain("SofE").text.text;
+  ch.wOfN = chain("WofN").text.text;
+  ch.eOfN = chain("EofN").text.text;
+  ch.wOfS = chain("WofS").text.text;
+  ch.eOfS = chain("EofS").text.text;
+  return true;
+}
+
+void frmSecSub::checkForMissingChainData() {
+  for (const char* name : requiredChains(record.section)) {
+    if (chain(name).text.text.empty()) {
+      // Warned once; the empty field counts as 0 and the run goes on.
+      shell().msgBox("Missing Data", "Number of chains is a required field.", Icon::Information);
+      return;
+    }
+  }
+}
+
+void frmSecSub::writeSlotFields(int s) {
+  const CornerSlot& c = record.slots[static_cast<std::size_t>(s)];
+  slots[static_cast<std::size_t>(s)].xc.text = coordinateText(c.x);
+  slots[static_cast<std::size_t>(s)].yc.text = coordinateText(c.y);
+  computed[static_cast<std::size_t>(s)] = true;
+}
+
+void frmSecSub::labelBlankPts(const CornerNaming& naming) {
+  txtIncr.text = upper(txtIncr.text);
+  const auto digit = txtIncr.text.find_first_of("0123456789");
+  const std::string prefix = txtIncr.text.substr(0, digit);
+  double number = digit == std::string::npos ? 0 : Val(txtIncr.text.substr(digit));
+  if (number == 0) number = 1;
+  for (int s : slot::others) {
+    SlotFields& f = slots[static_cast<std::size_t>(s)];
+    if (!f.pn.text.empty() || f.xc.text.empty()) continue;
+    // Set without a lookup: a new number names the computed corner, it
+    // does not fetch a point of the same number from the source file.
+    f.pn.text = prefix + CStr(number);
+    record.slots[static_cast<std::size_t>(s)].pointNumber = f.pn.text;
+    number += 1;
+  }
+  if (optUnique.checked)
+    for (int s = 0; s < slot::count; ++s)
+      record.slots[static_cast<std::size_t>(s)].pointNumber = naming.pointNames[static_cast<std::size_t>(s)];
+}
+
+void frmSecSub::Main() {
+  checkHeld16ths();
+  if (!getFormValues()) return;
+  checkForMissingChainData();
+  const HalfMiles halfMiles = calculateChains(record.chains);
+  const CornerNaming naming = setDescriptions(record.section, record.township, record.range,
+                                              {chk1.visible, chk4.visible, chk5.visible, chkDefaults.visible});
+  for (int s = 0; s < slot::count; ++s)
+    record.slots[static_cast<std::size_t>(s)].description = naming.descriptions[static_cast<std::size_t>(s)];
+
+  ReportInput input;
+  if (chkAddHeader.checked) input.header = program().header;
+  input.dataFile = program().inputFileName.empty() ? "" : std::filesystem::absolute(program().inputFileName).string();
+  input.today = shell().today();
+  input.chains = record.chains;
+  std::vector<std::string> report = printReportHeader(record, input);
+
+  computed = {};
+  const CornerPresence& p = record.present;
+  if (p.n4 && p.s4 && p.w4 && p.e4 && slots[slot::C].xc.text.empty()) {
+    const PlanePoint center = computeCtr({record.slots[slot::N4].x, record.slots[slot::N4].y},
+                                         {record.slots[slot::S4].x, record.slots[slot::S4].y},
+                                         {record.slots[slot::W4].x, record.slots[slot::W4].y},
+                                         {record.slots[slot::E4].x, record.slots[slot::E4].y});
+    record.slots[slot::C].x = center.x;
+    record.slots[slot::C].y = center.y;
+    writeSlotFields(slot::C);
+  }
+  computeQtrs(record, halfMiles, [this](int s) { writeSlotFields(s); });
+  labelBlankPts(naming);
+  getLengthHor(record);
+  getLengthVert(record);
+
+  const std::vector<std::string> geopak = printPoints(record, naming);
+  for (auto& page : {printReport(record, naming, computed), print3rdPage(record)})
+    report.insert(report.end(), page.begin(), page.end());
+
+  const auto& main = program().form<frmMain>("frmMain");
+  const auto geopakFile = outputPath(main.txtOutInp.text, program().userAppData);
+  const auto reportFile = outputPath(main.txtReport.text, program().userAppData);
+  program().writeOutputFile(geopakFile, geopak);
+  program().writeOutputFile(reportFile, report);
+  hasRun = true;
+
+  program().points.clearRecords(0, 25);
+  shell().msgBox("Program Complete", "Created Files: " + geopakFile.string() + " and " + reportFile.string() + ".",
+                 Icon::Information);
+  shell().openInEditor(reportFile);
+  shell().openInEditor(geopakFile);
+}
+
+}  // namespace tervalo

@@ -1,0 +1,103 @@
+#pragma once
+// The section subdivision form: the known corners of one section, typed or
+// looked up by point number, its location and record chains; Continue
+// computes every missing corner and writes the report and the GEOPAK file.
+
+#include <array>
+#include <string>
+
+#include "app/form_model.h"
+#include "secsub/section_record.h"
+#include "secsub/township_rules.h"
+#include "secsub_out/names.h"
+
+namespace tervalo {
+
+// The five fields of one corner slot.
+struct SlotFields {
+  TextBox pn;  // point number
+  TextBox xc;  // X
+  TextBox yc;  // Y
+  TextBox pf;  // feature code
+  TextBox pd;  // description
+};
+
+// One irregular quarter-mile's record length and its caption, hidden
+// until the section's location shows it.
+struct ChainField {
+  ChainField(const char* stem, const char* captionText) : name(stem), caption{captionText, false, true} {}
+  const char* name;  // "NofW": the controls are txtNofWchain and lblNofWchain
+  TextBox text{"", false, true};
+  Label caption;
+};
+
+class frmSecSub : public FormModel {
+ public:
+  explicit frmSecSub(Program& program);
+
+  Frame Frame24{"Enter Section Data"};
+  Label lblSection{"Section"};
+  TextBox txtSection;
+  Label lblTownship{"Township"};
+  TextBox txtTwp;
+  Label lblRange{"Range"};
+  TextBox txtRange;
+  OptionButton optEast{false, "East"};
+  OptionButton optWest{true, "West"};
+  Label lblPM{"P.M."};
+  TextBox txtPM;
+  CheckBox chk1{false, "South Section Line is on a Correction Line", false};
+  CheckBox chk2{false, "North Section Line is on a Correction Line", false};
+  CheckBox chk4{false, "West Section Line is on the Principal Meridian", false};
+  CheckBox chk5{false, "East Section Line is on the Principal Meridian", false};
+  CheckBox chkAddHeader{false, "Add Header Data"};
+  CheckBox chkDefaults{true, "Use KV PLS Defaults"};
+  Frame FrameAPN{"Automatic Point Numbering"};
+  OptionButton optIncr{true, "Increment Numbers of All Unedited Points Beginning With:"};
+  TextBox txtIncr;
+  OptionButton optUnique{false, "Assign Unique Numbers for All Points"};
+  Frame frmSection{"Enter point numbers or X,Y coordinates in the fields below."};
+  std::array<SlotFields, slot::count> slots;
+  // In the order of the record lengths' table: W line, E line, N line, S line.
+  std::array<ChainField, 8> chains{{{"NofW", "N 1/4 mile on W line"},
+                                    {"SofW", "S 1/4 mile on W line"},
+                                    {"NofE", "N 1/4 mile on E line"},
+                                    {"SofE", "S 1/4 mile on E line"},
+                                    {"WofN", "W 1/4 mile on N line"},
+                                    {"EofN", "E 1/4 mile on N line"},
+                                    {"WofS", "W 1/4 mile on S line"},
+                                    {"EofS", "E 1/4 mile on S line"}}};
+  Button btnContinue{"Continue"};
+  Button btnReturn{"Return"};
+  Button btnClear{"Clear"};
+
+  SectionRecord record;   // lives as long as the form
+  bool pointFound = false;  // whether the last point-number lookup matched
+  // After a run: which slots the run computed (the rest were held).
+  std::array<bool, slot::count> computed{};
+  bool hasRun = false;
+
+  ChainField& chain(const char* name);
+
+  // Events.
+  void pointNumberChanged(int s);
+  void pointNumberLeft(int s);
+  void txtSection_LostFocus();
+  void applyTownshipRules();
+  void chkDefaults_Click();
+  void chkAddHeader_Click();
+  void btnClear_Click();
+  void Main();
+
+  // The run's procedures, in their order.
+  bool checkHeld16ths();
+  bool getFormValues();
+  void checkForMissingChainData();
+  void labelBlankPts(const CornerNaming& naming);
+
+ private:
+  void writeSlotFields(int s);
+  void showRequiredChains();
+};
+
+}  // namespace tervalo

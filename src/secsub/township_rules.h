@@ -1,0 +1,37 @@
+#pragma once
+// Which lines of a section lie on a correction line, standard parallel,
+// guide meridian or principal meridian, and which meridian a location
+// belongs to.
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace tervalo {
+
+struct BoundaryBox {
+  bool checked = false;
+  bool visible = false;
+  std::string caption;
+};
+
+struct TownshipRules {
+  std::string meridian;             // "4" below township 101, else "5"
+  std::array<BoundaryBox, 4> boxes;  // chk1 south, chk2 north, chk4 west, chk5 east
+};
+
+// `range` is the typed range, or -1 for any east range; `section` places
+// the boxes: each checked one is shown only where its line is a line of the
+// section (chk4 only for section 6, as it always was).
+TownshipRules townshipRules(int township, int range, int section);
+
+// The meridian from the location, starting from `meridian` as typed: 5 for
+// west ranges in the 5th's townships, 4 for east ranges (or low ranges of
+// high townships) in the 4th's. 0 when nothing fits and nothing was typed.
+int meridianDefault(int township, int range, bool east, bool west, int meridian);
+
+// The record chain fields a section needs ("NofW", ...): the north tier's
+// and the west tier's irregular quarter-miles.
+std::vector<const char*> requiredChains(int section);
+
+}  // namespace tervalo

@@ -1,0 +1,40 @@
+#pragma once
+// The section subdivision report: the first page restates the input; the
+// pages of computed positions and the summary follow after the run.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/header_data.h"
+#include "secsub/section_record.h"
+#include "secsub_out/names.h"
+#include "text/date.h"
+
+namespace tervalo {
+
+// The chain texts in the report's order: W of N, E of N, N of W, N of E,
+// S of W, S of E, W of S, E of S.
+struct ReportInput {
+  std::optional<HeaderData> header;  // when "Add Header Data" is checked
+  std::string dataFile;              // the source coordinate file, for the header
+  Date today;
+  ChainTexts chains;
+};
+
+// The first page, ending with its form feed. Formats the X and Y texts of
+// the PLS corners it prints into the record; the other positions print the
+// texts the record kept (blank in the first run): as it always has.
+std::vector<std::string> printReportHeader(SectionRecord& record, const ReportInput& input);
+
+// The page of computed positions: the section as a diagram of coordinate
+// boxes, then every position with its description and whether it was held
+// or computed. Stores the X and Y texts of every position it prints.
+std::vector<std::string> printReport(SectionRecord& record, const CornerNaming& naming,
+                                     const std::array<bool, 25>& computed);
+
+// The one-page summary: the diagram of point names and the length and
+// azimuth of every measured grid line.
+std::vector<std::string> print3rdPage(const SectionRecord& record);
+
+}  // namespace tervalo
