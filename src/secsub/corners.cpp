@@ -145,7 +145,9 @@ void getLengthHor(SectionRecord& r) {
       continue;
     }
     // getAzimuthHor: lines that run east get azimuths from north of 0 to 180.
-    const double deg = std::atan(divide(b.y - a.y, b.x - a.x, "a horizontal grid line with no east-west extent")) * kDegrees;
+    // A line with no east-west extent (ends a hair apart after an empty
+    // chain field) takes the arctangent's limit: due north or south.
+    const double deg = std::atan((b.y - a.y) / (b.x - a.x)) * kDegrees;
     b.horizontalAzimuth = deg < 0 ? std::fabs(deg) + 90 : 90 - deg;
     b.horizontalAzimuthText = decimalToDms(b.horizontalAzimuth);
   }
@@ -166,7 +168,7 @@ void getLengthVert(SectionRecord& r) {
       continue;
     }
     // getAzimuthVert: the line runs south, from the slot above to this one.
-    const double deg = std::atan(divide(b.x - a.x, b.y - a.y, "a vertical grid line with no north-south extent")) * kDegrees;
+    const double deg = std::atan((b.x - a.x) / (b.y - a.y)) * kDegrees;
     b.verticalAzimuth = deg + 180;
     b.verticalAzimuthText = decimalToDms(b.verticalAzimuth);
   }

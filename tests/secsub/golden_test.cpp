@@ -1,0 +1,66 @@
+// Whole section subdivision runs, compared byte for byte with reviewed
+// report and GEOPAK files. TERVALO_UPDATE_GOLDEN=1 writes them anew, for
+// review before they are committed.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "app/program.h"
+#include "app/runner.h"
+#include "support/temp_dir.h"
+
+namespace tervalo {
+namespace {
+
+using testing::TempDir;
+
+const std::string kGolden = std::string(TERVALO_SOURCE_DIR) + "/tests/golden/";
+
+std::string jobText(const std::string& name) {
+  std::ifstream in(kGolden + name + ".job.json");
+  std::stringstream text;
+  text << in.rdbuf();
+  std::string s = text.str();
+  for (auto at = s.find("@EXAMPLES@"); at != std::string::npos; at = s.find("@EXAMPLES@"))
+    s.replace(at, 10, std::string(TERVALO_SOURCE_DIR) + "/examples");
+  return s;
+}
+
+class Golden : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(Golden, ReportAndGeopakFileByteForByte) {
+  const std::string name = GetParam();
+  TempDir dir;
+  const Job job = parseJob(jobText(name), allForms());
+  const RunOutcome outcome = runJob(job, RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.result.dump(1);
+  for (const char* ext : {".rpt", ".inp"}) {
+    const std::string produced = TempDir::read(dir.path() / (std::string("SecSub") + ext));
+    const std::string goldenFile = kGolden + name + ext;
+    if (std::getenv("TERVALO_UPDATE_GOLDEN")) std::ofstream(goldenFile, std::ios::binary) << produced;
+    EXPECT_EQ(produced, TempDir::read(goldenFile)) << goldenFile;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(SectionSubdivision, Golden,
+                         ::testing::Values("secsub-regular-14", "secsub-irregular-6", "secsub-east-range-31"));
+
+TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
+  TempDir dir;
+  const RunOutcome outcome =
+      runJob(parseJob(jobText("secsub-regular-14"), allForms()), RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+  const auto& controls = outcome.result["forms"]["frmSecSub"]["controls"];
+  EXPECT_EQ(controls.size(), 22u + 125u + 16u + 3u);
+  EXPECT_EQ(controls["txt12xc"]["text"], "514967.4257");
+  EXPECT_EQ(controls["txt1pn"]["text"], "2001");
+  EXPECT_EQ(outcome.result["files"].size(), 2u);
+  EXPECT_EQ(outcome.result["opened"].size(), 2u);
+  EXPECT_TRUE(outcome.result["forms"].contains("frmHeader"));
+  EXPECT_EQ(outcome.result["messages"].back()["title"], "Program Complete");
+}
+
+}  // namespace
+}  // namespace tervalo
