@@ -127,50 +127,51 @@ void computeQtrs(SectionRecord& r, const HalfMiles& h, const std::function<void(
   finalStep(17, p.s4, slot::C, slot::E4);
 }
 
+namespace {
+
+// One grid line from `a` to `b`: its length, and its azimuth by the line's
+// own formula. A missing end gives length 0; a line of no length (its ends
+// on one point, after an empty chain field) has no direction.
+template <class Azimuth>
+void measure(const CornerSlot& a, const CornerSlot& b, double& length, double& azimuth, std::string& text,
+             Azimuth azimuthOf) {
+  if (a.x == 0 || b.x == 0) {
+    length = 0;
+    return;
+  }
+  length = std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
+  if (length == 0) {
+    azimuth = 0;
+    text.clear();
+    return;
+  }
+  azimuth = azimuthOf(b.x - a.x, b.y - a.y);
+  text = decimalToDms(azimuth);
+}
+
+}  // namespace
+
 void getLengthHor(SectionRecord& r) {
   for (int i = 0; i < 24; ++i) {
     if (i % 5 == 4) continue;
-    const CornerSlot& a = r.slots[static_cast<std::size_t>(i)];
     CornerSlot& b = r.slots[static_cast<std::size_t>(i + 1)];
-    if (a.x == 0 || b.x == 0) {
-      b.horizontalLength = 0;
-      continue;
-    }
-    b.horizontalLength = std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
-    // Ends on one point (a sixteenth corner on its section corner, from an
-    // empty chain field): a line of no length has no direction.
-    if (b.horizontalLength == 0) {
-      b.horizontalAzimuth = 0;
-      b.horizontalAzimuthText.clear();
-      continue;
-    }
-    // getAzimuthHor: lines that run east get azimuths from north of 0 to 180.
-    // A line with no east-west extent (ends a hair apart after an empty
-    // chain field) takes the arctangent's limit: due north or south.
-    const double deg = std::atan((b.y - a.y) / (b.x - a.x)) * kDegrees;
-    b.horizontalAzimuth = deg < 0 ? std::fabs(deg) + 90 : 90 - deg;
-    b.horizontalAzimuthText = decimalToDms(b.horizontalAzimuth);
+    // getAzimuthHor: lines that run east get azimuths from north of 0 to
+    // 180. A line with no east-west extent (ends a hair apart) takes the
+    // arctangent's limit, due north or south.
+    measure(r.slots[static_cast<std::size_t>(i)], b, b.horizontalLength, b.horizontalAzimuth, b.horizontalAzimuthText,
+            [](double dx, double dy) {
+              const double deg = std::atan(dy / dx) * kDegrees;
+              return deg < 0 ? std::fabs(deg) + 90 : 90 - deg;
+            });
   }
 }
 
 void getLengthVert(SectionRecord& r) {
   for (int i = 0; i < 20; ++i) {
-    const CornerSlot& a = r.slots[static_cast<std::size_t>(i)];
     CornerSlot& b = r.slots[static_cast<std::size_t>(i + 5)];
-    if (a.x == 0 || b.x == 0) {
-      b.verticalLength = 0;
-      continue;
-    }
-    b.verticalLength = std::sqrt((b.x - a.x) * (b.x - a.x) + (b.y - a.y) * (b.y - a.y));
-    if (b.verticalLength == 0) {
-      b.verticalAzimuth = 0;
-      b.verticalAzimuthText.clear();
-      continue;
-    }
     // getAzimuthVert: the line runs south, from the slot above to this one.
-    const double deg = std::atan((b.x - a.x) / (b.y - a.y)) * kDegrees;
-    b.verticalAzimuth = deg + 180;
-    b.verticalAzimuthText = decimalToDms(b.verticalAzimuth);
+    measure(r.slots[static_cast<std::size_t>(i)], b, b.verticalLength, b.verticalAzimuth, b.verticalAzimuthText,
+            [](double dx, double dy) { return std::atan(dx / dy) * kDegrees + 180; });
   }
 }
 
