@@ -3,6 +3,7 @@
 
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
+#include "secsub/sec_sub_view.h"
 
 namespace tervalo {
 
@@ -11,6 +12,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmHeader", makeHeaderView);
   shell.addView("frmSetOptions", makeSetOptionsView);
   shell.addView("frmOutput", makeOutputView);
+  shell.addView("frmSecSub", makeSecSubView);
 }
 
 }  // namespace tervalo

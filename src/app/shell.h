@@ -40,6 +40,14 @@ class Shell {
   // Hands a saved file to the user's text editor.
   virtual void openInEditor(const std::filesystem::path& file) = 0;
 
+  // Renders an SVG drawing to a PNG file, written whole; false where this
+  // shell cannot draw (the headless runner).
+  virtual bool renderPng(const std::string& svg, const std::filesystem::path& file) {
+    (void)svg;
+    (void)file;
+    return false;
+  }
+
   // Told of every output file written whole.
   virtual void fileWritten(const std::filesystem::path& file) { (void)file; }
 

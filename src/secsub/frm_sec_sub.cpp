@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstring>
 #include <filesystem>
+#include <sstream>
 
 #include "app/forms_misc.h"
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
 #include "secsub/corners.h"
+#include "secsub_out/drawing.h"
 #include "secsub_out/geopak.h"
 #include "secsub_out/report.h"
 #include "text/errors.h"
@@ -74,10 +75,11 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("btnContinue", btnContinue).click([this] { Main(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
+  add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
 }
 
-ChainField& frmSecSub::chain(const char* name) {
-  return *std::find_if(chains.begin(), chains.end(), [name](const ChainField& c) { return std::strcmp(c.name, name) == 0; });
+ChainField& frmSecSub::chain(const std::string& name) {
+  return *std::find_if(chains.begin(), chains.end(), [&name](const ChainField& c) { return name == c.name; });
 }
 
 void frmSecSub::pointNumberChanged(int s) {
@@ -142,7 +144,7 @@ void frmSecSub::applyTownshipRules() {
 void frmSecSub::showRequiredChains() {
   const auto required = requiredChains(toInt16(Val(txtSection.text)));
   for (ChainField& c : chains) {
-    const bool needed = std::any_of(required.begin(), required.end(), [&](const char* r) { return std::strcmp(r, c.name) == 0; });
+    const bool needed = std::find(required.begin(), required.end(), c.name) != required.end();
     c.text.visible = c.caption.visible = needed || !chkDefaults.checked;
   }
 }
@@ -170,6 +172,36 @@ void frmSecSub::btnClear_Click() {
   }
   computed = {};
   hasRun = false;
+  btnSaveDrawing.enabled = false;
+}
+
+std::string frmSecSub::drawing() const {
+  if (!hasRun) return "";
+  std::array<std::string, slot::count> labels;
+  for (int s = 0; s < slot::count; ++s) labels[static_cast<std::size_t>(s)] = slots[static_cast<std::size_t>(s)].pn.text;
+  return drawingSvg(sectionDrawing(record, computed, labels),
+                    "Section " + CStr(record.section) + ", T" + CStr(record.township) + "N, R" +
+                        CStr(record.range < 0 ? -record.range : record.range) + record.direction);
+}
+
+void frmSecSub::btnSaveDrawing_Click() {
+  if (!hasRun) return;
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Save the Drawing",
+                                         program().userAppData + "Section" + CStr(record.section) + ".svg");
+  if (!chosen || chosen->empty()) return;
+  const std::filesystem::path file(*chosen);
+  std::string extension = file.extension().string();
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  if (extension == ".png") {
+    if (!shell().renderPng(drawing(), file))
+      shell().msgBox("Save the Drawing", "A PNG drawing is made by the desktop program; save the drawing as SVG here.",
+                     Icon::Information);
+    return;
+  }
+  std::vector<std::string> lines;
+  std::istringstream svg(drawing());
+  for (std::string line; std::getline(svg, line);) lines.push_back(line);
+  program().writeOutputFile(file, lines);
 }
 
 bool frmSecSub::checkHeld16ths() {
@@ -262,7 +294,7 @@ bool frmSecSub::getFormValues() {
 }
 
 void frmSecSub::checkForMissingChainData() {
-  for (const char* name : requiredChains(record.section)) {
+  for (const std::string& name : requiredChains(record.section)) {
     if (chain(name).text.text.empty()) {
       // Warned once; the empty field counts as 0 and the run goes on.
       shell().msgBox("Missing Data", "Number of chains is a required field.", Icon::Information);
@@ -341,6 +373,7 @@ void frmSecSub::Main() {
   program().writeOutputFile(geopakFile, geopak);
   program().writeOutputFile(reportFile, report);
   hasRun = true;
+  btnSaveDrawing.enabled = true;
 
   program().points.clearRecords(0, 25);
   shell().msgBox("Program Complete", "Created Files: " + geopakFile.string() + " and " + reportFile.string() + ".",

@@ -70,6 +70,7 @@ class frmSecSub : public FormModel {
   Button btnContinue{"Continue"};
   Button btnReturn{"Return"};
   Button btnClear{"Clear"};
+  Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
 
   SectionRecord record;   // lives as long as the form
   bool pointFound = false;  // whether the last point-number lookup matched
@@ -77,7 +78,7 @@ class frmSecSub : public FormModel {
   std::array<bool, slot::count> computed{};
   bool hasRun = false;
 
-  ChainField& chain(const char* name);
+  ChainField& chain(const std::string& name);
 
   // Events.
   void pointNumberChanged(int s);
@@ -87,7 +88,11 @@ class frmSecSub : public FormModel {
   void chkDefaults_Click();
   void chkAddHeader_Click();
   void btnClear_Click();
+  void btnSaveDrawing_Click();
   void Main();
+
+  // The drawing of the last run as SVG; empty before a run and after Clear.
+  std::string drawing() const;
 
   // The run's procedures, in their order.
   bool checkHeld16ths();

@@ -59,7 +59,7 @@ int meridianDefault(int T, int R, bool east, bool west, int meridian) {
   return meridian;
 }
 
-std::vector<const char*> requiredChains(int s) {
+std::vector<std::string> requiredChains(int s) {
   if (s >= 1 && s <= 5) return {"NofE", "NofW"};
   if (s == 6) return {"NofW", "SofW", "NofE"};
   if (in(s, {7, 18, 19, 30, 31})) return {"NofW", "SofW"};

@@ -32,6 +32,6 @@ int meridianDefault(int township, int range, bool east, bool west, int meridian)
 
 // The record chain fields a section needs ("NofW", ...): the north tier's
 // and the west tier's irregular quarter-miles.
-std::vector<const char*> requiredChains(int section);
+std::vector<std::string> requiredChains(int section);
 
 }  // namespace tervalo

@@ -1,6 +1,6 @@
 #include "secsub_out/geopak.h"
 
-#include <tuple>
+#include "secsub_out/grid_lines.h"
 
 #include "text/format.h"
 #include "text/number.h"
@@ -54,39 +54,16 @@ std::vector<std::string> printPoints(SectionRecord& r, const CornerNaming& namin
   }
   out.push_back("$ $ End Macro Data $");
 
-  auto line = [&](const std::string& segment, int from, int to) {
-    if (present(from) && present(to)) out.push_back("STO LIN " + naming.segment(segment) + " " + name(from) + " TO " + name(to));
-  };
-  out.push_back("SET FEATURE ADD SEC");
-  const char* letters[] = {"A", "B", "C", "D"};
-  for (int k = 0; k < 4; ++k) line(std::string("north ") + letters[k], k, k + 1);
-  for (int k = 0; k < 4; ++k) line(std::string("west ") + letters[k], 5 * k, 5 * k + 5);
-  for (int k = 0; k < 4; ++k) line(std::string("south ") + letters[k], 20 + k, 21 + k);
-  for (int k = 0; k < 4; ++k) line(std::string("east ") + letters[k], 4 + 5 * k, 9 + 5 * k);
-
-  out.push_back("SET FEATURE ADD EWQ");
-  if (!present(11)) line("QEWA", 10, 12);
-  line("QEWA", 10, 11);
-  line("QEWB", 11, 12);
-  line("QEWC", 12, 13);
-  line("QEWD", 13, 14);
-
-  out.push_back("SET FEATURE ADD NSQ");
-  // Bridged with the second segment's name, unlike the east-west line: as it always was.
-  if (!present(7)) line("QNSB", 2, 12);
-  line("QNSA", 2, 7);
-  line("QNSB", 7, 12);
-  line("QNSC", 12, 17);
-  line("QNSD", 17, 22);
-
-  out.push_back("SET FEATURE ADD EWSX");
-  for (const auto& [code, from, to] : {std::tuple{"XWNW", 5, 6}, {"XENW", 6, 7}, {"XWNE", 7, 8}, {"XENE", 8, 9},
-                                       {"XWSW", 15, 16}, {"XESW", 16, 17}, {"XWSE", 17, 18}, {"XESE", 18, 19}})
-    line(code, from, to);
-  out.push_back("SET FEATURE ADD NSSX");
-  for (const auto& [code, from, to] : {std::tuple{"XNNW", 1, 6}, {"XSNW", 6, 11}, {"XNSW", 11, 16}, {"XSSW", 16, 21},
-                                       {"XNNE", 3, 8}, {"XSNE", 8, 13}, {"XNSE", 13, 18}, {"XSSE", 18, 23}})
-    line(code, from, to);
+  std::string group;
+  for (const GridLine& l : kGridLines) {
+    if (group != l.feature) {
+      group = l.feature;
+      out.push_back("SET FEATURE ADD " + group);
+    }
+    if (l.bridgedWhenAbsent >= 0 && present(l.bridgedWhenAbsent)) continue;
+    if (present(l.from) && present(l.to))
+      out.push_back("STO LIN " + naming.segment(l.segment) + " " + name(l.from) + " TO " + name(l.to));
+  }
   out.push_back("SET FEATURE OFF");
   out.push_back("$ END SECTION " + CStr(r.section));
   return out;

@@ -8,6 +8,7 @@
 #include <thread>
 
 int runShellWindowTests(int argc, char** argv);
+int runSecSubWindowTests(int argc, char** argv);
 
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -17,5 +18,5 @@ int main(int argc, char** argv) {
     std::fputs("watchdog: a window test hung\n", stderr);
     std::_Exit(1);
   }).detach();
-  return runShellWindowTests(argc, argv);
+  return runShellWindowTests(argc, argv) | runSecSubWindowTests(argc, argv);
 }

@@ -89,7 +89,7 @@ class ShellWindows : public QObject {
     shell->setProgram(*program);
   }
 
- private slots:
+ private Q_SLOTS:
   void init() {
     dir = std::make_unique<TempDir>();
     fresh();
@@ -145,7 +145,7 @@ class ShellWindows : public QObject {
     shell->setMainWindow(&window, main);
     auto* field = window.findChild<QLineEdit*>("txtInFile");
     field->setText((dir->path() / "none.csv").c_str());
-    emit field->textEdited(field->text());
+    Q_EMIT field->textEdited(field->text());
     QTest::mouseClick(window.findChild<QPushButton*>("btnContinue"), Qt::LeftButton);
     QCOMPARE(shell->boxes.size(), std::size_t(1));
     QCOMPARE(shell->boxes[0].title, std::string("Input File Error!"));
@@ -163,7 +163,7 @@ class ShellWindows : public QObject {
     auto* report = window.findChild<QLineEdit*>("txtReport");
     QCOMPARE(report->text().toStdString(), dir->folder() + "SecSub.rpt");
     report->setText("/tmp/mine.rpt");
-    emit report->textEdited(report->text());
+    Q_EMIT report->textEdited(report->text());
     window.binder().run([&] { main.click("mnuSecSub"); });
     QCOMPARE(report->text().toStdString(), dir->folder() + "SecSub.rpt");
   }
@@ -193,7 +193,7 @@ class ShellWindows : public QObject {
       QCOMPARE(d.findChild<QComboBox*>("cmbHDatum")->currentText(), QString("NAD83(96)"));
       auto* sp = d.findChild<QLineEdit*>("txtSP");
       sp->setText("8821-114");
-      emit sp->textEdited(sp->text());
+      Q_EMIT sp->textEdited(sp->text());
       QTest::mouseClick(d.findChild<QPushButton*>("btnSave"), Qt::LeftButton);
     };
     header.showForHeaderData();
@@ -205,7 +205,7 @@ class ShellWindows : public QObject {
       QCOMPARE(d.findChild<QLineEdit*>("txtSP")->text(), QString("8821-114"));
       auto* sp = d.findChild<QLineEdit*>("txtSP");
       sp->setText("changed");
-      emit sp->textEdited(sp->text());
+      Q_EMIT sp->textEdited(sp->text());
       QTest::mouseClick(d.findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
     };
     header.showForHeaderData();

@@ -243,3 +243,42 @@ TEST_F(SectionForm, AZeroHalfMileEndsTheRunWithItsFaultAndWritesNothing) {
 
 }  // namespace
 }  // namespace tervalo
+
+namespace tervalo {
+namespace {
+
+TEST_F(SectionForm, TheDrawingFollowsTheRunAndIsSavedAsSvg) {
+  EXPECT_EQ(form.drawing(), "");
+  EXPECT_FALSE(form.btnSaveDrawing.enabled);
+  location("14", "115", "22");
+  corners({0, 20});  // the NW and SW corners missing
+  regularChains();
+  form.click("btnContinue");
+  const std::string svg = form.drawing();
+  auto count = [&svg](const std::string& what) {
+    int n = 0;
+    for (auto at = svg.find(what); at != std::string::npos; at = svg.find(what, at + 1)) ++n;
+    return n;
+  };
+  const int present = static_cast<int>(std::count_if(form.record.slots.begin(), form.record.slots.end(),
+                                                      [](const CornerSlot& c) { return c.x != 0; }));
+  EXPECT_EQ(count("class=\"entered\""), 6);
+  EXPECT_EQ(count("class=\"computed\""), present - 6);
+  // A line needs both ends: with the west corners missing, slots 1, 5, 6, 15, 16 and 21
+  // are not computed either, which leaves 24 of the 42 lines (no bridges: 7 and 11 exist).
+  EXPECT_EQ(count("<line "), 24);
+  EXPECT_NE(svg.find(">1002<"), std::string::npos);
+
+  shell.chosenFiles.push_back((dir.path() / "s14.svg").string());
+  form.click("btnSaveDrawing");
+  EXPECT_EQ(TempDir::read(dir.path() / "s14.svg").rfind("<svg ", 0), 0u);
+  shell.chosenFiles.push_back((dir.path() / "s14.png").string());
+  form.click("btnSaveDrawing");  // this shell cannot draw: it says so
+  EXPECT_EQ(shell.boxes.back().title, "Save the Drawing");
+
+  form.click("btnClear");
+  EXPECT_EQ(form.drawing(), "");
+}
+
+}  // namespace
+}  // namespace tervalo

@@ -111,9 +111,9 @@ TEST(Rules, MeridianDefaults) {
 }
 
 TEST(Rules, RequiredChainsByTier) {
-  EXPECT_EQ(requiredChains(3), (std::vector<const char*>{"NofE", "NofW"}));
+  EXPECT_EQ(requiredChains(3), (std::vector<std::string>{"NofE", "NofW"}));
   EXPECT_EQ(requiredChains(6).size(), 3u);
-  EXPECT_EQ(requiredChains(19), (std::vector<const char*>{"NofW", "SofW"}));
+  EXPECT_EQ(requiredChains(19), (std::vector<std::string>{"NofW", "SofW"}));
   EXPECT_TRUE(requiredChains(14).empty());
 }
 

@@ -122,7 +122,10 @@ void Binder::refresh() {
           if constexpr (std::is_same_v<T, TextBox>) {
             if (auto* w = widget<QLineEdit>(root_, name)) {
               const QSignalBlocker block(w);
-              if (w->text() != q(c->text)) w->setText(q(c->text));
+              if (w->text() != q(c->text)) {
+                w->setText(q(c->text));
+                if (!w->hasFocus()) w->setCursorPosition(0);  // a filled field shows its start
+              }
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, Label>) {
@@ -174,6 +177,7 @@ void Binder::refresh() {
         },
         entry.control);
   }
+  if (onRefresh) onRefresh();
 }
 
 }  // namespace tervalo

@@ -26,6 +26,8 @@ class Binder : public QObject {
 
   // Called after an event when the model has unloaded itself.
   std::function<void()> onUnload;
+  // Called after every refresh, for what a view draws from its model.
+  std::function<void()> onRefresh;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -2,6 +2,10 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QImage>
+#include <QPainter>
+#include <QSaveFile>
+#include <QSvgRenderer>
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QProcess>
@@ -37,6 +41,7 @@ QWidget* QtShell::activeWindow() const {
 }
 
 Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) {
+  if (unattended) return buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok;
   QMessageBox box(activeWindow());
   box.setWindowTitle(q(title));
   box.setText(q(text));
@@ -120,10 +125,27 @@ bool QtShell::startEditor(const std::filesystem::path& file) {
 }
 
 void QtShell::openInEditor(const std::filesystem::path& file) {
+  if (unattended) return;
   if (startEditor(file)) return;
   msgBox("Editor", "No text editor could be started for\n" + std::filesystem::absolute(file).string() +
                        "\n\nThe file is saved; open it with your editor.",
          Icon::Information, Buttons::Ok);
+}
+
+bool QtShell::renderPng(const std::string& svg, const std::filesystem::path& file) {
+  QSvgRenderer renderer(QByteArray::fromStdString(svg));
+  if (!renderer.isValid()) return false;
+  QImage image(renderer.defaultSize() * 2, QImage::Format_ARGB32);
+  image.fill(Qt::white);
+  QPainter painter(&image);
+  renderer.render(&painter);
+  painter.end();
+  // Written whole, like every output file.
+  QSaveFile out(q(file.string()));
+  if (!out.open(QIODevice::WriteOnly) || !image.save(&out, "PNG") || !out.commit())
+    throw RunTimeError("Cannot write the file \"" + file.string() + "\": " + out.errorString().toStdString() + ".");
+  fileWritten(std::filesystem::absolute(file));
+  return true;
 }
 
 Date QtShell::today() { return localToday(); }

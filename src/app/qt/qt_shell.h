@@ -33,6 +33,7 @@ class QtShell : public Shell {
   void showModal(FormModel& form) override;
   std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial) override;
   void openInEditor(const std::filesystem::path& file) override;
+  bool renderPng(const std::string& svg, const std::filesystem::path& file) override;
   Date today() override;
 
   // Reopens the recovery job's calculator with its inputs, in the windows a
@@ -44,6 +45,10 @@ class QtShell : public Shell {
   std::function<void(int)> terminate;
 
   const std::vector<FormModel*>& openForms() const { return open_; }
+
+  // For rendering windows with example data: boxes are answered with their
+  // default (OK, Yes) without being shown, and no editor is started.
+  bool unattended = false;
 
  protected:
   // Shows a window modally; returns when it has closed.

@@ -11,12 +11,18 @@
 #include "app/qt/binder.h"
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
+#include "points/readers.h"
+#include "secsub/frm_sec_sub.h"
 
 namespace tervalo {
 namespace {
 
-bool save(QWidget& w, const QString& dir, const std::string& name) {
-  w.adjustSize();
+// At `size`, or at the window's own size hint.
+bool save(QWidget& w, const QString& dir, const std::string& name, QSize size = {}) {
+  if (size.isValid())
+    w.resize(size);
+  else
+    w.adjustSize();
   const QString file = QDir(dir).filePath(QString::fromStdString(name) + ".png");
   const bool ok = w.grab().save(file);
   std::cout << (ok ? "rendered " : "could not render ") << file.toStdString() << "\n";
@@ -49,19 +55,55 @@ void fillExamples(Program& program) {
                             "                     12+30.000           2.300", std::string(69, '-')};
 }
 
+// The example section typed into its form, as the example job does.
+void typeExampleSection(Program& program) {
+  // Read as Continue in the main window reads it, without showing the form modally.
+  program.inputFileName = "examples/section14.sdms";
+  getFileFormat(program.inputFileName, program.formats);
+  readFile(program.inputFileName, program.formats, program.points);
+  auto& form = program.form<frmSecSub>("frmSecSub");
+  form.setOpen(true);
+  form.typeText("txtSection", "14");
+  form.typeText("txtTwp", "115");
+  form.typeText("txtRange", "22");
+  const int plsSlots[] = {0, 2, 4, 10, 14, 20, 22, 24};
+  for (int i = 0; i < 8; ++i) form.typeText("txt" + std::to_string(plsSlots[i]) + "pn", std::to_string(1001 + i));
+  for (auto& c : form.chains) form.typeText(std::string("txt") + c.name + "chain", "20");
+  form.typeText("txtIncr", "2001");
+}
+
+bool saveView(Program& program, QtShell& shell, QWidget& main, const QString& dir, const std::string& form,
+              const std::string& file, QSize size = {}) {
+  QDialog* view = shell.makeView(program.form(form), &main);
+  const bool ok = save(*view, dir, file, size);
+  delete view;
+  return ok;
+}
+
 }  // namespace
 
 int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QString& dir) {
   QDir().mkpath(dir);
+  shell.unattended = true;
   fillExamples(program);
   main.binder().refresh();
   int failures = save(main, dir, "frmMain") ? 0 : 1;
   for (const std::string& name : program.registry().formNames()) {
-    if (name == "frmMain" || !shell.hasView(name)) continue;
-    FormModel& model = program.form(name);
-    QDialog* view = shell.makeView(model, &main);
-    failures += save(*view, dir, name) ? 0 : 1;
-    delete view;
+    if (name == "frmMain" || name == "frmSecSub" || !shell.hasView(name)) continue;
+    failures += saveView(program, shell, main, dir, name, name) ? 0 : 1;
+  }
+  if (shell.hasView("frmSecSub")) {
+    typeExampleSection(program);
+    // The usable part of a 1366 by 768 screen, less the window's frame.
+    const QSize laptop(1346, 700);
+    failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub", laptop) ? 0 : 1;
+    auto& form = program.form<frmSecSub>("frmSecSub");
+    form.click("btnContinue");
+    failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-after-run", laptop) ? 0 : 1;
+    const QString drawing = QDir(dir).filePath("section-drawing.png");
+    const bool drawn = shell.renderPng(form.drawing(), drawing.toStdString());
+    std::cout << (drawn ? "rendered " : "could not render ") << drawing.toStdString() << "\n";
+    failures += drawn ? 0 : 1;
   }
   return failures;
 }

@@ -1,0 +1,221 @@
+#include "secsub/sec_sub_view.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGuiApplication>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QSvgRenderer>
+#include <QVBoxLayout>
+
+#include "app/qt/form_dialog.h"
+#include "app/qt/qt_shell.h"
+#include "secsub/frm_sec_sub.h"
+
+namespace tervalo {
+namespace {
+
+// The drawing of the last run, scaled to the widget.
+class DrawingView : public QWidget {
+ public:
+  explicit DrawingView(QWidget* parent) : QWidget(parent) {
+    setObjectName("drawing");
+    setMinimumSize(340, 340);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  }
+  void show(const std::string& svg) {
+    if (svg == svg_) return;
+    svg_ = svg;
+    renderer_.load(QByteArray::fromStdString(svg));
+    update();
+  }
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter p(this);
+    p.fillRect(rect(), Qt::white);
+    if (svg_.empty()) {
+      p.setPen(Qt::gray);
+      p.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, "The drawing of the section appears here after Continue.");
+      return;
+    }
+    const int side = std::min(width(), height());
+    renderer_.render(&p, QRectF((width() - side) / 2.0, (height() - side) / 2.0, side, side));
+  }
+
+ private:
+  std::string svg_;
+  QSvgRenderer renderer_;
+};
+
+// The corner each slot holds, for its frame's title.
+const char* const kSlotTitles[25] = {"NW Cor",  "N 1/16",   "N 1/4",  "N 1/16",   "NE Cor",  "W 1/16",   "C NW 1/4",
+                                     "C-N 1/16", "C NE 1/4", "E 1/16", "W 1/4",    "C-W 1/16", "Center",   "C-E 1/16",
+                                     "E 1/4",   "W 1/16",   "C SW 1/4", "C-S 1/16", "C SE 1/4", "E 1/16",  "SW Cor",
+                                     "S 1/16",  "S 1/4",    "S 1/16",   "SE Cor"};
+
+class SecSubView : public FormDialog {
+ public:
+  SecSubView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* outer = new QHBoxLayout(this);
+    auto* scroll = new QScrollArea(this);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    auto* content = new QWidget(scroll);
+    auto* column = new QVBoxLayout(content);
+    column->addWidget(sectionData(content));
+    column->addWidget(numbering(content));
+    column->addWidget(slotGrid(content));
+    column->addStretch();
+    scroll->setWidget(content);
+    outer->addWidget(scroll, 5);
+
+    auto* side = new QVBoxLayout;
+    drawing_ = new DrawingView(this);
+    side->addWidget(drawing_, 1);
+    side->addWidget(button("btnSaveDrawing"));
+    auto* buttons = new QHBoxLayout;
+    QPushButton* go = button("btnContinue");
+    go->setDefault(true);
+    buttons->addWidget(go);
+    buttons->addWidget(button("btnClear"));
+    buttons->addWidget(button("btnReturn"));
+    side->addLayout(buttons);
+    outer->addLayout(side, 3);
+    bind();
+    binder_->onRefresh = [this] { drawing_->show(static_cast<frmSecSub&>(model_).drawing()); };
+    binder_->onRefresh();
+
+    // As large as the content wants, within the screen: it scrolls, never clips.
+    const QSize want(content->sizeHint().width() + 420, content->sizeHint().height() + 40);
+    const QRect screen = QGuiApplication::primaryScreen() ? QGuiApplication::primaryScreen()->availableGeometry()
+                                                          : QRect(0, 0, 1366, 768);
+    resize(want.boundedTo(screen.size() - QSize(20, 40)));
+  }
+
+ private:
+  QGroupBox* sectionData(QWidget* parent) {
+    QGroupBox* box = frame("Frame24", parent);
+    auto* grid = new QGridLayout(box);
+    int col = 0;
+    for (const auto& [caption, field] : {std::pair{"lblSection", "txtSection"}, std::pair{"lblTownship", "txtTwp"},
+                                         std::pair{"lblRange", "txtRange"}}) {
+      QLabel* l = label(caption, box);
+      QLineEdit* e = edit(field, box);
+      e->setMaximumWidth(70);
+      l->setBuddy(e);
+      grid->addWidget(l, 0, col++);
+      grid->addWidget(e, 0, col++);
+    }
+    grid->addWidget(option("optEast", box), 0, col++);
+    grid->addWidget(option("optWest", box), 0, col++);
+    QLabel* pm = label("lblPM", box);
+    QLineEdit* pmField = edit("txtPM", box);
+    pmField->setMaximumWidth(40);
+    pm->setBuddy(pmField);
+    grid->addWidget(pm, 0, col++);
+    grid->addWidget(pmField, 0, col++);
+    grid->addWidget(check("chk2", box), 1, 0, 1, col);
+    grid->addWidget(check("chk1", box), 2, 0, 1, col);
+    grid->addWidget(check("chk4", box), 3, 0, 1, col);
+    grid->addWidget(check("chk5", box), 4, 0, 1, col);
+    grid->addWidget(check("chkAddHeader", box), 5, 0, 1, 4);
+    grid->addWidget(check("chkDefaults", box), 5, 4, 1, col - 4);
+    return box;
+  }
+
+  QGroupBox* numbering(QWidget* parent) {
+    QGroupBox* box = frame("FrameAPN", parent);
+    auto* grid = new QGridLayout(box);
+    grid->addWidget(option("optIncr", box), 0, 0);
+    QLineEdit* start = edit("txtIncr", box);
+    start->setMaximumWidth(110);
+    grid->addWidget(start, 0, 1);
+    grid->addWidget(option("optUnique", box), 1, 0, 1, 2);
+    grid->setColumnStretch(2, 1);
+    return box;
+  }
+
+  // A record chain field with its caption, beside the line it belongs to.
+  QWidget* chainField(const char* stem, QWidget* parent) {
+    auto* w = new QWidget(parent);
+    auto* l = new QVBoxLayout(w);
+    l->setContentsMargins(2, 2, 2, 2);
+    QLabel* caption = label(("lbl" + std::string(stem) + "chain").c_str(), w);
+    QLineEdit* field = edit(("txt" + std::string(stem) + "chain").c_str(), w);
+    field->setMaximumWidth(80);
+    caption->setBuddy(field);
+    l->addWidget(caption);
+    l->addWidget(field);
+    return w;
+  }
+
+  QGroupBox* slotFrame(int s, QWidget* parent) {
+    const bool pls = s == 0 || s == 2 || s == 4 || s == 10 || s == 14 || s == 20 || s == 22 || s == 24;
+    auto* box = new QGroupBox(QString("%1  %2").arg(s).arg(kSlotTitles[s]), parent);
+    box->setObjectName(QString("slot%1").arg(s));
+    // Section and quarter corners stand out from the sixteenths and centers.
+    box->setStyleSheet(pls ? "QGroupBox { background: #e8eef8; font-weight: bold; }"
+                           : s == 12 ? "QGroupBox { background: #f4efe2; }" : "");
+    auto* grid = new QGridLayout(box);
+    grid->setContentsMargins(4, 4, 4, 4);
+    grid->setSpacing(2);
+    const std::string n = "txt" + std::to_string(s);
+    QLineEdit* pn = edit((n + "pn").c_str(), box);
+    pn->setPlaceholderText("Point no.");
+    grid->addWidget(pn, 0, 0, 1, 2);
+    for (const auto& [caption, suffix, row] : {std::tuple{"X", "xc", 1}, std::tuple{"Y", "yc", 2}}) {
+      auto* l = new QLabel(caption, box);
+      QLineEdit* e = edit((n + suffix).c_str(), box);
+      e->setMinimumWidth(98);
+      l->setBuddy(e);
+      grid->addWidget(l, row, 0);
+      grid->addWidget(e, row, 1);
+    }
+    QLineEdit* feature = edit((n + "pf").c_str(), box);
+    feature->setPlaceholderText("Feature");
+    QLineEdit* description = edit((n + "pd").c_str(), box);
+    description->setPlaceholderText("Description");
+    grid->addWidget(feature, 3, 0, 1, 2);
+    grid->addWidget(description, 4, 0, 1, 2);
+    for (QLineEdit* e : {pn, feature, description}) e->setMinimumWidth(112);
+    return box;
+  }
+
+  // The slots as the section lies, north at the top, with the record
+  // chains beside the quarter-miles they measure.
+  QGroupBox* slotGrid(QWidget* parent) {
+    QGroupBox* box = frame("frmSection", parent);
+    auto* grid = new QGridLayout(box);
+    grid->setSpacing(4);
+    // Columns: 0 west chains, 1-5 slots, 6 east chains; rows: 0 north
+    // chains, 1-5 slots, 6 south chains. Made in reading order for the tab order.
+    grid->addWidget(chainField("WofN", box), 0, 1, 1, 2, Qt::AlignHCenter);
+    grid->addWidget(chainField("EofN", box), 0, 4, 1, 2, Qt::AlignHCenter);
+    for (int row = 0; row < 5; ++row) {
+      if (row == 0) grid->addWidget(chainField("NofW", box), 1, 0, 2, 1, Qt::AlignVCenter);
+      if (row == 3) grid->addWidget(chainField("SofW", box), 4, 0, 2, 1, Qt::AlignVCenter);
+      for (int col = 0; col < 5; ++col) grid->addWidget(slotFrame(5 * row + col, box), row + 1, col + 1);
+      if (row == 0) grid->addWidget(chainField("NofE", box), 1, 6, 2, 1, Qt::AlignVCenter);
+      if (row == 3) grid->addWidget(chainField("SofE", box), 4, 6, 2, 1, Qt::AlignVCenter);
+    }
+    grid->addWidget(chainField("WofS", box), 6, 1, 1, 2, Qt::AlignHCenter);
+    grid->addWidget(chainField("EofS", box), 6, 4, 1, 2, Qt::AlignHCenter);
+    return box;
+  }
+
+  DrawingView* drawing_ = nullptr;
+};
+
+}  // namespace
+
+QDialog* makeSecSubView(FormModel& m, QtShell& s, QWidget* p) { return new SecSubView(m, s, p); }
+
+}  // namespace tervalo

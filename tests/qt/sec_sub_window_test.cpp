@@ -1,0 +1,143 @@
+// The section subdivision window through its widgets.
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <fstream>
+
+#include "app/frm_main.h"
+#include "app/program.h"
+#include "app/qt/views.h"
+#include "app/runner.h"
+#include "qt/scripted_shell.h"
+#include "secsub/frm_sec_sub.h"
+#include "support/temp_dir.h"
+
+namespace tervalo {
+namespace {
+
+using testing::ScriptedShell;
+using testing::TempDir;
+
+const std::string kExamples = std::string(TERVALO_SOURCE_DIR) + "/examples/";
+
+// Types into a field as a user does, then leaves it for `next`.
+void type(QDialog& d, const char* field, const QString& text, QWidget* next) {
+  auto* edit = d.findChild<QLineEdit*>(field);
+  QVERIFY2(edit, field);
+  edit->setFocus();
+  edit->selectAll();
+  if (text.isEmpty())
+    QTest::keyClick(edit, Qt::Key_Backspace);
+  else
+    QTest::keyClicks(edit, text);
+  next->setFocus();
+}
+
+class SecSubWindow : public QObject {
+  Q_OBJECT
+
+  std::unique_ptr<TempDir> dir;
+  std::unique_ptr<ScriptedShell> shell;
+  std::unique_ptr<Program> program;
+
+  frmMain& openSection() {
+    auto& main = program->form<frmMain>("frmMain");
+    main.click("mnuSecSub");
+    main.typeText("txtInFile", kExamples + "section14.sdms");
+    return main;
+  }
+
+ private Q_SLOTS:
+  void init() {
+    dir = std::make_unique<TempDir>();
+    shell = std::make_unique<ScriptedShell>();
+    registerViews(*shell);
+    program = std::make_unique<Program>(*shell, dir->folder());
+    shell->setProgram(*program);
+  }
+  void cleanup() {
+    program.reset();
+    shell.reset();
+    dir.reset();
+  }
+
+  void typingAPointNumberShowsItsCoordinates() {
+    auto& main = openSection();
+    shell->inDialog = [](QDialog& d) {
+      QVERIFY(QTest::qWaitForWindowExposed(&d));
+      auto* x = d.findChild<QLineEdit*>("txt0xc");
+      type(d, "txt0pn", "1001", x);
+      QCOMPARE(x->text(), QString("512313.4890"));
+      QCOMPARE(d.findChild<QLineEdit*>("txt0yc")->text(), QString("289841.9890"));
+      type(d, "txt0pn", "", x);  // emptied and left: X and Y go
+      QCOMPARE(x->text(), QString());
+      QVERIFY(d.findChild<QGroupBox*>("slot0")->styleSheet() != d.findChild<QGroupBox*>("slot1")->styleSheet());
+    };
+    main.click("btnContinue");
+  }
+
+  void chainFieldsFollowTheDefaultsBox() {
+    auto& main = openSection();
+    shell->inDialog = [](QDialog& d) {
+      QVERIFY(QTest::qWaitForWindowExposed(&d));
+      auto* chain = d.findChild<QLineEdit*>("txtEofSchain");
+      QVERIFY(!chain->isVisible());
+      d.findChild<QCheckBox*>("chkDefaults")->click();
+      QVERIFY(chain->isVisible());
+      QTest::mouseClick(d.findChild<QPushButton*>("btnClear"), Qt::LeftButton);
+      QVERIFY(!chain->isVisible());
+    };
+    main.click("btnContinue");
+  }
+
+  void aRunFromTheWindowWritesWhatTheRunnerWrites() {
+    auto& main = openSection();
+    int markers = 0;
+    shell->inDialog = [&](QDialog& d) {
+      QVERIFY(QTest::qWaitForWindowExposed(&d));
+      QWidget* go = d.findChild<QPushButton*>("btnContinue");
+      type(d, "txtSection", "14", go);
+      type(d, "txtTwp", "115", go);
+      type(d, "txtRange", "22", go);
+      const char* pls[] = {"txt0pn", "txt2pn", "txt4pn", "txt10pn", "txt14pn", "txt20pn", "txt22pn", "txt24pn"};
+      for (int i = 0; i < 8; ++i) type(d, pls[i], QString::number(1001 + i), go);
+      d.findChild<QCheckBox*>("chkDefaults")->click();  // shows every chain field
+      for (const char* c : {"NofW", "SofW", "NofE", "SofE", "WofN", "EofN", "WofS", "EofS"})
+        type(d, ("txt" + std::string(c) + "chain").c_str(), "20", go);
+      d.findChild<QCheckBox*>("chkDefaults")->click();
+      type(d, "txtIncr", "2001", go);
+      QTest::mouseClick(d.findChild<QPushButton*>("btnContinue"), Qt::LeftButton);
+      QCOMPARE(d.findChild<QLineEdit*>("txt12xc")->text(), QString("514967.4257"));
+      const std::string svg = static_cast<frmSecSub&>(*program->madeForms().back()).drawing();
+      for (const char* mark : {"class=\"entered\"", "class=\"computed\""})
+        for (auto at = svg.find(mark); at != std::string::npos; at = svg.find(mark, at + 1)) ++markers;
+      QVERIFY(d.findChild<QPushButton*>("btnSaveDrawing")->isEnabled());
+    };
+    main.click("btnContinue");
+    QCOMPARE(markers, 25);  // one per present corner
+    QCOMPARE(shell->boxes.back().title, std::string("Program Complete"));
+    QCOMPARE(shell->editorFiles.size(), std::size_t(2));
+
+    TempDir runnerDir;
+    std::ifstream in(kExamples + "secsub.job.json");
+    std::string job{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    job.replace(job.find("examples/"), 9, kExamples);
+    const auto outcome = runJob(parseJob(job, allForms()), RunOptions{runnerDir.folder(), localToday()}, allForms());
+    QCOMPARE(outcome.exitCode, 0);
+    for (const char* file : {"SecSub.rpt", "SecSub.inp"})
+      QVERIFY2(TempDir::read(dir->path() / file) == TempDir::read(runnerDir.path() / file), file);
+  }
+};
+
+}  // namespace
+}  // namespace tervalo
+
+#include "sec_sub_window_test.moc"
+
+int runSecSubWindowTests(int argc, char** argv) {
+  tervalo::SecSubWindow tests;
+  return QTest::qExec(&tests, argc, argv);
+}
