@@ -6,6 +6,8 @@
 #include "app/forms_misc.h"
 #include "app/frm_main.h"
 #include "app/program.h"
+#include "app/shell.h"
+#include "hcurve/frm_horz_curve.h"
 #include "secsub/frm_sec_sub.h"
 
 namespace tervalo {
@@ -21,7 +23,14 @@ FormRegistry buildRegistry() {
   registry.addForm("frmSecSub", [](Program& p) { return std::make_unique<frmSecSub>(p); });
 
   registry.addCalculator({"secsub", "mnuSecSub", "frmSecSub", {}});
-  registry.addCalculator({"hcurve", "mnuChorz", "frmHorzCurve", {}});
+  registry.addForm("frmHorzCurve", [](Program& p) { return std::make_unique<frmHorzCurve>(p); });
+  registry.addCalculator({"hcurve", "mnuChorz", "frmHorzCurve", [](Program& p) {
+                            // Cleared and given its output name each time it is chosen.
+                            auto& form = p.form<frmHorzCurve>("frmHorzCurve");
+                            form.click("btnClear");
+                            form.txtOut.text = p.userAppData + "outHfile.txt";
+                            p.shell().showModal(form);
+                          }});
   registry.addCalculator({"vcurve", "mnuCvert", "frmVertCurve", {}});
   registry.addCalculator({"grading", "mnuMgrade", "frmGrade", {}});
   registry.addCalculator({"proportion", "mnuMprop", "frmProp", {}});

@@ -3,6 +3,7 @@
 
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
+#include "hcurve/horz_curve_view.h"
 #include "secsub/sec_sub_view.h"
 
 namespace tervalo {
@@ -13,6 +14,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmSetOptions", makeSetOptionsView);
   shell.addView("frmOutput", makeOutputView);
   shell.addView("frmSecSub", makeSecSubView);
+  shell.addView("frmHorzCurve", makeHorzCurveView);
 }
 
 }  // namespace tervalo

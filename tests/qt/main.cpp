@@ -9,6 +9,7 @@
 
 int runShellWindowTests(int argc, char** argv);
 int runSecSubWindowTests(int argc, char** argv);
+int runCurveWindowTests(int argc, char** argv);
 
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -18,5 +19,5 @@ int main(int argc, char** argv) {
     std::fputs("watchdog: a window test hung\n", stderr);
     std::_Exit(1);
   }).detach();
-  return runShellWindowTests(argc, argv) | runSecSubWindowTests(argc, argv);
+  return runShellWindowTests(argc, argv) | runSecSubWindowTests(argc, argv) | runCurveWindowTests(argc, argv);
 }

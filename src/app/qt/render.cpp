@@ -11,6 +11,7 @@
 #include "app/qt/binder.h"
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
+#include "hcurve/frm_horz_curve.h"
 #include "points/readers.h"
 #include "secsub/frm_sec_sub.h"
 
@@ -42,6 +43,15 @@ void fillExamples(Program& program) {
   header.txtOperator.text = "J. SURVEYOR";
   header.txtComment.text = "SECTION 14 SUBDIVISION FOR RIGHT OF WAY";
   header.chkIncludePath.checked = true;
+
+  // The worked curve: delta 30 degrees, radius 1000, PI at 10+00.
+  auto& curve = program.form<frmHorzCurve>("frmHorzCurve");
+  curve.txtOut.text = program.userAppData + "outHfile.txt";
+  curve.setChecked("optDec", true);
+  curve.typeText("txtDelta", "30");
+  curve.typeText("txtRadius", "1000");
+  curve.typeText("txtCurvePt", "10+00");
+  curve.click("btnCalculate");
 
   auto& output = program.form<frmOutput>("frmOutput");
   output.txtOut.text = program.userAppData + "Proportion.txt";

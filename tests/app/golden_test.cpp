@@ -29,24 +29,37 @@ std::string jobText(const std::string& name) {
   return s;
 }
 
-class Golden : public ::testing::TestWithParam<const char*> {};
+// A job and the files it writes in the data folder, each compared with the
+// golden file of the job's name and the file's ending.
+struct GoldenCase {
+  const char* job;
+  std::vector<std::string> files;
+};
 
-TEST_P(Golden, ReportAndGeopakFileByteForByte) {
-  const std::string name = GetParam();
+class Golden : public ::testing::TestWithParam<GoldenCase> {};
+
+TEST_P(Golden, OutputFilesByteForByte) {
+  const GoldenCase& c = GetParam();
   TempDir dir;
-  const Job job = parseJob(jobText(name), allForms());
+  const Job job = parseJob(jobText(c.job), allForms());
   const RunOutcome outcome = runJob(job, RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
   ASSERT_EQ(outcome.exitCode, 0) << outcome.result.dump(1);
-  for (const char* ext : {".rpt", ".inp"}) {
-    const std::string produced = TempDir::read(dir.path() / (std::string("SecSub") + ext));
-    const std::string goldenFile = kGolden + name + ext;
+  for (const std::string& file : c.files) {
+    const std::string produced = TempDir::read(dir.path() / file);
+    const std::string goldenFile = kGolden + c.job + std::filesystem::path(file).extension().string();
     if (std::getenv("TERVALO_UPDATE_GOLDEN")) std::ofstream(goldenFile, std::ios::binary) << produced;
     EXPECT_EQ(produced, TempDir::read(goldenFile)) << goldenFile;
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(SectionSubdivision, Golden,
-                         ::testing::Values("secsub-regular-14", "secsub-irregular-6", "secsub-east-range-31"));
+const std::vector<std::string> kSecSubFiles{"SecSub.rpt", "SecSub.inp"};
+
+INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
+                         ::testing::Values(GoldenCase{"secsub-regular-14", kSecSubFiles},
+                                           GoldenCase{"secsub-irregular-6", kSecSubFiles},
+                                           GoldenCase{"secsub-east-range-31", kSecSubFiles},
+                                           GoldenCase{"hcurve-english", {"outHfile.txt"}},
+                                           GoldenCase{"hcurve-metric", {"outHfile.txt"}}));
 
 TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   TempDir dir;

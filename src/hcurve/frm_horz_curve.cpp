@@ -1,0 +1,223 @@
+#include "hcurve/frm_horz_curve.h"
+
+#include "app/program.h"
+#include "app/shell.h"
+#include "text/angle.h"
+#include "text/format.h"
+#include "text/justify.h"
+#include "text/number.h"
+#include "text/station.h"
+
+namespace tervalo {
+
+frmHorzCurve::frmHorzCurve(Program& program) : FormModel(program, "frmHorzCurve", "Horizontal Curve Solution") {
+  add("lblDeltaAngle", lblDeltaAngle);
+  add("txtDelta", txtDelta);
+  add("lblDeltaDeg", lblDeltaDeg);
+  add("lblDegree", lblDegree);
+  add("txtDegree", txtDegree);
+  add("lblCurveDeg", lblCurveDeg);
+  add("lblTanLength", lblTanLength);
+  add("txtTanLength", txtTanLength);
+  add("lblCurveLength", lblCurveLength);
+  add("txtCurveLength", txtCurveLength);
+  add("lblRadius", lblRadius);
+  add("txtRadius", txtRadius);
+  add("lblExternal", lblExternal);
+  add("txtExternal", txtExternal);
+  add("lblMidOrd", lblMidOrd);
+  add("txtMidOrd", txtMidOrd);
+  add("lblChord", lblChord);
+  add("txtChord", txtChord);
+  add("frameAngle", frameAngle);
+  add("optDec", optDec, "angle").click([this] { optDec_Click(); });
+  add("optHms", optHms, "angle").click([this] { optHms_Click(); });
+  add("chkMetric", chkMetric).click([this] { chkMetric_Click(); });
+  add("chkChordDef", chkChordDef).click([this] { chkChordDef_Click(); });
+  add("frmData", frmData);
+  add("optPI", optPI, "station");
+  add("optPC", optPC, "station");
+  add("optPT", optPT, "station");
+  add("txtCurvePt", txtCurvePt);
+  add("frameResults", frameResults);
+  for (auto& [name, label] : {std::pair{"lblDel", &lblDel}, {"lblDeg", &lblDeg}, {"lblDef", &lblDef}, {"lblTan", &lblTan},
+                              {"lblLen", &lblLen}, {"lblRad", &lblRad}, {"lblExt", &lblExt}, {"lblMid", &lblMid},
+                              {"lblCh", &lblCh}, {"lblPcTitle", &lblPcTitle}, {"lblPC", &lblPC}, {"lblPiTitle", &lblPiTitle},
+                              {"lblPI", &lblPI}, {"lblPtTitle", &lblPtTitle}, {"lblPT", &lblPT}})
+    add(name, *label);
+  add("btnCalculate", btnCalculate).click([this] { Main(); });
+  add("btnClear", btnClear).click([this] { btnClear_Click(); });
+  add("btnReturn", btnReturn).click([this] { unload(); });
+  add("lblOut", lblOut);
+  add("txtOut", txtOut);
+  add("btnOut", btnOut).click([this] {
+    const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", txtOut.text);
+    if (!chosen || chosen->empty()) return;
+    this->program().outputFileName = *chosen;
+    txtOut.text = *chosen;
+  });
+  add("btnOutput", btnOutput).click([this] { createHoutFile(); });
+}
+
+void frmHorzCurve::Main() {
+  // A count message presses Return: the run stops there.
+  if (!tooManyOrFew()) return;
+  verifyData();
+  if (!readInput()) return;
+  checkStation();
+  fillResults();
+}
+
+bool frmHorzCurve::tooManyOrFew() {
+  elements = {Val(txtDelta.text),  Val(txtDegree.text),   Val(txtTanLength.text), Val(txtCurveLength.text),
+              Val(txtRadius.text), Val(txtExternal.text), Val(txtMidOrd.text),    Val(txtChord.text)};
+  metric = chkMetric.checked;
+  chordDefinition = chkChordDef.checked;
+  stationText = txtCurvePt.text;
+  const int given = countGiven(elements);
+  if (given == 2) return true;
+  if (given < 2)
+    shell().msgBox("Insufficient Data", "Must enter two elements to calculate the curve.", Icon::Exclamation);
+  else
+    shell().msgBox("Data Input Error", "Only two elements may be entered.", Icon::Exclamation);
+  click("btnReturn");
+  return false;
+}
+
+void frmHorzCurve::verifyData() {
+  const std::string refusal = verifyPair(elements);
+  if (refusal.empty()) return;
+  shell().msgBox("Input Error!", refusal, Icon::Exclamation);
+  shell().endProgram();  // not back to the form: as it always has
+}
+
+bool frmHorzCurve::readInput() {
+  const CurveSolution s = solveCurve(elements, {chordDefinition, metric, optHms.checked, program().pi});
+  elements = s.e;
+  switch (s.fault) {
+    case CurveFault::None:
+      return true;
+    case CurveFault::MetricDegree:
+      shell().msgBox("Error!", "Degree of Curve is not defined for Metric units.", Icon::Critical);
+      shell().endProgram();
+      return false;
+    case CurveFault::MidOrdinateOverExternal:
+      shell().msgBox("Bad Data", "Mid Ordinate cannot be larger than External", Icon::Critical);
+      shell().endProgram();
+      return false;
+    case CurveFault::ChordRadiusUnder50:
+      // The misspelling is the program's own text.
+      shell().msgBox("Input Error!", "The minimum radius for a chord-definintion curve is 50 feet.", Icon::Exclamation);
+      click("btnClear");
+      return false;
+  }
+  return false;
+}
+
+void frmHorzCurve::checkStation() {
+  if (stationText.empty()) return;
+  if (stationText.find('+') == std::string::npos) {
+    // The icons differ between the unit systems on purpose.
+    if (metric)
+      shell().msgBox("Syntax Error!", "Station must be in the format n+nnn.nnn", Icon::Exclamation);
+    else
+      shell().msgBox("Syntax Error!", "Station must be in the format n+nn.nn", Icon::Critical);
+    shell().endProgram();
+  }
+  if (stationText.find('.') == std::string::npos) stationText += ".000";
+  const GivenPoint given = optPI.checked ? GivenPoint::PI : optPC.checked ? GivenPoint::PC : GivenPoint::PT;
+  stations = placeStations(stationToNumber(stationText).number, given, elements.tangent, elements.length);
+  formatLabels();
+}
+
+void frmHorzCurve::formatLabels() {
+  const char* mask = metric ? "####+###.0000" : "####+##.0000";
+  lblPC.caption = Format(stations.pc, mask);
+  lblPI.caption = Format(stations.pi, mask);
+  lblPT.caption = Format(stations.pt, mask);
+}
+
+void frmHorzCurve::fillResults() {
+  lblDel.caption = decimalToDms(elements.delta);
+  lblDeg.caption = decimalToDms(elements.degree);
+  const std::pair<Label*, double> values[] = {{&lblTan, elements.tangent}, {&lblLen, elements.length},
+                                              {&lblRad, elements.radius},  {&lblExt, elements.external},
+                                              {&lblMid, elements.midOrdinate}, {&lblCh, elements.chord}};
+  for (const auto& [label, value] : values) label->caption = Format(value, "#0.0000");
+  lblDef.caption = chordDefinition ? "Chord Def." : "Arc Def.";
+  const bool station = !txtCurvePt.text.empty();
+  lblPcTitle.caption = station ? "PC:" : "";
+  lblPiTitle.caption = station ? "PI:" : "";
+  lblPtTitle.caption = station ? "PT:" : "";
+}
+
+void frmHorzCurve::createHoutFile() {
+  program().outputFileName = txtOut.text;
+  auto line = [](const char* title, const Label& value) { return std::string(title) + rightJustify(value.caption, 12); };
+  const std::vector<std::string> lines{"      HORIZONTAL CURVE",
+                                       "   Del:   " + lblDel.caption,
+                                       "   Deg:   " + lblDeg.caption + "  " + lblDef.caption,
+                                       line("   Tan:  ", lblTan),
+                                       line("   Len:  ", lblLen),
+                                       line("   Rad:  ", lblRad),
+                                       line("   Ext:  ", lblExt),
+                                       line("   Mid:  ", lblMid),
+                                       line("    Ch:  ", lblCh),
+                                       line("    PC:  ", lblPC),
+                                       line("    PI:  ", lblPI),
+                                       line("    PT:  ", lblPT),
+                                       "===============================",
+                                       ""};
+  program().writeOutputFile(txtOut.text, lines);
+  shell().openInEditor(txtOut.text);
+}
+
+void frmHorzCurve::btnClear_Click() {
+  for (TextBox* box : {&txtCurvePt, &txtDelta, &txtDegree, &txtTanLength, &txtCurveLength, &txtRadius, &txtExternal,
+                       &txtMidOrd, &txtChord})
+    box->text.clear();
+  setChecked("chkMetric", false);
+  setChecked("chkChordDef", false);
+  for (Label* label : {&lblPC, &lblPI, &lblPT, &lblDel, &lblDeg, &lblTan, &lblLen, &lblRad, &lblExt, &lblMid, &lblCh})
+    label->caption.clear();
+}
+
+// The captions of the two clicks differ from the start-up captions and from
+// each other (a missing parenthesis, three m's, four d's): as they always have.
+void frmHorzCurve::optHms_Click() {
+  if (optHms.checked) {
+    lblDeltaDeg.caption = "(ddd.mmmssss";
+    lblCurveDeg.caption = "(ddd.mmmssss)";
+  } else {
+    lblDeltaDeg.caption = lblCurveDeg.caption = "(ddd.ddddddd)";
+  }
+}
+
+void frmHorzCurve::optDec_Click() {
+  if (optDec.checked) {
+    lblDeltaDeg.caption = "(dddd.dddddd)";
+    lblCurveDeg.caption = "(ddd.ddddddd)";
+  } else {
+    lblDeltaDeg.caption = lblCurveDeg.caption = "(ddd.mmmssss)";
+  }
+}
+
+// A degree of curve has no meaning in metric units: its field is greyed.
+void frmHorzCurve::chkMetric_Click() {
+  if (chkMetric.checked) {
+    chkChordDef.checked = false;
+    chkChordDef.enabled = false;
+    txtDegree.enabled = false;
+  } else {
+    chkChordDef.enabled = true;
+    txtDegree.enabled = true;
+  }
+  lblDegree.enabled = txtDegree.enabled;
+}
+
+void frmHorzCurve::chkChordDef_Click() {
+  if (chkMetric.checked) setChecked("chkMetric", false);
+  lblDegree.enabled = txtDegree.enabled;
+}
+
+}  // namespace tervalo

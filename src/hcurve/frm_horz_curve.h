@@ -1,0 +1,81 @@
+#pragma once
+// The horizontal curve form: two elements and an optional station in; every
+// element and PC, PI, PT out, and a small text file.
+
+#include <string>
+
+#include "app/form_model.h"
+#include "hcurve/curve.h"
+
+namespace tervalo {
+
+class frmHorzCurve : public FormModel {
+ public:
+  explicit frmHorzCurve(Program& program);
+
+  Label lblDeltaAngle{"Delta Angle"};
+  TextBox txtDelta;
+  Label lblDeltaDeg{"(ddd.mmssss)"};
+  Label lblDegree{"Degree of Curve"};
+  TextBox txtDegree;
+  Label lblCurveDeg{"(ddd.mmssss)"};
+  Label lblTanLength{"Tangent Length"};
+  TextBox txtTanLength;
+  Label lblCurveLength{"Length of Curve"};
+  TextBox txtCurveLength;
+  Label lblRadius{"Radius"};
+  TextBox txtRadius;
+  Label lblExternal{"External"};
+  TextBox txtExternal;
+  Label lblMidOrd{"Mid Ordinate"};
+  TextBox txtMidOrd;
+  Label lblChord{"Chord"};
+  TextBox txtChord;
+  Frame frameAngle{"Angle Entry"};
+  OptionButton optDec{false, "Decimal Deg"};
+  OptionButton optHms{true, " Deg Min Sec"};
+  CheckBox chkMetric{false, "Metric Units"};
+  CheckBox chkChordDef{false, "Chord Definition"};
+  Frame frmData{"Station"};
+  OptionButton optPI{true, "PI Station"};
+  OptionButton optPC{false, "PC Station"};
+  OptionButton optPT{false, "PT Station"};
+  TextBox txtCurvePt;
+  Frame frameResults{"Results"};
+  Label lblDel, lblDeg, lblDef{"Arc Def."}, lblTan, lblLen, lblRad, lblExt, lblMid, lblCh;
+  Label lblPcTitle{"PC:"}, lblPC, lblPiTitle{"PI:"}, lblPI, lblPtTitle{"PT:"}, lblPT;
+  Button btnCalculate{"Calculate"};
+  Button btnClear{"Clear"};
+  Button btnReturn{"Return"};
+  Label lblOut{"Output file:"};
+  TextBox txtOut;
+  Button btnOut{"Browse"};
+  Button btnOutput{"Save"};
+
+  // The program's procedures, in the order Main runs them.
+  void Main();
+  bool tooManyOrFew();
+  void verifyData();
+  bool readInput();
+  void checkStation();
+  void formatLabels();
+  void fillResults();
+  void createHoutFile();
+
+  void btnClear_Click();
+  void optHms_Click();
+  void optDec_Click();
+  void chkMetric_Click();
+  void chkChordDef_Click();
+
+  // What the calculation works with, kept between its procedures.
+  CurveElements elements;
+  CurveStations stations;
+
+ private:
+  bool metric = false;
+  bool chordDefinition = false;
+  std::string stationText;
+};
+
+}  // namespace tervalo
