@@ -9,6 +9,7 @@
 #include "app/shell.h"
 #include "hcurve/frm_horz_curve.h"
 #include "secsub/frm_sec_sub.h"
+#include "vcurve/frm_vert_curve.h"
 
 namespace tervalo {
 namespace {
@@ -31,7 +32,9 @@ FormRegistry buildRegistry() {
                             form.txtOut.text = p.userAppData + "outHfile.txt";
                             p.shell().showModal(form);
                           }});
-  registry.addCalculator({"vcurve", "mnuCvert", "frmVertCurve", {}});
+  registry.addForm("frmVertCurve", [](Program& p) { return std::make_unique<frmVertCurve>(p); });
+  registry.addForm("frmVCResults", [](Program& p) { return std::make_unique<frmVCResults>(p); });
+  registry.addCalculator({"vcurve", "mnuCvert", "frmVertCurve", [](Program& p) { p.shell().showModal(p.form("frmVertCurve")); }});
   registry.addCalculator({"grading", "mnuMgrade", "frmGrade", {}});
   registry.addCalculator({"proportion", "mnuMprop", "frmProp", {}});
   return registry;

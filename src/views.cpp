@@ -5,6 +5,7 @@
 #include "app/qt/views.h"
 #include "hcurve/horz_curve_view.h"
 #include "secsub/sec_sub_view.h"
+#include "vcurve/vert_curve_view.h"
 
 namespace tervalo {
 
@@ -15,6 +16,8 @@ void registerViews(QtShell& shell) {
   shell.addView("frmOutput", makeOutputView);
   shell.addView("frmSecSub", makeSecSubView);
   shell.addView("frmHorzCurve", makeHorzCurveView);
+  shell.addView("frmVertCurve", makeVertCurveView);
+  shell.addView("frmVCResults", makeVCResultsView);
 }
 
 }  // namespace tervalo

@@ -59,7 +59,9 @@ INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
                                            GoldenCase{"secsub-irregular-6", kSecSubFiles},
                                            GoldenCase{"secsub-east-range-31", kSecSubFiles},
                                            GoldenCase{"hcurve-english", {"outHfile.txt"}},
-                                           GoldenCase{"hcurve-metric", {"outHfile.txt"}}));
+                                           GoldenCase{"hcurve-metric", {"outHfile.txt"}},
+                                           GoldenCase{"vcurve-sag", {"outVfile.txt"}},
+                                           GoldenCase{"vcurve-metric-crest", {"outVfile.txt"}}));
 
 TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   TempDir dir;

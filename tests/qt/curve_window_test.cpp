@@ -2,6 +2,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
@@ -48,6 +49,37 @@ class CurveWindow : public QObject {
     QCOMPARE(pc, QString("7+32.0508"));
     QCOMPARE(output.toStdString(), dir.folder() + "outHfile.txt");
     QVERIFY(shell.boxes.empty());
+  }
+
+  void verticalCurveFromEntryToResults() {
+    TempDir dir;
+    ScriptedShell shell;
+    registerViews(shell);
+    Program program(shell, dir.folder());
+    shell.setProgram(program);
+    QStringList seen;
+    shell.inDialog = [&](QDialog& d) {
+      QVERIFY(QTest::qWaitForWindowExposed(&d));
+      if (d.objectName() == "frmVCResults") {
+        seen << d.findChild<QLabel*>("lblSta")->text();
+        const auto* list = d.findChild<QListWidget*>("lstResults");
+        seen << QString::number(list->count()) << list->item(0)->text();
+        QTest::mouseClick(d.findChild<QPushButton*>("btnOutput"), Qt::LeftButton);
+        return;
+      }
+      QVERIFY(d.windowTitle().startsWith("Vertical Curve Input"));
+      QVERIFY(!d.findChild<QLineEdit*>("txtIncrement")->isEnabled());
+      for (const auto& [name, text] : {std::pair{"txtEntryGrade", "-2"}, {"txtExitGrade", "2"}, {"txtStation", "10+00"},
+                                       {"txtElevation", "100"}, {"txtLength", "400"}, {"txtStartStation", "8+00"},
+                                       {"txtEndStation", "12+00"}})
+        QTest::keyClicks(d.findChild<QLineEdit*>(name), text);
+      QVERIFY(d.findChild<QLineEdit*>("txtIncrement")->isEnabled());
+      QTest::keyClicks(d.findChild<QLineEdit*>("txtIncrement"), "100");
+      QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
+    };
+    program.form<frmMain>("frmMain").click("mnuCvert");
+    QCOMPARE(seen, (QStringList{"10+00.000", "5", "    8+00.000  PVC   104.000  "}));
+    QVERIFY(std::filesystem::exists(dir.path() / "outVfile.txt"));
   }
 };
 

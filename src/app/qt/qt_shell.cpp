@@ -87,7 +87,7 @@ void QtShell::showModal(FormModel& form) {
     }
   } close{*this, form, view};
   playPending(form);
-  if (form.isOpen()) runDialog(*view);
+  if (form.isOpen() && !unattended) runDialog(*view);
 }
 
 void QtShell::replay(const Job& job) {

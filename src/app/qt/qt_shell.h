@@ -47,7 +47,8 @@ class QtShell : public Shell {
   const std::vector<FormModel*>& openForms() const { return open_; }
 
   // For rendering windows with example data: boxes are answered with their
-  // default (OK, Yes) without being shown, and no editor is started.
+  // default (OK, Yes) and windows opened without being shown, and no editor
+  // is started.
   bool unattended = false;
 
  protected:

@@ -13,6 +13,7 @@
 #include "app/qt/views.h"
 #include "hcurve/frm_horz_curve.h"
 #include "points/readers.h"
+#include "vcurve/frm_vert_curve.h"
 #include "secsub/frm_sec_sub.h"
 
 namespace tervalo {
@@ -52,6 +53,14 @@ void fillExamples(Program& program) {
   curve.typeText("txtRadius", "1000");
   curve.typeText("txtCurvePt", "10+00");
   curve.click("btnCalculate");
+
+  // The worked sag curve with a listing; its results window is filled by Calculate.
+  auto& vertical = program.form<frmVertCurve>("frmVertCurve");
+  for (const auto& [field, value] : {std::pair{"txtEntryGrade", "-2"}, {"txtExitGrade", "2"}, {"txtStation", "10+00"},
+                                     {"txtElevation", "100"}, {"txtLength", "400"}, {"txtStartStation", "7+30"},
+                                     {"txtEndStation", "13+10"}, {"txtIncrement", "50"}, {"txtProfile1", "-0.5"}})
+    vertical.typeText(field, value);
+  vertical.click("btnCalculate");
 
   auto& output = program.form<frmOutput>("frmOutput");
   output.txtOut.text = program.userAppData + "Proportion.txt";

@@ -1,0 +1,120 @@
+#include "vcurve/vert_curve_view.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "app/qt/form_dialog.h"
+
+namespace tervalo {
+namespace {
+
+class VertCurveView : public FormDialog {
+ public:
+  VertCurveView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* grid = new QGridLayout(this);
+    int r = 0;
+    auto row = [&](const char* caption, const char* field) {
+      QLabel* l = label(caption);
+      QLineEdit* e = edit(field);
+      l->setBuddy(e);
+      grid->addWidget(l, r, 0);
+      grid->addWidget(e, r, 1);
+      return e;
+    };
+    row("lblEntryGrade", "txtEntryGrade");
+    ++r;
+    row("lblExitGrade", "txtExitGrade");
+    ++r;
+    row("lblStation", "txtStation");
+    auto* points = new QHBoxLayout;
+    for (const char* name : {"optPI", "optPC", "optPT"}) points->addWidget(option(name));
+    grid->addLayout(points, r++, 2);
+    row("lblElevation", "txtElevation");
+    ++r;
+    row("lblLength", "txtLength");
+    ++r;
+    grid->addWidget(label("lblStartStation"), r++, 0);
+    row("lblStartStation2", "txtStartStation");
+    ++r;
+    row("lblEndStation", "txtEndStation");
+    ++r;
+    row("lblIncrement", "txtIncrement");
+    grid->addWidget(check("chkExact"), r++, 2);
+    grid->addWidget(label("lblProfiles"), r, 0);
+    auto* profiles = new QHBoxLayout;
+    for (const char* name : {"txtProfile1", "txtProfile2", "txtProfile3"}) profiles->addWidget(edit(name));
+    grid->addLayout(profiles, r++, 1, 1, 2);
+    row("lblEquationIn", "txtEquationIn");
+    ++r;
+    row("lblEquationOut", "txtEquationOut");
+    ++r;
+    QGroupBox* units = frame("frameUnits");
+    (new QHBoxLayout(units))->addWidget(check("chkMetric", units));
+    grid->addWidget(units, r++, 0, 1, 2);
+    auto* buttons = new QHBoxLayout;
+    QPushButton* calculate = button("btnCalculate");
+    calculate->setDefault(true);
+    buttons->addWidget(calculate);
+    buttons->addWidget(button("btnClear"));
+    buttons->addStretch();
+    buttons->addWidget(button("btnReturn"));
+    grid->addLayout(buttons, r, 0, 1, 3);
+    bind();
+  }
+};
+
+class VCResultsView : public FormDialog {
+ public:
+  VCResultsView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* outer = new QVBoxLayout(this);
+    QGroupBox* curveData = frame("frameCurve");
+    curveData->setFont(fixedPitchFont());
+    auto* grid = new QGridLayout(curveData);
+    const char* pairs[][2] = {{"lblPVCstaTitle", "lblPVCsta"},   {"lblPVCelevTitle", "lblPVCelev"},
+                              {"lblPVIstaTitle", "lblPVIsta"},   {"lblPVIelevTitle", "lblPVIelev"},
+                              {"lblPVTstaTitle", "lblPVTsta"},   {"lblPVTelevTitle", "lblPVTelev"},
+                              {"lblEntryTitle", "lblEntry"},     {"lblExitTitle", "lblExit"},
+                              {"lblCurLenTitle", "lblCurLen"},   {nullptr, nullptr},
+                              {"lblMinMaxSta", "lblSta"},        {"lblMinMaxElev", "lblElev"}};
+    for (int i = 0; i < 12; ++i) {
+      if (!pairs[i][0]) continue;
+      grid->addWidget(label(pairs[i][0], curveData), i / 2, (i % 2) * 2);
+      QLabel* value = label(pairs[i][1], curveData);
+      value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+      grid->addWidget(value, i / 2, (i % 2) * 2 + 1);
+    }
+    outer->addWidget(curveData);
+    QLabel* headings = label("lblHeadings");
+    headings->setFont(fixedPitchFont());
+    outer->addWidget(headings);
+    QListWidget* results = list("lstResults", true);
+    results->setMinimumSize(QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(66, 'M')), 300);
+    outer->addWidget(results, 1);
+    auto* file = new QHBoxLayout;
+    QLabel* caption = label("lblOut");
+    QLineEdit* name = edit("txtOut");
+    caption->setBuddy(name);
+    file->addWidget(caption);
+    file->addWidget(name, 1);
+    file->addWidget(button("btnOut"));
+    file->addWidget(button("btnOutput"));
+    file->addWidget(button("btnReturn"));
+    outer->addLayout(file);
+    bind();
+  }
+};
+
+}  // namespace
+
+QDialog* makeVertCurveView(FormModel& m, QtShell& s, QWidget* p) { return new VertCurveView(m, s, p); }
+QDialog* makeVCResultsView(FormModel& m, QtShell& s, QWidget* p) { return new VCResultsView(m, s, p); }
+
+}  // namespace tervalo

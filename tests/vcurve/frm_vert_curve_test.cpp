@@ -1,0 +1,126 @@
+// The vertical curve forms: readInput's messages and their consequences,
+// the results labels, the end station's effect.
+
+#include <gtest/gtest.h>
+
+#include "app/program.h"
+#include "support/recording_shell.h"
+#include "support/temp_dir.h"
+#include "text/errors.h"
+#include "vcurve/frm_vert_curve.h"
+
+namespace tervalo {
+namespace {
+
+using testing::RecordingShell;
+using testing::TempDir;
+
+class VerticalForm : public ::testing::Test {
+ protected:
+  TempDir dir;
+  RecordingShell shell;
+  Program program{shell, dir.folder()};
+  frmVertCurve& form = program.form<frmVertCurve>("frmVertCurve");
+  frmVCResults& results = program.form<frmVCResults>("frmVCResults");
+
+  void SetUp() override {
+    form.setOpen(true);
+    for (const auto& [field, value] : {std::pair{"txtEntryGrade", "-2"}, {"txtExitGrade", "2"}, {"txtStation", "10+00"},
+                                       {"txtElevation", "100"}, {"txtLength", "400"}})
+      form.typeText(field, value);
+  }
+  std::vector<std::string> titles() const {
+    std::vector<std::string> t;
+    for (const auto& b : shell.boxes) t.push_back(b.title + ": " + b.text);
+    return t;
+  }
+};
+
+TEST_F(VerticalForm, CaptionsAndResults) {
+  EXPECT_EQ(form.caption.rfind("Vertical Curve Input           Version ", 0), 0u);
+  form.click("btnCalculate");
+  EXPECT_TRUE(shell.boxes.empty());
+  EXPECT_EQ(shell.modalForms, (std::vector<std::string>{"frmVCResults"}));
+  EXPECT_EQ(results.lblPVCsta.caption, "8+00.000");
+  EXPECT_EQ(results.lblPVCelev.caption, "104.000");
+  EXPECT_EQ(results.lblEntry.caption, "-2%");
+  EXPECT_EQ(results.lblCurLen.caption, "400.000");
+  EXPECT_EQ(results.lblMinMaxSta.caption, "Min. Station:");
+  EXPECT_EQ(results.lblSta.caption, "10+00.000");
+  EXPECT_EQ(results.lblElev.caption, "102.000");
+  EXPECT_EQ(results.txtOut.text, dir.folder() + "outVfile.txt");
+  form.typeText("txtLength", "5");
+  form.typeText("txtStation", "0+45");
+  form.typeText("txtElevation", "0.5");
+  form.setChecked("optPC", true);
+  form.click("btnCalculate");
+  EXPECT_EQ(results.lblCurLen.caption, "05.000");
+  EXPECT_EQ(results.lblPVCsta.caption, "+45.000");
+  EXPECT_EQ(results.lblPVCelev.caption, ".500");
+}
+
+TEST_F(VerticalForm, EqualGradesHaveNoTurningPointAndTheReportSaysSo) {
+  form.typeText("txtExitGrade", "-2");
+  form.click("btnCalculate");
+  EXPECT_TRUE(shell.boxes.empty());
+  EXPECT_FALSE(results.lblMinMaxSta.visible);
+  results.txtOut.text = (dir.path() / "v.txt").string();
+  results.click("btnOutput");
+  const std::string report = TempDir::read(dir.path() / "v.txt");
+  EXPECT_NE(report.find("Min. Station:  \r\n   Min. Elev:  \r\n"), std::string::npos);
+  EXPECT_NE(report.find("    PVC Elev:  8+00.000\r\n"), std::string::npos);  // the station caption, as always
+}
+
+TEST_F(VerticalForm, MessagesThatLetTheRunGoOn) {
+  form.typeText("txtLength", "");
+  form.typeText("txtStartStation", "9+00");
+  form.typeText("txtEndStation", "8+00");
+  form.click("btnCalculate");
+  EXPECT_EQ(titles(), (std::vector<std::string>{"Missing Data!: A curve length must be entered.",
+                                                "Missing Data!: An increment must be specified.",
+                                                "Invalid Data!: End station is not larger than start station."}));
+  for (const auto& b : shell.boxes) EXPECT_EQ(b.icon, Icon::Critical);
+  EXPECT_EQ(shell.modalForms.size(), 1u);  // the results are shown all the same
+}
+
+TEST_F(VerticalForm, ProgramEnds) {
+  form.typeText("txtStation", "");
+  EXPECT_THROW(form.click("btnCalculate"), ProgramEnd);
+  EXPECT_EQ(titles(), (std::vector<std::string>{"Missing Data!: A station must be entered.",
+                                                "Syntax Error!: Station must be in the format n+nn.nnn"}));
+  EXPECT_EQ(shell.boxes.back().icon, Icon::Critical);
+  shell.boxes.clear();
+  form.typeText("txtStation", "10+00");
+  form.typeText("txtEquationIn", "1234");
+  form.setChecked("chkMetric", true);
+  EXPECT_THROW(form.click("btnCalculate"), ProgramEnd);
+  EXPECT_EQ(titles(), (std::vector<std::string>{"Syntax Error!: Station must be in the format n+nnn.nnn"}));
+  EXPECT_EQ(shell.boxes.back().icon, Icon::Exclamation);
+  shell.boxes.clear();
+  form.typeText("txtEquationIn", "");
+  form.typeText("txtElevation", "");  // a strict number: blank is a type mismatch
+  EXPECT_THROW(form.click("btnCalculate"), ProgramEnd);
+  EXPECT_EQ(shell.boxes.back().title, "Run-time Error");
+}
+
+TEST_F(VerticalForm, EndStationEnablesIncrementAndExact) {
+  EXPECT_FALSE(form.txtIncrement.enabled || form.chkExact.enabled);
+  form.typeText("txtEndStation", "13+00");
+  EXPECT_TRUE(form.txtIncrement.enabled && form.chkExact.enabled);
+  form.click("btnClear");
+  EXPECT_FALSE(form.txtIncrement.enabled || form.chkExact.enabled);
+  EXPECT_EQ(form.txtStation.text, "");
+}
+
+TEST_F(VerticalForm, HeadingsAndSingleStation) {
+  form.typeText("txtProfile1", "1");
+  form.typeText("txtProfile3", "2");
+  form.typeText("txtStartStation", "9+00");
+  form.click("btnCalculate");
+  EXPECT_EQ(results.lblHeadings.caption, "     Station   C/T  Elevation  Profile   Profile ");
+  ASSERT_EQ(results.lstResults.items.size(), 1u);
+  EXPECT_EQ(results.lstResults.items[0], "    9+00.000  C     102.500   103.500  104.500");
+}
+
+}  // namespace
+}  // namespace tervalo
