@@ -8,6 +8,7 @@
 #include "app/program.h"
 #include "app/shell.h"
 #include "hcurve/frm_horz_curve.h"
+#include "proportion/frm_prop.h"
 #include "secsub/frm_sec_sub.h"
 #include "vcurve/frm_vert_curve.h"
 
@@ -36,7 +37,8 @@ FormRegistry buildRegistry() {
   registry.addForm("frmVCResults", [](Program& p) { return std::make_unique<frmVCResults>(p); });
   registry.addCalculator({"vcurve", "mnuCvert", "frmVertCurve", [](Program& p) { p.shell().showModal(p.form("frmVertCurve")); }});
   registry.addCalculator({"grading", "mnuMgrade", "frmGrade", {}});
-  registry.addCalculator({"proportion", "mnuMprop", "frmProp", {}});
+  registry.addForm("frmProp", [](Program& p) { return std::make_unique<frmProp>(p); });
+  registry.addCalculator({"proportion", "mnuMprop", "frmProp", [](Program& p) { p.shell().showModal(p.form("frmProp")); }});
   return registry;
 }
 

@@ -4,6 +4,7 @@
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
 #include "hcurve/horz_curve_view.h"
+#include "proportion/prop_view.h"
 #include "secsub/sec_sub_view.h"
 #include "vcurve/vert_curve_view.h"
 
@@ -18,6 +19,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmHorzCurve", makeHorzCurveView);
   shell.addView("frmVertCurve", makeVertCurveView);
   shell.addView("frmVCResults", makeVCResultsView);
+  shell.addView("frmProp", makePropView);
 }
 
 }  // namespace tervalo

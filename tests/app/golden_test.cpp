@@ -61,7 +61,9 @@ INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
                                            GoldenCase{"hcurve-english", {"outHfile.txt"}},
                                            GoldenCase{"hcurve-metric", {"outHfile.txt"}},
                                            GoldenCase{"vcurve-sag", {"outVfile.txt"}},
-                                           GoldenCase{"vcurve-metric-crest", {"outVfile.txt"}}));
+                                           GoldenCase{"vcurve-metric-crest", {"outVfile.txt"}},
+                                           GoldenCase{"proportion-english", {"Proportion.txt"}},
+                                           GoldenCase{"proportion-metric", {"Proportion.txt"}}));
 
 TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   TempDir dir;

@@ -1,5 +1,6 @@
 // The horizontal curve window through its widgets.
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -80,6 +81,39 @@ class CurveWindow : public QObject {
     program.form<frmMain>("frmMain").click("mnuCvert");
     QCOMPARE(seen, (QStringList{"10+00.000", "5", "    8+00.000  PVC   104.000  "}));
     QVERIFY(std::filesystem::exists(dir.path() / "outVfile.txt"));
+  }
+
+  void proportionThroughTheWindowToThePreview() {
+    TempDir dir;
+    ScriptedShell shell;
+    registerViews(shell);
+    Program program(shell, dir.folder());
+    shell.setProgram(program);
+    QStringList preview;
+    shell.inDialog = [&](QDialog& d) {
+      QVERIFY(QTest::qWaitForWindowExposed(&d));
+      if (d.objectName() == "frmOutput") {
+        const auto* list = d.findChild<QListWidget*>("lstOutput");
+        for (int i = 0; i < list->count(); ++i) preview << list->item(i)->text();
+        QTest::mouseClick(d.findChild<QPushButton*>("btnOutput"), Qt::LeftButton);
+        return;
+      }
+      QCOMPARE(d.windowTitle(), QString("Proportion Function"));
+      QVERIFY(!d.findChild<QLineEdit*>("txtStaIn")->isVisible());
+      d.findChild<QCheckBox*>("chkBetween")->click();
+      QVERIFY(d.findChild<QLineEdit*>("txtStaIn")->isVisible());
+      d.findChild<QCheckBox*>("chkBetween")->click();
+      for (const auto& [name, text] : {std::pair{"txtBegSta", "10+00"}, {"txtBegValue", "0"}, {"txtEndSta", "20+00"},
+                                       {"txtEndValue", "10"}, {"txtFirst", "10+00"}, {"txtLast", "12+30"},
+                                       {"txtIncrement", "100"}})
+        QTest::keyClicks(d.findChild<QLineEdit*>(name), text);
+      QTest::mouseClick(d.findChild<QPushButton*>("btnCalc"), Qt::LeftButton);
+    };
+    program.form<frmMain>("frmMain").click("mnuMprop");
+    QCOMPARE(preview.size(), 13);
+    QCOMPARE(preview[11], QString("                     12+30.000         2.300"));
+    QVERIFY(std::filesystem::exists(dir.path() / "Proportion.txt"));
+    QCOMPARE(shell.editorFiles.size(), std::size_t(1));
   }
 };
 

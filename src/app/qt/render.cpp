@@ -13,6 +13,7 @@
 #include "app/qt/views.h"
 #include "hcurve/frm_horz_curve.h"
 #include "points/readers.h"
+#include "proportion/frm_prop.h"
 #include "vcurve/frm_vert_curve.h"
 #include "secsub/frm_sec_sub.h"
 
@@ -62,16 +63,14 @@ void fillExamples(Program& program) {
     vertical.typeText(field, value);
   vertical.click("btnCalculate");
 
-  auto& output = program.form<frmOutput>("frmOutput");
-  output.txtOut.text = program.userAppData + "Proportion.txt";
-  output.lstOutput.items = {"", "                      PROPORTION CALCULATION", "", std::string(69, '-'),
-                            "  Beginning Station:  10+00.000  Value:    .000",
-                            "     Ending Station:  20+00.000         10.000", std::string(69, '-'),
-                            "                      Station           Value",
-                            "                     10+00.000            .000",
-                            "                     11+00.000           1.000",
-                            "                     12+00.000           2.000",
-                            "                     12+30.000           2.300", std::string(69, '-')};
+  // The worked proportion across an equation; Calculate fills the preview.
+  auto& proportion = program.form<frmProp>("frmProp");
+  proportion.setChecked("chkBetween", true);
+  for (const auto& [field, value] : {std::pair{"txtBegSta", "10+00"}, {"txtBegValue", "0"}, {"txtEndSta", "21+00"},
+                                     {"txtEndValue", "10"}, {"txtStaIn", "15+00"}, {"txtStaOut", "16+00"},
+                                     {"txtFirst", "10+00"}, {"txtLast", "21+00"}, {"txtIncrement", "200"}})
+    proportion.typeText(field, value);
+  proportion.click("btnCalc");
 }
 
 // The example section typed into its form, as the example job does.
