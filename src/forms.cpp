@@ -7,6 +7,7 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
+#include "grading/frm_grade.h"
 #include "hcurve/frm_horz_curve.h"
 #include "proportion/frm_prop.h"
 #include "secsub/frm_sec_sub.h"
@@ -36,7 +37,9 @@ FormRegistry buildRegistry() {
   registry.addForm("frmVertCurve", [](Program& p) { return std::make_unique<frmVertCurve>(p); });
   registry.addForm("frmVCResults", [](Program& p) { return std::make_unique<frmVCResults>(p); });
   registry.addCalculator({"vcurve", "mnuCvert", "frmVertCurve", [](Program& p) { p.shell().showModal(p.form("frmVertCurve")); }});
-  registry.addCalculator({"grading", "mnuMgrade", "frmGrade", {}});
+  registry.addForm("frmGrade", [](Program& p) { return std::make_unique<frmGrade>(p); });
+  registry.addForm("frmGradeOut", [](Program& p) { return std::make_unique<frmOutput>(p, "frmGradeOut", "Grading Width Output"); });
+  registry.addCalculator({"grading", "mnuMgrade", "frmGrade", [](Program& p) { p.shell().showModal(p.form("frmGrade")); }});
   registry.addForm("frmProp", [](Program& p) { return std::make_unique<frmProp>(p); });
   registry.addCalculator({"proportion", "mnuMprop", "frmProp", [](Program& p) { p.shell().showModal(p.form("frmProp")); }});
   return registry;

@@ -3,6 +3,7 @@
 
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
+#include "grading/grade_view.h"
 #include "hcurve/horz_curve_view.h"
 #include "proportion/prop_view.h"
 #include "secsub/sec_sub_view.h"
@@ -20,6 +21,8 @@ void registerViews(QtShell& shell) {
   shell.addView("frmVertCurve", makeVertCurveView);
   shell.addView("frmVCResults", makeVCResultsView);
   shell.addView("frmProp", makePropView);
+  shell.addView("frmGrade", makeGradeView);
+  shell.addView("frmGradeOut", makeOutputView);
 }
 
 }  // namespace tervalo

@@ -94,7 +94,8 @@ frmSetOptions::frmSetOptions(Program& program)
   add("btnCancel", btnCancel);
 }
 
-frmOutput::frmOutput(Program& program) : FormModel(program, "frmOutput", "Tervalo Output Data") {
+frmOutput::frmOutput(Program& program, std::string name, std::string windowCaption)
+    : FormModel(program, std::move(name), std::move(windowCaption)) {
   add("lstOutput", lstOutput);
   add("lblOut", lblOut);
   add("txtOut", txtOut);

@@ -90,7 +90,8 @@ class frmSetOptions : public FormModel {
 // The shared preview of a calculator's report lines; Save writes them.
 class frmOutput : public FormModel {
  public:
-  explicit frmOutput(Program& program);
+  // Other calculators' previews (frmGradeOut) are this window under their own name.
+  explicit frmOutput(Program& program, std::string name = "frmOutput", std::string windowCaption = "Tervalo Output Data");
 
   ListBox lstOutput;
   Label lblOut{"Output file:"};

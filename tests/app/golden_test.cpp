@@ -63,7 +63,8 @@ INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
                                            GoldenCase{"vcurve-sag", {"outVfile.txt"}},
                                            GoldenCase{"vcurve-metric-crest", {"outVfile.txt"}},
                                            GoldenCase{"proportion-english", {"Proportion.txt"}},
-                                           GoldenCase{"proportion-metric", {"Proportion.txt"}}));
+                                           GoldenCase{"proportion-metric", {"Proportion.txt"}},
+                                           GoldenCase{"grading-left", {"GrWidth.txt"}}));
 
 TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   TempDir dir;

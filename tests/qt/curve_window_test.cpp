@@ -1,6 +1,7 @@
 // The horizontal curve window through its widgets.
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -114,6 +115,46 @@ class CurveWindow : public QObject {
     QCOMPARE(preview[11], QString("                     12+30.000         2.300"));
     QVERIFY(std::filesystem::exists(dir.path() / "Proportion.txt"));
     QCOMPARE(shell.editorFiles.size(), std::size_t(1));
+  }
+
+  void gradingSegmentsThroughTheWindow() {
+    TempDir dir;
+    ScriptedShell shell;
+    registerViews(shell);
+    Program program(shell, dir.folder());
+    shell.setProgram(program);
+    QString result;
+    int reportLines = 0;
+    shell.inDialog = [&](QDialog& d) {
+      QVERIFY(QTest::qWaitForWindowExposed(&d));
+      if (d.objectName() == "frmGradeOut") {
+        reportLines = d.findChild<QListWidget*>("lstOutput")->count();
+        return;
+      }
+      for (const auto& [name, text] : {std::pair{"txtFinElev", "100"}, {"txtTopSoil", "0.5"}, {"txtSubElev", "98"}})
+        QTest::keyClicks(d.findChild<QLineEdit*>(name), text);
+      auto add = [&d](const char* list, const char* width, const QString& slope) {
+        auto* w = d.findChild<QLineEdit*>(QString("txt%1Width").arg(list));
+        w->clear();
+        QTest::keyClicks(w, width);
+        d.findChild<QComboBox*>(QString("cmb%1Slope").arg(list))->setEditText(slope);
+        QTest::mouseClick(d.findChild<QPushButton*>(QString("btn%1Add").arg(list)), Qt::LeftButton);
+      };
+      add("Fin", "12", "-0.02");
+      add("Fin", "4", "-0.02");
+      add("Sub", "14", "-0.02");
+      // Pick the second finished segment and make it 1:4.
+      d.findChild<QListWidget*>("lstFin")->setCurrentRow(1);
+      QVERIFY(d.findChild<QPushButton*>("btnFinChange")->isEnabled());
+      d.findChild<QComboBox*>("cmbFinSlope")->setCurrentText("1:4");
+      QTest::mouseClick(d.findChild<QPushButton*>("btnFinChange"), Qt::LeftButton);
+      QCOMPARE(d.findChild<QListWidget*>("lstFin")->item(1)->text(), QString("  2      -0.250       4.000"));
+      QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
+      result = d.findChild<QLabel*>("lblResults")->text();
+    };
+    program.form<frmMain>("frmMain").click("mnuMgrade");
+    QCOMPARE(result, QString("Computed Grading P.I.   Elev: 97.673   Offset: 18.348"));
+    QVERIFY(reportLines > 15);
   }
 };
 

@@ -12,6 +12,7 @@
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
 #include "hcurve/frm_horz_curve.h"
+#include "grading/frm_grade.h"
 #include "points/readers.h"
 #include "proportion/frm_prop.h"
 #include "vcurve/frm_vert_curve.h"
@@ -62,6 +63,18 @@ void fillExamples(Program& program) {
                                      {"txtEndStation", "13+10"}, {"txtIncrement", "50"}, {"txtProfile1", "-0.5"}})
     vertical.typeText(field, value);
   vertical.click("btnCalculate");
+
+  // The worked cross-section; Calculate fills its report preview.
+  auto& grade = program.form<frmGrade>("frmGrade");
+  for (const auto& [field, value] : {std::pair{"txtSta", "125+50"}, {"txtFinElev", "100"}, {"txtTopSoil", "0.5"},
+                                     {"txtSubElev", "98"}})
+    grade.typeText(field, value);
+  for (const auto& [list, width, slope] : {std::tuple{"Fin", "12", "-0.02"}, {"Fin", "4", "1:4"}, {"Sub", "14", "-0.02"}}) {
+    grade.typeText(std::string("txt") + list + "Width", width);
+    grade.typeText(std::string("cmb") + list + "Slope", slope);
+    grade.click(std::string("btn") + list + "Add");
+  }
+  grade.click("btnCalculate");
 
   // The worked proportion across an equation; Calculate fills the preview.
   auto& proportion = program.form<frmProp>("frmProp");

@@ -1,0 +1,103 @@
+#include "grading/grade_view.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "app/qt/form_dialog.h"
+
+namespace tervalo {
+namespace {
+
+class GradeView : public FormDialog {
+ public:
+  GradeView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* outer = new QVBoxLayout(this);
+    auto* top = new QGridLayout;
+    int r = 0;
+    auto row = [&](const char* caption, const char* field) {
+      QLabel* l = label(caption);
+      QLineEdit* e = edit(field);
+      l->setBuddy(e);
+      top->addWidget(l, r, 0);
+      top->addWidget(e, r++, 1);
+    };
+    row("lblSta", "txtSta");
+    auto* side = new QHBoxLayout;
+    side->addWidget(option("optLeft"));
+    side->addWidget(option("optRight"));
+    side->addStretch();
+    top->addLayout(side, r++, 1);
+    row("lblFinElev", "txtFinElev");
+    row("lblTopSoil", "txtTopSoil");
+    row("lblSubElev", "txtSubElev");
+    row("lblSubThick", "txtSubThick");
+    QLabel* note = label("lblNote");
+    note->setWordWrap(true);
+    top->addWidget(note, r++, 0, 1, 2);
+    outer->addLayout(top);
+
+    auto* lists = new QHBoxLayout;
+    for (const std::string stem : {"Fin", "Sub"}) lists->addWidget(segmentFrame(stem));
+    outer->addLayout(lists);
+
+    QLabel* results = label("lblResults");
+    results->setFont(fixedPitchFont());
+    results->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    outer->addWidget(results);
+    auto* buttons = new QHBoxLayout;
+    QPushButton* calculate = button("btnCalculate");
+    calculate->setDefault(true);
+    buttons->addWidget(calculate);
+    buttons->addWidget(button("btnClear"));
+    buttons->addStretch();
+    buttons->addWidget(button("btnReturn"));
+    outer->addLayout(buttons);
+    bind();
+  }
+
+ private:
+  // A segment list: width and slope to add, the segments entered (pick one
+  // to change or delete it).
+  QGroupBox* segmentFrame(const std::string& stem) {
+    auto name = [&stem](const char* prefix, const char* suffix = "") { return std::string(prefix) + stem + suffix; };
+    QGroupBox* box = frame(name("frame").c_str());
+    auto* grid = new QGridLayout(box);
+    QLabel* width = label(name("lbl", "Width").c_str(), box);
+    QLineEdit* widthField = edit(name("txt", "Width").c_str(), box);
+    width->setBuddy(widthField);
+    QLabel* slope = label(name("lbl", "Slope").c_str(), box);
+    QComboBox* slopeField = combo(name("cmb", "Slope").c_str(), true, box);
+    slope->setBuddy(slopeField);
+    grid->addWidget(width, 0, 0);
+    grid->addWidget(widthField, 0, 1);
+    grid->addWidget(slope, 1, 0);
+    grid->addWidget(slopeField, 1, 1);
+    grid->addWidget(button(name("btn", "Add").c_str(), box), 0, 2, 2, 1);
+    auto* heading = new QLabel("  #       Slope       Width", box);
+    heading->setFont(fixedPitchFont());
+    grid->addWidget(heading, 2, 0, 1, 3);
+    QListWidget* segments = list(name("lst").c_str(), true, box);
+    segments->setMinimumSize(QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(30, 'M')), 190);
+    grid->addWidget(segments, 3, 0, 1, 3);
+    auto* edits = new QHBoxLayout;
+    edits->addWidget(button(name("btn", "Change").c_str(), box));
+    edits->addWidget(button(name("btn", "Delete").c_str(), box));
+    edits->addWidget(button(name("btn", "ClearList").c_str(), box));
+    grid->addLayout(edits, 4, 0, 1, 3);
+    return box;
+  }
+};
+
+}  // namespace
+
+QDialog* makeGradeView(FormModel& m, QtShell& s, QWidget* p) { return new GradeView(m, s, p); }
+
+}  // namespace tervalo
