@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/controls.h"
+#include "app/job.h"
 
 namespace tervalo {
 
@@ -42,6 +43,10 @@ class FormModel {
   // Picking a row of a list (its click event).
   void selectItem(std::string_view control, int row);
   void setChecked(std::string_view control, bool checked);
+
+  // What a recovery job needs beyond the window's fields to give its state
+  // back (the segments of a list built with Add, say), as job steps.
+  virtual std::vector<JobStep> recoverySteps() const { return {}; }
 
   // Open while shown; a model closes itself with unload() (Return).
   bool isOpen() const { return open_; }

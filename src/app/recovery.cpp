@@ -29,6 +29,12 @@ nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, con
     // The section form is reached from the main window's Continue.
     if (form->name() == "frmMain" && calculator == "secsub" && openForms.size() > 1) step["click"] = "btnContinue";
     steps.push_back(std::move(step));
+    for (const JobStep& extra : form->recoverySteps()) {
+      Json more{{"form", form->name()}, {"set", Json::object()}, {"click", extra.click}};
+      for (const auto& [name, value] : extra.set)
+        std::visit([&](const auto& v) { more["set"][name] = v; }, value);
+      steps.push_back(std::move(more));
+    }
   }
   return Json{{"calculator", calculator}, {"steps", std::move(steps)}};
 }

@@ -147,6 +147,23 @@ void frmGrade::btnCalculate_Click() {
   shell().showModal(output);
 }
 
+std::vector<JobStep> frmGrade::recoverySteps() const {
+  std::vector<JobStep> steps;
+  for (const auto& [list, stem] : {std::pair{&fin, "Fin"}, std::pair{&sub, "Sub"}})
+    for (const Segment& s : list->segments) {
+      JobStep step;
+      step.set = {{std::string("txt") + stem + "Width", CStr(s.width)}, {std::string("cmb") + stem + "Slope", CStr(s.slope)}};
+      step.click = {std::string("btn") + stem + "Add"};
+      steps.push_back(step);
+    }
+  // The fields as they were, after the segments went through them.
+  JobStep fields;
+  fields.set = {{"txtFinWidth", fin.width.text}, {"cmbFinSlope", fin.slope.text},
+                {"txtSubWidth", sub.width.text}, {"cmbSubSlope", sub.slope.text}};
+  steps.push_back(fields);
+  return steps;
+}
+
 void frmGrade::btnClear_Click() {
   for (TextBox* box : {&txtSta, &txtFinElev, &txtTopSoil, &txtSubElev, &txtSubThick, &fin.width, &sub.width})
     box->text.clear();

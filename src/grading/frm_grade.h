@@ -54,6 +54,9 @@ class frmGrade : public FormModel {
   void btnCalculate_Click();
   void btnClear_Click();
 
+  // The segments, added again one by one.
+  std::vector<JobStep> recoverySteps() const override;
+
   // The slopes of the outermost segments, as the calculation uses them.
   double lastFinSlope = 0, lastSubSlope = 0;
 

@@ -185,3 +185,23 @@ TEST_F(GradeForm, ValuesBelowOneHaveNoLeadingZero) {
 
 }  // namespace
 }  // namespace tervalo
+
+#include "app/recovery.h"
+#include "app/runner.h"
+
+namespace tervalo {
+namespace {
+
+TEST_F(GradeForm, ARecoveryJobGivesTheSegmentsBack) {
+  form.selectItem("lstSub", 0);
+  const auto job = recoveryJob({&program.form("frmMain"), &form}, allForms());
+  const RunOutcome outcome = runJob(parseJob(job.dump(), allForms()), RunOptions{dir.folder(), {}}, allForms());
+  const auto& controls = outcome.result["forms"]["frmGrade"]["controls"];
+  EXPECT_EQ(controls["lstFin"]["items"], nlohmann::ordered_json(form.fin.list.items));
+  EXPECT_EQ(controls["lstSub"]["items"], nlohmann::ordered_json(form.sub.list.items));
+  EXPECT_EQ(controls["txtFinElev"]["text"], "100");
+  EXPECT_EQ(controls["cmbFinSlope"]["text"], form.fin.slope.text);
+}
+
+}  // namespace
+}  // namespace tervalo

@@ -261,6 +261,30 @@ class ShellWindows : public QObject {
     offerRecovery(*program, *shell, window);  // offered once only
     QCOMPARE(shell->boxes.size(), asked);
   }
+
+  void aCalculatorsInputsComeBackAfterAProgramEnd() {
+    {
+      MainWindow window(*program, *shell);
+      shell->setMainWindow(&window, program->form("frmMain"));
+      shell->inDialog = [](QDialog& d) {
+        QTest::keyClicks(d.findChild<QLineEdit*>("txtDelta"), "180");
+        QTest::keyClicks(d.findChild<QLineEdit*>("txtRadius"), "1000");
+        QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
+      };
+      window.binder().run([&] { program->form("frmMain").click("mnuChorz"); });
+      QCOMPARE(shell->boxes.back().text, std::string("Invalid delta angle."));
+      QCOMPARE(shell->endedWith, std::optional<int>(3));
+    }
+    fresh();
+    MainWindow window(*program, *shell);
+    program->form("frmMain").setOpen(true);
+    shell->setMainWindow(&window, program->form("frmMain"));
+    QString delta;
+    shell->inDialog = [&](QDialog& d) { delta = d.findChild<QLineEdit*>("txtDelta")->text(); };
+    offerRecovery(*program, *shell, window);
+    QCOMPARE(shell->boxes.back().text, std::string("Tervalo ended while you were working. Reopen Horizontal Curve with the values you had typed?"));
+    QCOMPARE(delta, QString("180"));
+  }
 };
 
 }  // namespace

@@ -72,28 +72,36 @@ void QtShell::endProgram() {
 }
 
 void QtShell::showModal(FormModel& form) {
-  QDialog* view = makeView(form, activeWindow());
-  if (!view) return;
+  if (!hasView(form.name())) return;
   form.setOpen(true);
   open_.push_back(&form);
+  QDialog* view = nullptr;
   struct Close {
     QtShell& shell;
     FormModel& form;
-    QDialog* view;
+    QDialog*& view;
     ~Close() {
       shell.open_.pop_back();
       form.setOpen(false);
       delete view;
     }
   } close{*this, form, view};
+  // Steps being replayed go in first, so the window opens showing them.
   playPending(form);
-  if (form.isOpen() && !unattended) runDialog(*view);
+  if (!form.isOpen() || unattended) return;
+  view = makeView(form, activeWindow());
+  runDialog(*view);
 }
 
 void QtShell::replay(const Job& job) {
   pending_.assign(job.steps.begin(), job.steps.end());
   FormModel& main = *open_.front();
-  main.click(program_->registry().calculatorByJob(job.calculator)->menu);
+  const CalculatorInfo* calculator = program_->registry().calculatorByJob(job.calculator);
+  // A calculator window opens modally from its menu entry: the main window's
+  // fields come back first. Section subdivision's entry resets the main
+  // window's names, so its fields come back after it.
+  if (calculator->openFromMenu) playPending(main);
+  main.click(calculator->menu);
   playPending(main);
   pending_.clear();
 }
