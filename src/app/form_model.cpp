@@ -60,6 +60,13 @@ void FormModel::click(std::string_view control) {
   if (auto* e = findEntry(control)) runEvent(e->onClick);
 }
 
+void FormModel::browseForOutput(TextBox& field) {
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text);
+  if (!chosen || chosen->empty()) return;
+  program_.outputFileName = *chosen;
+  field.text = *chosen;
+}
+
 void FormModel::setText(TextBox& box, const std::string& text) {
   if (box.text == text) return;
   box.text = text;

@@ -72,6 +72,10 @@ class FormModel {
   // differs, as in the window.
   void setText(TextBox& box, const std::string& text);
 
+  // Browse for an output file: the chosen name goes into `field` and
+  // becomes the program's output name; a cancelled dialog changes nothing.
+  void browseForOutput(TextBox& field);
+
   // Runs an event handler inside the fault wrapper: a ProgramFault becomes
   // its message box and the program's end.
   void runEvent(const std::function<void()>& handler);

@@ -104,12 +104,7 @@ frmOutput::frmOutput(Program& program, std::string name, std::string windowCapti
   add("btnReturn", btnReturn).click([this] { unload(); });
 }
 
-void frmOutput::btnOut_Click() {
-  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", txtOut.text);
-  if (!chosen || chosen->empty()) return;
-  program().outputFileName = *chosen;
-  txtOut.text = *chosen;
-}
+void frmOutput::btnOut_Click() { browseForOutput(txtOut); }
 
 void frmOutput::btnOutput_Click() {
   program().outputFileName = txtOut.text;

@@ -52,14 +52,7 @@ class GradeView : public FormDialog {
     results->setFont(fixedPitchFont());
     results->setTextInteractionFlags(Qt::TextSelectableByMouse);
     outer->addWidget(results);
-    auto* buttons = new QHBoxLayout;
-    QPushButton* calculate = button("btnCalculate");
-    calculate->setDefault(true);
-    buttons->addWidget(calculate);
-    buttons->addWidget(button("btnClear"));
-    buttons->addStretch();
-    buttons->addWidget(button("btnReturn"));
-    outer->addLayout(buttons);
+    outer->addLayout(commandRow("btnCalculate"));
     bind();
   }
 

@@ -50,12 +50,7 @@ frmHorzCurve::frmHorzCurve(Program& program) : FormModel(program, "frmHorzCurve"
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("lblOut", lblOut);
   add("txtOut", txtOut);
-  add("btnOut", btnOut).click([this] {
-    const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", txtOut.text);
-    if (!chosen || chosen->empty()) return;
-    this->program().outputFileName = *chosen;
-    txtOut.text = *chosen;
-  });
+  add("btnOut", btnOut).click([this] { browseForOutput(txtOut); });
   add("btnOutput", btnOutput).click([this] { createHoutFile(); });
 }
 

@@ -83,24 +83,8 @@ class HorzCurveView : public FormDialog {
     top->addWidget(results);
     outer->addLayout(top);
 
-    auto* buttons = new QHBoxLayout;
-    QPushButton* calculate = button("btnCalculate");
-    calculate->setDefault(true);
-    buttons->addWidget(calculate);
-    buttons->addWidget(button("btnClear"));
-    buttons->addStretch();
-    buttons->addWidget(button("btnReturn"));
-    outer->addLayout(buttons);
-
-    auto* file = new QHBoxLayout;
-    QLabel* caption = label("lblOut");
-    QLineEdit* name = edit("txtOut");
-    caption->setBuddy(name);
-    file->addWidget(caption);
-    file->addWidget(name, 1);
-    file->addWidget(button("btnOut"));
-    file->addWidget(button("btnOutput"));
-    outer->addLayout(file);
+    outer->addLayout(commandRow("btnCalculate"));
+    outer->addLayout(outputFileRow(false));
     bind();
   }
 };

@@ -56,13 +56,7 @@ class PropView : public FormDialog {
     outer->addWidget(value);
 
     QGroupBox* compute = frame("frmCompute");
-    auto* buttons = new QHBoxLayout(compute);
-    QPushButton* calculate = button("btnCalc", compute);
-    calculate->setDefault(true);
-    buttons->addWidget(calculate);
-    buttons->addWidget(button("btnClear", compute));
-    buttons->addStretch();
-    buttons->addWidget(button("btnReturn", compute));
+    compute->setLayout(commandRow("btnCalc", compute));
     outer->addWidget(compute);
     bind();
   }

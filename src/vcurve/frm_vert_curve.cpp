@@ -28,10 +28,7 @@ frmVCResults::frmVCResults(Program& program) : FormModel(program, "frmVCResults"
   add("lstResults", lstResults);
   add("lblOut", lblOut);
   add("txtOut", txtOut);
-  add("btnOut", btnOut).click([this] {
-    const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", txtOut.text);
-    if (chosen && !chosen->empty()) txtOut.text = *chosen;
-  });
+  add("btnOut", btnOut).click([this] { browseForOutput(txtOut); });
   add("btnOutput", btnOutput).click([this] { createVoutFile(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
 }

@@ -59,14 +59,7 @@ class VertCurveView : public FormDialog {
     QGroupBox* units = frame("frameUnits");
     (new QHBoxLayout(units))->addWidget(check("chkMetric", units));
     grid->addWidget(units, r++, 0, 1, 2);
-    auto* buttons = new QHBoxLayout;
-    QPushButton* calculate = button("btnCalculate");
-    calculate->setDefault(true);
-    buttons->addWidget(calculate);
-    buttons->addWidget(button("btnClear"));
-    buttons->addStretch();
-    buttons->addWidget(button("btnReturn"));
-    grid->addLayout(buttons, r, 0, 1, 3);
+    grid->addLayout(commandRow("btnCalculate"), r, 0, 1, 3);
     bind();
   }
 };
@@ -98,16 +91,7 @@ class VCResultsView : public FormDialog {
     QListWidget* results = list("lstResults", true);
     results->setMinimumSize(QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(66, 'M')), 300);
     outer->addWidget(results, 1);
-    auto* file = new QHBoxLayout;
-    QLabel* caption = label("lblOut");
-    QLineEdit* name = edit("txtOut");
-    caption->setBuddy(name);
-    file->addWidget(caption);
-    file->addWidget(name, 1);
-    file->addWidget(button("btnOut"));
-    file->addWidget(button("btnOutput"));
-    file->addWidget(button("btnReturn"));
-    outer->addLayout(file);
+    outer->addLayout(outputFileRow(true));
     bind();
   }
 };

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QFontDatabase>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -75,5 +76,29 @@ QListWidget* FormDialog::list(const char* name, bool fixedPitch, QWidget* parent
   return l;
 }
 QGroupBox* FormDialog::frame(const char* name, QWidget* parent) { return named<QGroupBox>(name, parent, this); }
+
+QLayout* FormDialog::outputFileRow(bool withReturn) {
+  auto* row = new QHBoxLayout;
+  QLabel* caption = label("lblOut");
+  QLineEdit* name = edit("txtOut");
+  caption->setBuddy(name);
+  row->addWidget(caption);
+  row->addWidget(name, 1);
+  row->addWidget(button("btnOut"));
+  row->addWidget(button("btnOutput"));
+  if (withReturn) row->addWidget(button("btnReturn"));
+  return row;
+}
+
+QLayout* FormDialog::commandRow(const char* calculate, QWidget* parent) {
+  auto* row = new QHBoxLayout;
+  QPushButton* go = button(calculate, parent);
+  go->setDefault(true);
+  row->addWidget(go);
+  row->addWidget(button("btnClear", parent));
+  row->addStretch();
+  row->addWidget(button("btnReturn", parent));
+  return row;
+}
 
 }  // namespace tervalo

@@ -10,6 +10,7 @@
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
+class QLayout;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -40,6 +41,12 @@ class FormDialog : public QDialog {
   QComboBox* combo(const char* name, bool editable, QWidget* parent = nullptr);
   QListWidget* list(const char* name, bool fixedPitch, QWidget* parent = nullptr);
   QGroupBox* frame(const char* name, QWidget* parent = nullptr);
+
+  // The output file row: "Output file:" lblOut, txtOut, Browse btnOut, Save
+  // btnOutput, and btnReturn when the window has it there.
+  QLayout* outputFileRow(bool withReturn);
+  // Calculate (the default button), Clear, and Return at the far end.
+  QLayout* commandRow(const char* calculate, QWidget* parent = nullptr);
 
   void closeEvent(QCloseEvent* event) override;
 

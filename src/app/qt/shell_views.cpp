@@ -116,16 +116,7 @@ class OutputView : public FormDialog {
     QListWidget* lines = list("lstOutput", true);
     lines->setMinimumSize(QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(82, 'M')), 360);
     layout->addWidget(lines);
-    auto* row = new QHBoxLayout;
-    QLabel* caption = label("lblOut");
-    QLineEdit* file = edit("txtOut");
-    caption->setBuddy(file);
-    row->addWidget(caption);
-    row->addWidget(file, 1);
-    row->addWidget(button("btnOut"));
-    row->addWidget(button("btnOutput"));
-    row->addWidget(button("btnReturn"));
-    layout->addLayout(row);
+    layout->addLayout(outputFileRow(true));
     bind();
   }
 };
