@@ -45,6 +45,12 @@ void FormModel::runEvent(const std::function<void()>& handler) {
   } catch (const ProgramFault& fault) {
     shell().msgBox(fault.title(), fault.what(), Icon::Critical, Buttons::Ok);
     shell().endProgram();
+  } catch (const ProgramEnd&) {
+    throw;
+  } catch (const std::exception& e) {
+    // Anything else is a fault of this program: said plainly, never a crash.
+    shell().msgBox("Run-time Error", std::string("Internal error: ") + e.what(), Icon::Critical, Buttons::Ok);
+    shell().endProgram();
   }
 }
 

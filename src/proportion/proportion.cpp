@@ -121,7 +121,9 @@ ProportionResult processData(ProportionInput in) {
       // The first whole-unit multiple of the increment at or after OUT.
       x = std::nearbyint(x);
       const long step = toLong(in.increment);
-      while (toLong(x) % step != 0) x += 1;
+      // Up by whole units to the next multiple, in one step rather than one unit at a time.
+      const long remainder = toLong(x) % step;
+      if (remainder != 0) x += static_cast<double>(remainder > 0 ? step - remainder : -remainder);
     } else {
       x += overshoot;  // the increment's spacing carried across the equation
     }

@@ -1,5 +1,7 @@
 #include "vcurve/listing.h"
 
+#include <cmath>
+
 #include "text/format.h"
 #include "text/justify.h"
 #include "text/number.h"
@@ -106,7 +108,11 @@ class Walk {
     c_.turningStation += shift;
     replaced_ = false;
     last_ = out;
-    while (x < out) x += in_.increment;
+    // By the increment up to OUT; a gap of millions of increments is crossed at once.
+    if ((out - x) / in_.increment > 1e6)
+      x += std::ceil((out - x) / in_.increment) * in_.increment;
+    else
+      while (x < out) x += in_.increment;
     return x;
   }
 

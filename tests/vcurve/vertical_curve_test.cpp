@@ -164,6 +164,14 @@ TEST_F(Listings, SpecialsThatCoincide) {
   for (const auto& line : p.lines) EXPECT_NE(line.rfind("    8+00.000", 0), 0u) << line;
 }
 
+TEST_F(Listings, HugeRangesAndTinyIncrementsStillEnd) {
+  ListingInput in = range(0, 2e9, 0.001);
+  in.equation = std::pair{0.5, 1e9};
+  const Listing l = processVincrements(sag, in);
+  EXPECT_TRUE(l.cut);
+  EXPECT_EQ(l.lines.size(), kMaxListedStations);
+}
+
 TEST(ListLines, LayoutMasksAndProfiles) {
   EXPECT_EQ(addItemTstr("+45.000", "T", ".500", {}), "     +45.000  T        .500  ");
   EXPECT_EQ(addItemTstr("10+00.000", "PVC", "12345.678", {}), "   10+00.000  PVC  12345.67  ");
