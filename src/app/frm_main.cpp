@@ -67,8 +67,12 @@ void frmMain::btnContinue_Click() {
 void frmMain::btnInFile_Click() {
   const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtInFile.text);
   if (!chosen || chosen->empty()) return;
-  txtInFile.text = *chosen;
-  program().inputFileName = *chosen;
+  useSourceFile(*chosen);
+}
+
+void frmMain::useSourceFile(const std::string& file) {
+  txtInFile.text = file;
+  program().inputFileName = file;
   readInputFile();
 }
 
@@ -86,11 +90,7 @@ void frmMain::mnuSecSub_Click() {
 void frmMain::dropFiles(const std::string& control, const std::vector<std::string>& files) {
   if (files.empty()) return;
   if (control == "txtInFile") {
-    runEvent([&] {
-      txtInFile.text = files.front();
-      program().inputFileName = files.front();
-      readInputFile();
-    });
+    runEvent([&] { useSourceFile(files.front()); });
   } else if (control == "txtOutInp") {
     txtOutInp.text = files.front();
   } else if (control == "txtReport") {

@@ -45,6 +45,8 @@ class frmMain : public FormModel {
 
  private:
   void readInputFile();
+  // A file named by Browse or a drop: it becomes the source and is read at once.
+  void useSourceFile(const std::string& file);
   void chooseOutput(TextBox& field);
   void enableMenus();
 };

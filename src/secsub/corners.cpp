@@ -53,6 +53,10 @@ PlanePoint computeCtr(PlanePoint n, PlanePoint s, PlanePoint w, PlanePoint e) {
   return p;
 }
 
+PlanePoint sectionCenter(const SectionRecord& r) {
+  return computeCtr(at(r, slot::N4), at(r, slot::S4), at(r, slot::W4), at(r, slot::E4));
+}
+
 PlanePoint proportion(PlanePoint near, PlanePoint far, double chains) {
   // 20 times the difference first, then the division, X before Y.
   return {near.x + divide((far.x - near.x) * 20.0, chains, "a record half-mile of 0 chains"),

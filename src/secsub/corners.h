@@ -24,6 +24,9 @@ struct PlanePoint {
 // north-south or east-west line (dx exactly 0) takes dx = 1e-9.
 PlanePoint computeCtr(PlanePoint north, PlanePoint south, PlanePoint west, PlanePoint east);
 
+// The section center: where the N 1/4–S 1/4 line meets the W 1/4–E 1/4 line.
+PlanePoint sectionCenter(const SectionRecord& record);
+
 // The point 20 chains from `near` toward `far` on a half-mile of record
 // length `chains`, proportioned to the measured line.
 PlanePoint proportion(PlanePoint near, PlanePoint far, double chains);

@@ -350,10 +350,7 @@ void frmSecSub::Main() {
   computed = {};
   const CornerPresence& p = record.present;
   if (p.n4 && p.s4 && p.w4 && p.e4 && slots[slot::C].xc.text.empty()) {
-    const PlanePoint center = computeCtr({record.slots[slot::N4].x, record.slots[slot::N4].y},
-                                         {record.slots[slot::S4].x, record.slots[slot::S4].y},
-                                         {record.slots[slot::W4].x, record.slots[slot::W4].y},
-                                         {record.slots[slot::E4].x, record.slots[slot::E4].y});
+    const PlanePoint center = sectionCenter(record);
     record.slots[slot::C].x = center.x;
     record.slots[slot::C].y = center.y;
     writeSlotFields(slot::C);

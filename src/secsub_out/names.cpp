@@ -30,7 +30,7 @@ Neighbours neighbours(int s, int T, int R) {
 
 std::string rangeCode(int range) { return CStr(range < 0 ? range + 100 : range); }
 
-// Which section a position is named after.
+// Which section a position is named after (in the order of the parts table below).
 enum class Owner { Own, West, South, SouthWest };
 
 struct Plain {
@@ -85,30 +85,22 @@ CornerNaming setDescriptions(std::int16_t s, std::int16_t T, std::int16_t R, con
   // An east range prints with its minus sign (05-115--5): kept as it always was.
   const std::string r = CStr(R);
 
+  // Section, township, and the range as descriptions and as names write it, by owner.
+  struct Parts {
+    std::string section, township, descriptionRange, nameRange;
+  };
+  const Parts parts[] = {{own, t, r, ownRangeCode},
+                         {west, t, westRangeText, westRangeCode},
+                         {south, southT, r, ownRangeCode},
+                         {southWest, southT, westRangeText, westRangeCode}};
+
   CornerNaming naming;
   for (int pos = 0; pos < 25; ++pos) {
     const Plain& p = kPlain[pos];
-    std::string description, name;
-    switch (p.owner) {
-      case Owner::Own:
-        description = own + "-" + t + "-" + r;
-        name = own + t + ownRangeCode;
-        break;
-      case Owner::West:
-        description = west + "-" + t + "-" + westRangeText;
-        name = west + t + westRangeCode;
-        break;
-      case Owner::South:
-        description = south + "-" + southT + "-" + r;
-        name = south + southT + ownRangeCode;
-        break;
-      case Owner::SouthWest:
-        description = southWest + "-" + southT + "-" + westRangeText;
-        name = southWest + southT + westRangeCode;
-        break;
-    }
-    naming.descriptions[static_cast<std::size_t>(pos)] = p.label + description;
-    naming.pointNames[static_cast<std::size_t>(pos)] = p.code + name;
+    const Parts& of = parts[static_cast<int>(p.owner)];
+    naming.descriptions[static_cast<std::size_t>(pos)] =
+        p.label + of.section + "-" + of.township + "-" + of.descriptionRange;
+    naming.pointNames[static_cast<std::size_t>(pos)] = p.code + of.section + of.township + of.nameRange;
   }
 
   const bool north = visibilityState(boxes.chk1) == 1;

@@ -29,8 +29,7 @@ SectionRecord squareSection() {
 ChainTexts allTwenty() { return {"20", "20", "20", "20", "20", "20", "20", "20"}; }
 
 void computeCenter(SectionRecord& r) {
-  auto at = [&](int s) { return PlanePoint{r.slots[static_cast<std::size_t>(s)].x, r.slots[static_cast<std::size_t>(s)].y}; };
-  const PlanePoint c = computeCtr(at(2), at(22), at(10), at(14));
+  const PlanePoint c = sectionCenter(r);
   r.slots[12].x = c.x;
   r.slots[12].y = c.y;
 }
