@@ -11,6 +11,7 @@
 #include "app/program.h"
 #include "app/runner.h"
 #include "support/temp_dir.h"
+#include "support/test_names.h"
 
 namespace tervalo {
 namespace {
@@ -38,7 +39,7 @@ struct GoldenCase {
 
 class Golden : public ::testing::TestWithParam<GoldenCase> {};
 
-TEST_P(Golden, OutputFilesByteForByte) {
+TEST_P(Golden, Files) {
   const GoldenCase& c = GetParam();
   TempDir dir;
   const Job job = parseJob(jobText(c.job), allForms());
@@ -64,7 +65,8 @@ INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
                                            GoldenCase{"vcurve-metric-crest", {"outVfile.txt"}},
                                            GoldenCase{"proportion-english", {"Proportion.txt"}},
                                            GoldenCase{"proportion-metric", {"Proportion.txt"}},
-                                           GoldenCase{"grading-left", {"GrWidth.txt"}}));
+                                           GoldenCase{"grading-left", {"GrWidth.txt"}}),
+                         [](const auto& info) { return testing::readableName(info.param.job); });
 
 TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   TempDir dir;

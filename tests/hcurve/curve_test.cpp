@@ -123,7 +123,8 @@ TEST_P(RoundTrip, EveryAcceptedPairSolvesToTheSameCurve) {
   EXPECT_EQ(solved, chord ? 20 : 21);
 }
 
-INSTANTIATE_TEST_SUITE_P(ArcAndChord, RoundTrip, ::testing::Values(false, true));
+INSTANTIATE_TEST_SUITE_P(ArcAndChord, RoundTrip, ::testing::Values(false, true),
+                         [](const auto& info) { return std::string(info.param ? "chord" : "arc"); });
 
 TEST(Stations, FromPiPcOrPt) {
   const CurveStations fromPi = placeStations(1000, GivenPoint::PI, 267.949, 523.599);

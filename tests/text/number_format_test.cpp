@@ -5,6 +5,7 @@
 #include "text/errors.h"
 #include "text/format.h"
 #include "text/number.h"
+#include "support/test_names.h"
 
 namespace tervalo {
 namespace {
@@ -17,6 +18,13 @@ struct FormatCase {
 
 class FormatTable : public ::testing::TestWithParam<FormatCase> {};
 
+std::string caseName(const ::testing::TestParamInfo<FormatCase>& info) {
+  // A mask's optional digits as "h": 1255.65 by ####+##.0000 is 1255_65_by_hhhhplushh_0000.
+  std::string mask = info.param.mask;
+  for (char& c : mask) c = c == '#' ? 'h' : c;
+  return testing::readableName(CStr(info.param.value)) + "_by_" + testing::readableName(mask);
+}
+
 TEST_P(FormatTable, LaysOutTheDigits) {
   const auto& c = GetParam();
   EXPECT_EQ(Format(c.value, c.mask), c.expected) << c.value << " with " << c.mask;
@@ -28,13 +36,15 @@ INSTANTIATE_TEST_SUITE_P(HalfAwayFromZeroOnFifteenDigits, FormatTable,
                          ::testing::Values(FormatCase{0.075, "#.00", ".08"}, FormatCase{1.005, "0.00", "1.01"},
                                            FormatCase{2.675, "0.00", "2.68"}, FormatCase{8.885, "0.00", "8.89"},
                                            FormatCase{-1.005, "0.00", "-1.01"}, FormatCase{0.0005, "0.000", "0.001"},
-                                           FormatCase{0.00049, "0.000", "0.000"}));
+                                           FormatCase{0.00049, "0.000", "0.000"}),
+    caseName);
 
 INSTANTIATE_TEST_SUITE_P(Carries, FormatTable,
                          ::testing::Values(FormatCase{9.99995, "0.0000", "10.0000"},
                                            FormatCase{99.9996, "#0.000", "100.000"},
                                            FormatCase{59.996, "00.00", "60.00"},
-                                           FormatCase{0.9996, "#.000", "1.000"}));
+                                           FormatCase{0.9996, "#.000", "1.000"}),
+    caseName);
 
 INSTANTIATE_TEST_SUITE_P(
     Coordinates, FormatTable,
@@ -43,7 +53,8 @@ INSTANTIATE_TEST_SUITE_P(
                       FormatCase{512340.218, "#######0.0000", "512340.2180"},
                       FormatCase{0.25, "#######0.0000", "0.2500"},
                       FormatCase{123456789.5, "#######0.0000", "123456789.5000"},  // wider than the mask
-                      FormatCase{123456.78901, "#0.0000", "123456.7890"}, FormatCase{12.58222222, "0.0000000", "12.5822222"}));
+                      FormatCase{123456.78901, "#0.0000", "123456.7890"}, FormatCase{12.58222222, "0.0000000", "12.5822222"}),
+    caseName);
 
 INSTANTIATE_TEST_SUITE_P(
     StationMasks, FormatTable,
@@ -52,7 +63,8 @@ INSTANTIATE_TEST_SUITE_P(
                       FormatCase{1234.567, "####+###.000", "1+234.567"}, FormatCase{12345678, "####+##.000", "123456+78.000"},
                       FormatCase{45, "###+00.000", "+45.000"}, FormatCase{5, "###+00.000", "+05.000"},
                       FormatCase{1230, "###+00.000", "12+30.000"}, FormatCase{45, "###+000.000", "+045.000"},
-                      FormatCase{-45, "####+##.000", "-+45.000"}));
+                      FormatCase{-45, "####+##.000", "-+45.000"}),
+    caseName);
 
 INSTANTIATE_TEST_SUITE_P(
     FractionsAndForcedDigits, FormatTable,
@@ -62,7 +74,8 @@ INSTANTIATE_TEST_SUITE_P(
                       FormatCase{123.4, "0#.000", "123.400"}, FormatCase{5, "00", "05"}, FormatCase{123, "00", "123"},
                       FormatCase{7.5, "00.00", "07.50"}, FormatCase{12345.678, "####.000", "12345.678"},
                       FormatCase{102, "#####.000", "102.000"}, FormatCase{12345.678, "######.000", "12345.678"},
-                      FormatCase{400, "0.000", "400.000"}, FormatCase{0.4, "0.000", "0.400"}));
+                      FormatCase{400, "0.000", "400.000"}, FormatCase{0.4, "0.000", "0.400"}),
+    caseName);
 
 TEST(Val, ReadsLikeTheClassicFieldReader) {
   EXPECT_EQ(Val(" 2 45 7"), 2457);

@@ -64,7 +64,12 @@ TEST_P(CrestAndSag, ElevationsFollowTheParabolaWhicheverPointIsKnown) {
 INSTANTIATE_TEST_SUITE_P(KnownPoints, CrestAndSag,
                          ::testing::Values(CurveCase{0.035, -0.015, KnownPoint::PVI}, CurveCase{0.035, -0.015, KnownPoint::PVC},
                                            CurveCase{0.035, -0.015, KnownPoint::PVT}, CurveCase{-0.04, 0.01, KnownPoint::PVI},
-                                           CurveCase{-0.04, 0.01, KnownPoint::PVC}, CurveCase{-0.04, 0.01, KnownPoint::PVT}));
+                                           CurveCase{-0.04, 0.01, KnownPoint::PVC}, CurveCase{-0.04, 0.01, KnownPoint::PVT}),
+                         [](const auto& info) {
+                           const auto& c = info.param;
+                           return std::string(c.g1 > 0 ? "crest" : "sag") + "_known_" +
+                                  (c.known == KnownPoint::PVI ? "PVI" : c.known == KnownPoint::PVC ? "PVC" : "PVT");
+                         });
 
 TEST(VerticalCurve, EqualGradesHaveNoTurningPoint) {
   VerticalCurve c = makeCurve(0.02, 0.02, 400, KnownPoint::PVI, 1000, 100);
