@@ -185,7 +185,8 @@ void frmVertCurve::readInput() {
 
   results.txtOut.text = program().userAppData + "outVfile.txt";
   results.lstResults.items.clear();
-  if (increments && listing.start < listing.end) {
+  // After "End station is not larger than start station." the listing is made all the same.
+  if (increments) {
     if (listing.start / listing.increment > 1e8) {
       shell().msgBox("Invalid Data!", "The increment is too small for these stations.", Icon::Critical);
     } else {

@@ -1,6 +1,7 @@
 #include "vcurve/listing.h"
 
 #include <cmath>
+#include <optional>
 
 #include "text/format.h"
 #include "text/justify.h"
@@ -19,20 +20,22 @@ std::string addItemTstr(const std::string& stationText, const std::string& mark,
 
 namespace {
 
-// The walk of processVincrements. The Part gives the turning point and the
-// equation only in outline; the rule here: before a station is listed,
-// every pending special at or before it is written, in station order (the
-// turning point before an equation at the same station), and a special
-// exactly at the station stands in place of its plain line. The equation
-// lines switch the listing into the OUT stationing: the PVC, PVT and turning
-// station move by OUT - IN, and the listing goes on from the first station
-// at or beyond OUT, reached by the increment. Nothing beyond the end station
-// is listed, and a turning point before the start is left out: the listing
-// runs in station order from start to end.
+// The walk of processVincrements, step by step as the listing has always
+// been made: tangent stations before the PVC and after the PVT are listed
+// plainly, and only on the curve are the turning point and the equation
+// merged in. There the step gives the order only in outline; the rule
+// here: before a curve station is listed, every pending special at or
+// before it is written in station order (the turning point before an
+// equation at the same station), and a special exactly at the station
+// stands in place of its plain line. The equation lines switch the listing
+// into the OUT stationing: the PVC, PVT and turning station move by
+// OUT - IN, and the current station is advanced by the increment until it
+// is not below OUT. So an equation before the PVC is written at the first
+// curve station, and one beyond the PVT is not written at all.
 class Walk {
  public:
   Walk(VerticalCurve& curve, const ListingInput& in) : c_(curve), in_(in) {
-    turningPending_ = (c_.hasMin || c_.hasMax) && c_.turningStation >= in_.start;
+    turningPending_ = c_.hasMin || c_.hasMax;
     if (in_.equation) {
       equationPending_ = true;
       const StationElevation at = calcCurveElev(c_, in_.equation->first);
@@ -43,29 +46,54 @@ class Walk {
 
   Listing listing;
 
-  // Lists station x; returns the station after it: x + increment, or where
-  // the listing goes on after an equation.
-  double list(double x) {
-    if (const auto restart = specialsUpTo(x)) return *restart;
-    if (!replaced_) {
-      const StationElevation e = calcCurveElev(c_, x);
-      add(Format(x, mask()), e.mark, Format(e.elevation, "######.000"));
+  // A station listed as it is, with no special merged in.
+  void plain(double x) {
+    const StationElevation e = calcCurveElev(c_, x);
+    add(Format(x, mask()), e.mark, Format(e.elevation, "######.000"));
+    lastPlain_ = x;
+  }
+
+  // The station of the last line, when that was a plain station line.
+  std::optional<double> lastPlain() const { return lastPlain_; }
+
+  // A station on the curve; returns the station after it: x + increment,
+  // or where the listing goes on after an equation.
+  double onCurve(double x) {
+    if (equationPending_ && in_.equation->first <= x && (!turningPending_ || in_.equation->first < c_.turningStation))
+      return writeEquations(x);
+    bool replaced = false;
+    if (turningPending_ && c_.turningStation <= x) {
+      turningPending_ = false;
+      add(Format(c_.turningStation, mask()), c_.hasMin ? "MIN" : "MAX", Format(c_.turningElev, "#0.000"));
+      replaced = c_.turningStation == x;
     }
-    replaced_ = false;
-    last_ = x;
+    if (equationPending_ && in_.equation->first <= x) return writeEquations(x);
+    if (!replaced) plain(x);
     return x + in_.increment;
   }
 
-  // The station of the last line, in the stationing now in force.
-  double last() const { return last_; }
-
   // The PVC line carries the PVC elevation as the results show it.
-  std::optional<double> listPVC() {
-    if (const auto restart = specialsUpTo(c_.pvc)) return restart;
-    if (!replaced_) add(Format(c_.pvc, mask()), "PVC", Format(c_.pvcElev, "####.000"));
-    replaced_ = false;
-    last_ = c_.pvc;
-    return std::nullopt;
+  void pvcLine() { add(Format(c_.pvc, mask()), "PVC", Format(c_.pvcElev, "####.000")); }
+
+  // The equation lines at the current station x; returns where the listing goes on.
+  double writeEquations(double x) {
+    equationPending_ = false;
+    const auto [in, out] = *in_.equation;
+    lastPlain_.reset();
+    listing.lines.push_back("    **** EQUATION IN  ****");
+    add(Format(in, "#0.000"), equationMark_, Format(Val(equationElevation_), "#0.000"));
+    add(Format(out, "#0.000"), equationMark_, Format(Val(equationElevation_), "#0.000"));
+    listing.lines.push_back("    **** EQUATION OUT ****");
+    const double shift = out - in;
+    c_.pvc += shift;
+    c_.pvt += shift;
+    c_.turningStation += shift;
+    // By the increment up to OUT; a gap of millions of increments is crossed at once.
+    if ((out - x) / in_.increment > 1e6)
+      x += std::ceil((out - x) / in_.increment) * in_.increment;
+    else
+      while (x < out) x += in_.increment;
+    return x;
   }
 
   bool full() const { return listing.lines.size() >= kMaxListedStations; }
@@ -75,6 +103,7 @@ class Walk {
   const char* mask() const { return stationMask(in_.metric); }
 
   void add(const std::string& station, const std::string& mark, const std::string& elevation) {
+    lastPlain_.reset();
     if (full()) {
       listing.cut = true;
       return;
@@ -82,46 +111,11 @@ class Walk {
     listing.lines.push_back(addItemTstr(station, mark, elevation, in_.profiles));
   }
 
-  std::optional<double> specialsUpTo(double x) {
-    // An equation before the turning point comes first; at one station the turning point does.
-    if (equationPending_ && in_.equation->first <= x && (!turningPending_ || in_.equation->first < c_.turningStation))
-      return writeEquations(x);
-    if (turningPending_ && c_.turningStation <= x) {
-      turningPending_ = false;
-      add(Format(c_.turningStation, mask()), c_.hasMin ? "MIN" : "MAX", Format(c_.turningElev, "#0.000"));
-      if (c_.turningStation == x) replaced_ = true;
-    }
-    if (equationPending_ && in_.equation->first <= x) return writeEquations(x);
-    return std::nullopt;
-  }
-
-  double writeEquations(double x) {
-    equationPending_ = false;
-    const auto [in, out] = *in_.equation;
-    listing.lines.push_back("    **** EQUATION IN  ****");
-    add(Format(in, "#0.000"), equationMark_, Format(Val(equationElevation_), "#0.000"));
-    add(Format(out, "#0.000"), equationMark_, Format(Val(equationElevation_), "#0.000"));
-    listing.lines.push_back("    **** EQUATION OUT ****");
-    const double shift = out - in;
-    c_.pvc += shift;
-    c_.pvt += shift;
-    c_.turningStation += shift;
-    replaced_ = false;
-    last_ = out;
-    // By the increment up to OUT; a gap of millions of increments is crossed at once.
-    if ((out - x) / in_.increment > 1e6)
-      x += std::ceil((out - x) / in_.increment) * in_.increment;
-    else
-      while (x < out) x += in_.increment;
-    return x;
-  }
-
   VerticalCurve& c_;
   const ListingInput& in_;
   bool turningPending_ = false;
   bool equationPending_ = false;
-  bool replaced_ = false;
-  double last_ = -1e300;
+  std::optional<double> lastPlain_;
   std::string equationElevation_, equationMark_;
 };
 
@@ -131,26 +125,35 @@ Listing processVincrements(VerticalCurve curve, const ListingInput& in) {
   if (!(in.increment > 0)) return {};
   Walk walk(curve, in);
   const VerticalCurve& c = walk.curve();
+  const double step = in.increment;
   double x = in.start;
   if (!in.exact) {
     // The start itself, then the first multiple of the increment at or
     // above it, reached by repeated addition as the program always has.
-    walk.list(x);
+    walk.plain(x);
     double k = 0;
-    while (k < x) k += in.increment;
+    while (k < x) k += step;
     x = k;
   }
-  // The station reached so far (the start in exact mode, the rounded
-  // multiple otherwise) is not itself listed: the increment comes first.
-  x += in.increment;
-  while (x < c.pvc && x < in.end && !walk.full()) x = walk.list(x);
-  if (c.pvc > walk.last() && c.pvc < in.end)
-    if (const auto restart = walk.listPVC()) x = *restart;
-  if (x == c.pvc) x += in.increment;
-  while (x < c.pvt && x < in.end && !walk.full()) x = walk.list(x);
-  if (x == c.pvt && x < in.end) x = walk.list(x);
-  while (x < in.end && !walk.full()) x = walk.list(x);
-  walk.list(in.end);  // the end station is always the last line
+  // Before the PVC. The increment comes first, so the station reached so
+  // far (the start in exact mode, the rounded multiple otherwise) is not
+  // itself listed here.
+  for (x += step; x < c.pvc && !walk.full(); x += step) walk.plain(x);
+  // At the PVC, wherever it lies: its own line, or the equation standing there.
+  if (!in.equation || c.pvc != in.equation->first)
+    walk.pvcLine();
+  else
+    x = walk.writeEquations(x);
+  if (x == c.pvc) x += step;  // listed just now
+  while (x < c.pvt && !walk.full()) x = walk.onCurve(x);
+  if (x == c.pvt && !walk.full()) {
+    walk.plain(x);
+    x += step;
+  }
+  // After the PVT, below the end station; then the end station as the last
+  // line, once: not again when it was just listed (a PVT on the end station).
+  for (; x < in.end && !walk.full(); x += step) walk.plain(x);
+  if (walk.lastPlain() != in.end) walk.plain(in.end);
   return walk.listing;
 }
 

@@ -80,7 +80,8 @@ class CurveWindow : public QObject {
       QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
     };
     program.form<frmMain>("frmMain").click("mnuCvert");
-    QCOMPARE(seen, (QStringList{"10+00.000", "5", "    8+00.000  PVC   104.000  "}));
+    // The start on the PVC, the PVC line, 9+00, the low point, 11+00, the PVT on the end station.
+    QCOMPARE(seen, (QStringList{"10+00.000", "6", "    8+00.000  PVC   104.000  "}));
     QVERIFY(std::filesystem::exists(dir.path() / "outVfile.txt"));
   }
 

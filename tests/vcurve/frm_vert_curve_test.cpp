@@ -81,6 +81,13 @@ TEST_F(VerticalForm, MessagesThatLetTheRunGoOn) {
                                                 "Invalid Data!: End station is not larger than start station."}));
   for (const auto& b : shell.boxes) EXPECT_EQ(b.icon, Icon::Critical);
   EXPECT_EQ(shell.modalForms.size(), 1u);  // the results are shown all the same
+  // With an increment, the listing is made after the end-station box, the end station last.
+  form.typeText("txtLength", "400");
+  form.typeText("txtIncrement", "100");
+  form.click("btnCalculate");
+  EXPECT_EQ(shell.boxes.back().text, "End station is not larger than start station.");
+  ASSERT_FALSE(results.lstResults.items.empty());
+  EXPECT_EQ(results.lstResults.items.back().substr(0, 12), "    8+00.000");
 }
 
 TEST_F(VerticalForm, ProgramEnds) {

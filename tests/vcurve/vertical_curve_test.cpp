@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "vcurve/listing.h"
 #include "vcurve/vertical_curve.h"
 
@@ -110,44 +112,68 @@ class Listings : public ::testing::Test {
   }
 };
 
-TEST_F(Listings, RoundedAndExactStarts) {
-  EXPECT_EQ(stations(processVincrements(sag, range(730, 900, 50))),
-            (std::vector<std::string>{"7+30.000/T", "8+00.000/PVC", "8+50.000/C", "9+00.000/C"}));
+// The sag curve: PVC 8+00, low point 10+00, PVT 12+00.
+TEST_F(Listings, RoundedAndExactStartsWalkTheWholeCurve) {
+  // The curve is walked to its PVT whatever the end station, which comes once, last.
+  EXPECT_EQ(stations(processVincrements(sag, range(730, 900, 100))),
+            (std::vector<std::string>{"7+30.000/T", "8+00.000/PVC", "9+00.000/C", "10+00.000/MIN", "11+00.000/C",
+                                      "12+00.000/PVT", "9+00.000/C"}));
   // Exact: every increment from the start; the start itself is skipped, as it always was.
-  EXPECT_EQ(stations(processVincrements(sag, range(730, 900, 50, true))),
-            (std::vector<std::string>{"7+80.000/T", "8+00.000/PVC", "8+30.000/C", "8+80.000/C", "9+00.000/C"}));
+  EXPECT_EQ(stations(processVincrements(sag, range(730, 900, 100, true))),
+            (std::vector<std::string>{"8+00.000/PVC", "8+30.000/C", "9+30.000/C", "10+00.000/MIN",
+                                      "10+30.000/C", "11+30.000/C", "9+00.000/C"}));
 }
 
-TEST_F(Listings, RangesBeforeAcrossAndAfterTheCurve) {
-  EXPECT_EQ(stations(processVincrements(sag, range(100, 330, 100))),
-            (std::vector<std::string>{"1+00.000/T", "2+00.000/T", "3+00.000/T", "3+30.000/T"}));
-  EXPECT_EQ(stations(processVincrements(sag, range(1300, 1560, 100))),
-            (std::vector<std::string>{"13+00.000/T", "14+00.000/T", "15+00.000/T", "15+60.000/T"}));
-  const auto across = stations(processVincrements(sag, range(600, 1400, 200)));
-  EXPECT_EQ(across, (std::vector<std::string>{"6+00.000/T", "8+00.000/PVC", "10+00.000/MIN", "12+00.000/PVT",
-                                              "14+00.000/T"}));
+TEST_F(Listings, ThePvcLineStandsWhereverThePvcLies) {
+  // Start 9+00, after the PVC: the PVC line follows the start's own line.
+  EXPECT_EQ(stations(processVincrements(sag, range(900, 1100, 100)))[1], "8+00.000/PVC");
+  // Start on the PVC: listed as the start, and again as the PVC line.
+  const auto onPvc = stations(processVincrements(sag, range(800, 900, 100)));
+  EXPECT_EQ(std::vector<std::string>(onPvc.begin(), onPvc.begin() + 3),
+            (std::vector<std::string>{"8+00.000/PVC", "8+00.000/PVC", "9+00.000/C"}));
 }
 
-TEST_F(Listings, TurningPointBetweenIncrementsGoesInOrder) {
+TEST_F(Listings, TheTurningPointIsMergedOnlyOnTheCurve) {
   VerticalCurve c = makeCurve(-0.03, 0.02, 400, KnownPoint::PVC, 800, 100);
-  minMaxCalc(c);  // the low point at 10+40
+  minMaxCalc(c);  // the low point at 10+40, between increments
   EXPECT_EQ(stations(processVincrements(c, range(900, 1100, 100))),
-            (std::vector<std::string>{"9+00.000/C", "10+00.000/C", "10+40.000/MIN", "11+00.000/C"}));
+            (std::vector<std::string>{"9+00.000/C", "8+00.000/PVC", "10+00.000/C", "10+40.000/MIN", "11+00.000/C",
+                                      "12+00.000/PVT", "11+00.000/C"}));
+  // A low point at 11+80 that no curve station below the PVT reaches has no line;
+  // nor has one when the listing starts beyond the PVT.
+  VerticalCurve late = makeCurve(-0.0475, 0.0025, 400, KnownPoint::PVC, 800, 100);
+  minMaxCalc(late);
+  ASSERT_DOUBLE_EQ(late.turningStation, 1180);
+  for (const ListingInput& in : {range(800, 1300, 100), range(1250, 1300, 100, true)})
+    for (const std::string& s : stations(processVincrements(late, in))) EXPECT_EQ(s.find("MIN"), std::string::npos) << s;
 }
 
-TEST_F(Listings, EquationOnTheCurveSwitchesTheStationing) {
-  ListingInput in = range(800, 1800, 100);
-  in.equation = std::pair{950.0, 1500.0};  // 9+50 back = 15+00 ahead
-  const Listing l = processVincrements(sag, in);
+TEST_F(Listings, AfterTheEquationTheListingGoesOnFromTheCurrentStation) {
+  // Equation 8+10 = 8+30 at the PVC, increment 50 from 7+00: on 8+50, 9+00, not from the PVC.
+  VerticalCurve c = makeCurve(-0.02, 0.02, 400, KnownPoint::PVC, 810, 100);
+  minMaxCalc(c);
+  ListingInput in = range(700, 1000, 50);
+  in.equation = std::pair{810.0, 830.0};
+  const Listing l = processVincrements(c, in);
+  ASSERT_GE(l.lines.size(), 9u);
+  EXPECT_EQ(l.lines[3], "    **** EQUATION IN  ****");  // after 7+00, 7+50, 8+00; in place of the PVC line
+  EXPECT_EQ(l.lines[4].substr(0, 12), "     810.000");  // the equation stations as plain numbers
+  EXPECT_EQ(l.lines[5].substr(0, 12), "     830.000");
+  EXPECT_EQ(l.lines[6], "    **** EQUATION OUT ****");
+  EXPECT_EQ(l.lines[7].substr(0, 12), "    8+50.000");
+  EXPECT_EQ(l.lines[8].substr(0, 12), "    9+00.000");
+  // The low point moved into the OUT stationing with the curve (10+10 + 20).
   const auto s = stations(l);
-  ASSERT_GE(l.lines.size(), 6u);
-  EXPECT_EQ(l.lines[2], "    **** EQUATION IN  ****");
-  EXPECT_EQ(l.lines[3].substr(0, 12), "     950.000");  // the equation stations as plain numbers
-  EXPECT_EQ(l.lines[4].substr(0, 12), "    1500.000");
-  EXPECT_EQ(l.lines[5], "    **** EQUATION OUT ****");
-  // On in the OUT stationing, the low point moved with the curve (10+00 + 5+50).
-  EXPECT_EQ(s, (std::vector<std::string>{"8+00.000/PVC", "9+00.000/C", "15+00.000/C", "15+50.000/MIN", "16+00.000/C",
-                                         "17+00.000/C", "18+00.000/T"}));
+  EXPECT_NE(std::find(s.begin(), s.end(), "10+30.000/MIN"), s.end());
+}
+
+TEST_F(Listings, AfterThePvtBelowTheEndThenTheEndOnce) {
+  EXPECT_EQ(stations(processVincrements(sag, range(1300, 1500, 100))),
+            (std::vector<std::string>{"13+00.000/T", "8+00.000/PVC", "14+00.000/T", "15+00.000/T"}));
+  EXPECT_EQ(stations(processVincrements(sag, range(1300, 1560, 100))).back(), "15+60.000/T");
+  // The PVT on the end station is listed once.
+  const auto toPvt = stations(processVincrements(sag, range(900, 1200, 100)));
+  EXPECT_EQ(std::vector<std::string>(toPvt.end() - 2, toPvt.end()), (std::vector<std::string>{"11+00.000/C", "12+00.000/PVT"}));
 }
 
 TEST_F(Listings, SpecialsThatCoincide) {
@@ -156,17 +182,10 @@ TEST_F(Listings, SpecialsThatCoincide) {
   ListingInput in = range(900, 1200, 100);
   in.equation = std::pair{1000.0, 1000.0};
   const auto l = processVincrements(sag, in);
-  EXPECT_NE(l.lines[1].find("MIN"), std::string::npos);
-  EXPECT_EQ(l.lines[2], "    **** EQUATION IN  ****");
-  EXPECT_EQ(l.lines[5], "    **** EQUATION OUT ****");
-  EXPECT_EQ(l.lines[6].substr(0, 12), "   10+00.000");  // the first station at or beyond OUT
-  EXPECT_EQ(l.lines.size(), 9u);
-  // The equation on the PVC stands in place of the PVC line.
-  ListingInput atPvc = range(700, 900, 100);
-  atPvc.equation = std::pair{800.0, 800.0};
-  const auto p = processVincrements(sag, atPvc);
-  EXPECT_EQ(p.lines[1], "    **** EQUATION IN  ****");
-  for (const auto& line : p.lines) EXPECT_NE(line.rfind("    8+00.000", 0), 0u) << line;
+  EXPECT_NE(l.lines[2].find("MIN"), std::string::npos);
+  EXPECT_EQ(l.lines[3], "    **** EQUATION IN  ****");
+  EXPECT_EQ(l.lines[6], "    **** EQUATION OUT ****");
+  EXPECT_EQ(l.lines[7].substr(0, 12), "   10+00.000");  // the first station at or beyond OUT
 }
 
 TEST_F(Listings, HugeRangesAndTinyIncrementsStillEnd) {
