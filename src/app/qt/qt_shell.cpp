@@ -61,11 +61,16 @@ Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon i
 
 void QtShell::endProgram() {
   if (program_) {
+    // One more box of the desktop program's own, after the box that ended
+    // it: the user learns that nothing typed is lost, or why it could not be kept.
     try {
       const auto job = recoveryJob(open_, program_->registry());
       writeTextFile(recoveryFile(program_->userAppData), {job.dump(2)});
-    } catch (const RunTimeError&) {
-      // The program is ending anyway; a recovery job that cannot be kept is not worth a second box.
+      msgBox("Tervalo", "Tervalo ends here. Your entries are kept and will be offered when you start Tervalo again.",
+             Icon::Information, Buttons::Ok);
+    } catch (const RunTimeError& e) {
+      msgBox("Tervalo", std::string("Tervalo ends here. Your entries could not be kept: ") + e.what(), Icon::Exclamation,
+             Buttons::Ok);
     }
   }
   throw ProgramEnd();
