@@ -20,6 +20,7 @@ frmMain::frmMain(Program& program)
   add("txtReport", txtReport);
   add("btnOut2", btnOut2).click([this] { chooseOutput(txtReport); });
   add("btnContinue", btnContinue).click([this] { btnContinue_Click(); });
+  add("lblNotice", lblNotice);
   add("mnuSecSub", mnuSecSub).click([this] { mnuSecSub_Click(); });
   add("mnuCurve", mnuCurve);
   add("mnuChorz", mnuChorz).click([this] { this->program().openCalculator("mnuChorz"); });
@@ -33,6 +34,13 @@ frmMain::frmMain(Program& program)
   add("mnuExit", mnuExit).click([this] { unload(); });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   enableMenus();
+  // Proposed from the start, so that Continue always has files to write.
+  proposeOutputNames();
+}
+
+void frmMain::proposeOutputNames() {
+  txtOutInp.text = program().userAppData + kGeopakFileName;
+  txtReport.text = program().userAppData + kReportFileName;
 }
 
 // A calculator whose window is not part of this build has its entry greyed.
@@ -49,8 +57,12 @@ void frmMain::enableMenus() {
 }
 
 void frmMain::readInputFile() {
+  lblNotice.caption.clear();
+  lblNotice.visible = false;
   getFileFormat(program().inputFileName, program().formats);
-  readFile(program().inputFileName, program().formats, program().points);
+  const ReadNotes notes = readFile(program().inputFileName, program().formats, program().points);
+  lblNotice.caption = notes.message();
+  lblNotice.visible = !lblNotice.caption.empty();
 }
 
 void frmMain::btnContinue_Click() {
@@ -83,8 +95,9 @@ void frmMain::chooseOutput(TextBox& field) {
 
 void frmMain::mnuSecSub_Click() {
   program().points.clearRecords(0, PointList::capacity - 1);
-  txtOutInp.text = program().userAppData + "SecSub.inp";
-  txtReport.text = program().userAppData + "SecSub.rpt";
+  lblNotice.caption.clear();
+  lblNotice.visible = false;
+  proposeOutputNames();
 }
 
 void frmMain::dropFiles(const std::string& control, const std::vector<std::string>& files) {

@@ -9,6 +9,10 @@
 
 namespace tervalo {
 
+// The section subdivision's default output names, in the data folder.
+inline constexpr const char* kGeopakFileName = "SecSub.inp";
+inline constexpr const char* kReportFileName = "SecSub.rpt";
+
 class frmMain : public FormModel {
  public:
   explicit frmMain(Program& program);
@@ -23,6 +27,9 @@ class frmMain : public FormModel {
   TextBox txtReport;
   Button btnOut2{"Browse"};
   Button btnContinue{"Continue"};
+  // What reading the source file noticed but did not refuse (coordinates
+  // cut at a second thousands comma); hidden when there is nothing to say.
+  Label lblNotice{"", false};
 
   MenuItem mnuSecSub{"Section Subdivision", true, true, ""};
   MenuItem mnuCurve{"Curve", true, true, ""};
@@ -49,6 +56,7 @@ class frmMain : public FormModel {
   void useSourceFile(const std::string& file);
   void chooseOutput(TextBox& field);
   void enableMenus();
+  void proposeOutputNames();
 };
 
 }  // namespace tervalo

@@ -19,13 +19,15 @@ int pointsCommand(const std::string& file, std::ostream& out, std::ostream& err)
   }
   FormatFlags flags;
   PointList points;
+  ReadNotes notes;
   try {
     getFileFormat(file, flags);
-    readFile(file, flags, points);
+    notes = readFile(file, flags, points);
   } catch (const ProgramFault& fault) {
     err << fault.title() << ": " << fault.what() << "\n";
     return 3;
   }
+  if (const std::string warning = notes.message(); !warning.empty()) err << "Warning: " << warning << "\n";
   out << "Format: " << formatName(flags) << "\n";
   out << "Point count: " << points.pointCount << "\n";
   if (formatName(flags) == "N-E coordinate report") out << "(An N-E coordinate report is read but yields no points.)\n";

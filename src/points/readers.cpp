@@ -1,5 +1,6 @@
 #include "points/readers.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "points/line_reader.h"
@@ -108,11 +109,21 @@ void getFileFormat(const std::filesystem::path& file, FormatFlags& flags) {
     throw ProgramFault("Input File Error", "Input File Format Not Recognized");
 }
 
-void readFile(const std::filesystem::path& file, const FormatFlags& flags, PointList& points) {
-  if (flags.cd) return readCDfile(file, points);
-  if (flags.xy) return readXYfile(file, points);
-  if (flags.ne) return readNEfile(file, points);
-  if (flags.sdms) return readSDMSfile(file, points);
+ReadNotes readFile(const std::filesystem::path& file, const FormatFlags& flags, PointList& points) {
+  if (flags.cd) readCDfile(file, points);
+  else if (flags.xy) return readXYfile(file, points);
+  else if (flags.ne) readNEfile(file, points);
+  else if (flags.sdms) readSDMSfile(file, points);
+  return {};
+}
+
+std::string ReadNotes::message() const {
+  if (cutCoordinates.empty()) return "";
+  std::string names;
+  for (const std::string& name : cutCoordinates) names += (names.empty() ? "" : ", ") + name;
+  return "Coordinates cut: the coordinates of point" + std::string(cutCoordinates.size() > 1 ? "s " : " ") + names +
+         " hold more than one thousands comma. Only the first comma is removed, so each reads only up to its second "
+         "comma (1,170,582.9 reads 1170). Check these points before you use them.";
 }
 
 std::string formatName(const FormatFlags& flags) {
@@ -185,7 +196,8 @@ void readCDfile(const std::filesystem::path& file, PointList& points) {
   points.pointCount = static_cast<std::int16_t>(index + 1);
 }
 
-void readXYfile(const std::filesystem::path& file, PointList& points) {
+ReadNotes readXYfile(const std::filesystem::path& file, PointList& points) {
+  ReadNotes notes;
   LineReader in(file);
   skipToUnderline(in);
   int index = 1;  // the report's first point goes to index 1; index 0 stays empty
@@ -194,8 +206,11 @@ void readXYfile(const std::filesystem::path& file, PointList& points) {
     if (lead != "---" && lead != "   ") {
       PointRecord& point = record(points, index, in);
       point.name = trim(mid(*first, 1, 15));
-      point.x = reportCoordinate(mid(*first, 19, 15), true, in);
-      point.y = reportCoordinate(mid(*first, 37, 15), true, in);
+      const std::string_view x = mid(*first, 19, 15), y = mid(*first, 37, 15);
+      point.x = reportCoordinate(x, true, in);
+      point.y = reportCoordinate(y, true, in);
+      if (std::count(x.begin(), x.end(), ',') > 1 || std::count(y.begin(), y.end(), ',') > 1)
+        notes.cutCoordinates.push_back(point.name);
     }
     if (const std::string line = groupLine(in); contains(line, "Feature")) record(points, index, in).feature = afterColon(line);
     if (const std::string line = groupLine(in); contains(line, "Description"))
@@ -204,6 +219,7 @@ void readXYfile(const std::filesystem::path& file, PointList& points) {
     ++index;
   }
   points.pointCount = static_cast<std::int16_t>(index);
+  return notes;
 }
 
 void readNEfile(const std::filesystem::path& file, PointList& points) {

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "points/point_list.h"
 
@@ -17,12 +18,23 @@ namespace tervalo {
 // Format Not Recognized" when none fits.
 void getFileFormat(const std::filesystem::path& file, FormatFlags& flags);
 
+// What a reader noticed but, reading the format as it always has, did not
+// refuse: coordinates of an X-Y report with more than one thousands comma.
+// Only the first comma is removed and reading stops at the second, so
+// 1,170,582.9 reads 1170; state plane coordinates above a million feet are
+// common, and the user must hear of every point so cut.
+struct ReadNotes {
+  std::vector<std::string> cutCoordinates;  // point names, in file order
+  // For people; empty when nothing was noticed.
+  std::string message() const;
+};
+
 // Reads with the reader of the first flag set, in the order CD, XY, NE, SDMS.
-void readFile(const std::filesystem::path& file, const FormatFlags& flags, PointList& points);
+ReadNotes readFile(const std::filesystem::path& file, const FormatFlags& flags, PointList& points);
 
 void readSDMSfile(const std::filesystem::path& file, PointList& points);
 void readCDfile(const std::filesystem::path& file, PointList& points);
-void readXYfile(const std::filesystem::path& file, PointList& points);
+ReadNotes readXYfile(const std::filesystem::path& file, PointList& points);
 // An N-E report is read without error but yields no points; the count is 1.
 void readNEfile(const std::filesystem::path& file, PointList& points);
 

@@ -27,10 +27,11 @@ std::string upper(std::string s) {
 
 std::string coordinateText(double v) { return Format(v, "#######0.0000"); }
 
-// An output name without a folder lands in the data folder.
-std::filesystem::path outputPath(const std::string& name, const std::string& dataFolder) {
-  if (name.empty()) throw RunTimeError("Bad file name: no output file is named in the main window.");
-  const std::filesystem::path path(name);
+// An output name without a folder lands in the data folder; an emptied
+// field takes its default name there again, written back into the field.
+std::filesystem::path outputPath(TextBox& field, const std::string& dataFolder, const char* defaultName) {
+  if (field.text.empty()) field.text = dataFolder + defaultName;
+  const std::filesystem::path path(field.text);
   return path.has_parent_path() ? path : std::filesystem::path(dataFolder) / path;
 }
 
@@ -68,10 +69,15 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
     add(n + "pf", f.pf);
     add(n + "pd", f.pd);
   }
-  for (ChainField& c : chains) {
+  for (std::size_t i = 0; i < chains.size(); ++i) {
+    ChainField& c = chains[i];
+    c.name = kChainFields[i].stem;
+    c.caption.caption = kChainFields[i].caption;
     add(std::string("lbl") + c.name + "chain", c.caption);
-    add(std::string("txt") + c.name + "chain", c.text);
+    // Typing over the regular 20 makes it the user's own value.
+    add(std::string("txt") + c.name + "chain", c.text).change([&c] { c.defaulted = false; });
   }
+  add("lblNotice", lblNotice);
   add("btnContinue", btnContinue).click([this] { Main(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
@@ -136,16 +142,28 @@ void frmSecSub::applyTownshipRules() {
     boxes[i]->visible = rules.boxes[i].visible;
     boxes[i]->caption = rules.boxes[i].caption;
   }
-  showRequiredChains();
+  applyChainDefaults();
 }
 
-// The record chains the section needs are shown as soon as its location is
-// known; without the defaults every chain field is shown.
-void frmSecSub::showRequiredChains() {
+// A quarter-mile the section does not need is regular: an empty field there
+// takes "20", since empty reads 0 chains and would put its sixteenth corner
+// on the section corner. A field the section needs is left for the user to
+// type (so the run still warns), and a 20 put there by an earlier pass is
+// taken back. Nothing that changes the computation is hidden: a field is
+// shown when needed or when it holds anything but 20, and all eight are
+// shown without the defaults.
+void frmSecSub::applyChainDefaults() {
   const auto required = requiredChains(toInt16(Val(txtSection.text)));
   for (ChainField& c : chains) {
     const bool needed = std::find(required.begin(), required.end(), c.name) != required.end();
-    c.text.visible = c.caption.visible = needed || !chkDefaults.checked;
+    if (needed && c.defaulted) {
+      c.text.text.clear();
+      c.defaulted = false;
+    } else if (!needed && c.text.text.empty()) {
+      c.text.text = "20";
+      c.defaulted = true;
+    }
+    c.text.visible = c.caption.visible = needed || c.text.text != "20" || !chkDefaults.checked;
   }
 }
 
@@ -169,8 +187,11 @@ void frmSecSub::btnClear_Click() {
   for (ChainField& c : chains) {
     c.text.text.clear();
     c.text.visible = c.caption.visible = false;
+    c.defaulted = false;
   }
   computed = {};
+  notices = {};
+  showNotices({});
   hasRun = false;
   btnSaveDrawing.enabled = false;
 }
@@ -178,8 +199,10 @@ void frmSecSub::btnClear_Click() {
 std::string frmSecSub::drawing() const {
   if (!hasRun) return "";
   std::array<std::string, slot::count> labels;
-  for (int s = 0; s < slot::count; ++s) labels[static_cast<std::size_t>(s)] = slots[static_cast<std::size_t>(s)].pn.text;
-  return drawingSvg(sectionDrawing(record, computed, labels),
+  for (int s = 0; s < slot::count; ++s) labels[static_cast<std::size_t>(s)] = record.slots[static_cast<std::size_t>(s)].pointNumber;
+  SectionDrawing picture = sectionDrawing(record, computed, labels);
+  picture.coincidences = notices.coincidences;
+  return drawingSvg(picture,
                     "Section " + CStr(record.section) + ", T" + CStr(record.township) + "N, R" +
                         CStr(record.range < 0 ? -record.range : record.range) + record.direction);
 }
@@ -230,7 +253,8 @@ bool frmSecSub::getFormValues() {
   if (township < 1) return refuse("Missing Data", "Township number is a required field.");
   if (range < 1) return refuse("Missing Data", "Range number is a required field.");
 
-  int meridian = toInt16(Val(txtPM.text));
+  // Val, then back to text: 4.7 stays 4.7 and is refused below.
+  double meridian = Val(txtPM.text);
   if (chkDefaults.checked) {
     meridian = meridianDefault(township, range, optEast.checked, optWest.checked, meridian);
     if (meridian == 0) {
@@ -281,15 +305,7 @@ bool frmSecSub::getFormValues() {
     c.description = f.pd.text;
     c.feature = f.pf.text;
   }
-  ChainTexts& ch = record.chains;
-  ch.nOfW = chain("NofW").text.text;
-  ch.sOfW = chain("SofW").text.text;
-  ch.nOfE = chain("NofE").text.text;
-  ch.sOfE = chain("SofE").text.text;
-  ch.wOfN = chain("WofN").text.text;
-  ch.eOfN = chain("EofN").text.text;
-  ch.wOfS = chain("WofS").text.text;
-  ch.eOfS = chain("EofS").text.text;
+  for (std::size_t i = 0; i < chains.size(); ++i) record.chains.*kChainFields[i].text = chains[i].text.text;
   return true;
 }
 
@@ -330,7 +346,37 @@ void frmSecSub::labelBlankPts(const CornerNaming& naming) {
       record.slots[static_cast<std::size_t>(s)].pointNumber = naming.pointNames[static_cast<std::size_t>(s)];
 }
 
+// The files name each position from its name box, or by the run's numbering
+// or unique names, and take its feature code from its feature box: a number
+// or code typed for a position the run computed never reached the record
+// (the record copy takes only slots with an X). A present position is never
+// left without a name: a corner typed by coordinates alone takes its corner
+// name, as unique numbering would give it.
+std::vector<int> frmSecSub::nameOutputPositions(const CornerNaming& naming) {
+  std::vector<int> unnamed;
+  for (int s = 0; s < slot::count; ++s) {
+    const auto i = static_cast<std::size_t>(s);
+    CornerSlot& c = record.slots[i];
+    if (c.x == 0) continue;
+    if (!optUnique.checked) c.pointNumber = upper(slots[i].pn.text);
+    c.feature = slots[i].pf.text;
+    if (c.pointNumber.empty()) {
+      c.pointNumber = naming.pointNames[i];
+      unnamed.push_back(s);
+    }
+  }
+  return unnamed;
+}
+
+void frmSecSub::showNotices(const std::vector<std::string>& lines) {
+  lblNotice.caption.clear();
+  for (const std::string& line : lines) lblNotice.caption += (lblNotice.caption.empty() ? "" : "\n") + line;
+  lblNotice.visible = !lines.empty();
+}
+
 void frmSecSub::Main() {
+  notices = {};
+  showNotices({});
   checkHeld16ths();
   if (!getFormValues()) return;
   checkForMissingChainData();
@@ -357,20 +403,26 @@ void frmSecSub::Main() {
   }
   computeQtrs(record, halfMiles, [this](int s) { writeSlotFields(s); });
   labelBlankPts(naming);
+  const std::vector<int> unnamed = nameOutputPositions(naming);
   getLengthHor(record);
   getLengthVert(record);
 
   const std::vector<std::string> geopak = printPoints(record, naming);
-  for (auto& page : {printReport(record, naming, computed), print3rdPage(record)})
+  for (auto& page : {printReport(record, naming, computed), print3rdPage(record, input)})
     report.insert(report.end(), page.begin(), page.end());
 
-  const auto& main = program().form<frmMain>("frmMain");
-  const auto geopakFile = outputPath(main.txtOutInp.text, program().userAppData);
-  const auto reportFile = outputPath(main.txtReport.text, program().userAppData);
+  auto& main = program().form<frmMain>("frmMain");
+  const auto geopakFile = outputPath(main.txtOutInp, program().userAppData, kGeopakFileName);
+  const auto reportFile = outputPath(main.txtReport, program().userAppData, kReportFileName);
   program().writeOutputFile(geopakFile, geopak);
   program().writeOutputFile(reportFile, report);
   hasRun = true;
   btnSaveDrawing.enabled = true;
+  notices = coincidenceNotices(record, computed);
+  for (int s : unnamed)
+    notices.lines.push_back("The corner " + std::to_string(s) + " (" + naming.descriptions[static_cast<std::size_t>(s)] +
+                            ") has no point number; the files name it " + record.slots[static_cast<std::size_t>(s)].pointNumber + ".");
+  showNotices(notices.lines);
 
   program().points.clearRecords(0, 25);
   shell().msgBox("Program Complete", "Created Files: " + geopakFile.string() + " and " + reportFile.string() + ".",

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/form_model.h"
+#include "secsub/notices.h"
 #include "secsub/section_record.h"
 #include "secsub/township_rules.h"
 #include "secsub_out/names.h"
@@ -25,10 +26,11 @@ struct SlotFields {
 // One irregular quarter-mile's record length and its caption, hidden
 // until the section's location shows it.
 struct ChainField {
-  ChainField(const char* stem, const char* captionText) : name(stem), caption{captionText, false, true} {}
-  const char* name;  // "NofW": the controls are txtNofWchain and lblNofWchain
+  const char* name = "";  // "NofW": the controls are txtNofWchain and lblNofWchain
   TextBox text{"", false, true};
-  Label caption;
+  Label caption{"", false, true};
+  // Holds the regular "20" that a township-rule pass put there, untouched since.
+  bool defaulted = false;
 };
 
 class frmSecSub : public FormModel {
@@ -58,15 +60,11 @@ class frmSecSub : public FormModel {
   OptionButton optUnique{false, "Assign Unique Numbers for All Points"};
   Frame frmSection{"Enter point numbers or X,Y coordinates in the fields below."};
   std::array<SlotFields, slot::count> slots;
-  // In the order of the record lengths' table: W line, E line, N line, S line.
-  std::array<ChainField, 8> chains{{{"NofW", "N 1/4 mile on W line"},
-                                    {"SofW", "S 1/4 mile on W line"},
-                                    {"NofE", "N 1/4 mile on E line"},
-                                    {"SofE", "S 1/4 mile on E line"},
-                                    {"WofN", "W 1/4 mile on N line"},
-                                    {"EofN", "E 1/4 mile on N line"},
-                                    {"WofS", "W 1/4 mile on S line"},
-                                    {"EofS", "E 1/4 mile on S line"}}};
+  // In the order of kChainFields: W line, E line, N line, S line.
+  std::array<ChainField, 8> chains;
+  // After a run: what it did that its numbers alone do not show (a corner
+  // on another corner, a corner without a number). Hidden when empty.
+  Label lblNotice{"", false};
   Button btnContinue{"Continue"};
   Button btnReturn{"Return"};
   Button btnClear{"Clear"};
@@ -76,6 +74,7 @@ class frmSecSub : public FormModel {
   bool pointFound = false;  // whether the last point-number lookup matched
   // After a run: which slots the run computed (the rest were held).
   std::array<bool, slot::count> computed{};
+  RunNotices notices;
   bool hasRun = false;
 
   ChainField& chain(const std::string& name);
@@ -99,10 +98,14 @@ class frmSecSub : public FormModel {
   bool getFormValues();
   void checkForMissingChainData();
   void labelBlankPts(const CornerNaming& naming);
+  // The names and feature codes the output files give each present
+  // position; returns the positions that had no name and took their corner name.
+  std::vector<int> nameOutputPositions(const CornerNaming& naming);
 
  private:
   void writeSlotFields(int s);
-  void showRequiredChains();
+  void applyChainDefaults();
+  void showNotices(const std::vector<std::string>& lines);
 };
 
 }  // namespace tervalo

@@ -78,6 +78,7 @@ class SecSubView : public FormDialog {
     outer->addWidget(scroll, 5);
 
     auto* side = new QVBoxLayout;
+    side->addWidget(noticeLabel("lblNotice", this));
     drawing_ = new DrawingView(this);
     side->addWidget(drawing_, 1);
     side->addWidget(button("btnSaveDrawing"));

@@ -51,6 +51,30 @@ struct ChainTexts {
   std::string nOfW, sOfW, nOfE, sOfE, wOfN, eOfN, wOfS, eOfS;
 };
 
+// The eight record-chain fields: the form's stem ("NofW" names txtNofWchain
+// and lblNofWchain), its caption, where the record keeps its text, and the
+// sixteenth corners whose half-miles it measures: the one on its own line
+// and the center-line one whose half-mile averages it with the opposite line.
+struct ChainFieldInfo {
+  const char* stem;
+  const char* caption;
+  std::string ChainTexts::*text;
+  int sixteenth;
+  int centerSixteenth;
+};
+
+// In the order of the form's chain fields: west line, east line, north line, south line.
+inline constexpr std::array<ChainFieldInfo, 8> kChainFields{{
+    {"NofW", "N 1/4 mile on W line", &ChainTexts::nOfW, 5, 7},
+    {"SofW", "S 1/4 mile on W line", &ChainTexts::sOfW, 15, 17},
+    {"NofE", "N 1/4 mile on E line", &ChainTexts::nOfE, 9, 7},
+    {"SofE", "S 1/4 mile on E line", &ChainTexts::sOfE, 19, 17},
+    {"WofN", "W 1/4 mile on N line", &ChainTexts::wOfN, 1, 11},
+    {"EofN", "E 1/4 mile on N line", &ChainTexts::eOfN, 3, 13},
+    {"WofS", "W 1/4 mile on S line", &ChainTexts::wOfS, 21, 11},
+    {"EofS", "E 1/4 mile on S line", &ChainTexts::eOfS, 23, 13},
+}};
+
 // The twelve half-mile lengths in chains that the proportions use.
 struct HalfMiles {
   double northOfEast = 0, northOfWest = 0, northOfCenter = 0;

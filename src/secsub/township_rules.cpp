@@ -50,7 +50,7 @@ TownshipRules townshipRules(int T, int R, int section) {
   return rules;
 }
 
-int meridianDefault(int T, int R, bool east, bool west, int meridian) {
+double meridianDefault(int T, int R, bool east, bool west, double meridian) {
   if ((T >= 101 && T <= 122 && R >= 4 && R <= 48) || (T >= 123 && T <= 168 && R >= 25 && R <= 51)) {
     if (west) meridian = 5;
   } else if ((T >= 27 && T <= 47 && R >= 16 && R <= 32) || (T >= 48 && T <= 71 && R >= 1 && R <= 27)) {

@@ -25,10 +25,11 @@ struct TownshipRules {
 // section (chk4 only for section 6, as it always was).
 TownshipRules townshipRules(int township, int range, int section);
 
-// The meridian from the location, starting from `meridian` as typed: 5 for
-// west ranges in the 5th's townships, 4 for east ranges (or low ranges of
-// high townships) in the 4th's. 0 when nothing fits and nothing was typed.
-int meridianDefault(int township, int range, bool east, bool west, int meridian);
+// The meridian from the location, starting from `meridian` as typed (Val of
+// the field, so 4.7 stays 4.7): 5 for west ranges in the 5th's townships, 4
+// for east ranges (or low ranges of high townships) in the 4th's. 0 when
+// nothing fits and nothing was typed.
+double meridianDefault(int township, int range, bool east, bool west, double meridian);
 
 // The record chain fields a section needs ("NofW", ...): the north tier's
 // and the west tier's irregular quarter-miles.

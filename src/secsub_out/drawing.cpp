@@ -77,6 +77,18 @@ std::string drawingSvg(const SectionDrawing& d, const std::string& title, int si
     svg += "<line x1=\"" + number(px(a.x)) + "\" y1=\"" + number(py(a.y)) + "\" x2=\"" + number(px(b.x)) + "\" y2=\"" +
            number(py(b.y)) + "\" " + style + "/>\n";
   }
+  // A corner on another corner would hide under its mark: ring it in amber
+  // and say under the title which lies on which.
+  std::string onText;
+  for (const Coincidence& c : d.coincidences) {
+    const DrawingMarker& m = at(c.slot);
+    svg += "<circle class=\"coincident\" cx=\"" + number(px(m.x)) + "\" cy=\"" + number(py(m.y)) +
+           "\" r=\"11\" fill=\"none\" stroke=\"#d35400\" stroke-width=\"2.5\"/>\n";
+    onText += (onText.empty() ? "" : ", ") + std::to_string(c.slot) + (c.computed ? " on " : " = ") + std::to_string(c.onSlot);
+  }
+  if (!onText.empty())
+    svg += "<text class=\"coincident\" x=\"12\" y=\"40\" font-family=\"sans-serif\" font-size=\"12\" fill=\"#d35400\">"
+           "Coincident corners: " + escaped(onText) + "</text>\n";
   for (const auto& m : d.markers) {
     const std::string x = number(px(m.x)), y = number(py(m.y));
     svg += m.computed ? "<circle class=\"computed\" cx=\"" + x + "\" cy=\"" + y +

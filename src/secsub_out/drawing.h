@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "secsub/notices.h"
 #include "secsub/section_record.h"
 #include "secsub_out/grid_lines.h"
 
@@ -28,6 +29,8 @@ struct DrawingLine {
 struct SectionDrawing {
   std::vector<DrawingLine> lines;
   std::vector<DrawingMarker> markers;
+  // Corners that fell on another corner: ringed, and named under the title.
+  std::vector<Coincidence> coincidences;
 };
 
 // The drawing of the present positions (X not 0), labelled with `labels`.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 
+#include "text/angle.h"
 #include "text/format.h"
 #include "text/justify.h"
 #include "text/number.h"
@@ -88,27 +89,44 @@ std::vector<std::string> printReportHeader(SectionRecord& r, const ReportInput& 
 
 namespace {
 
-// The 5 by 5 grid as text: each position a 15-column box of up to three
-// lines, joined by the section's lines ("-" along a row, "|" between rows)
-// where both ends are present.
+// The longest name these pages print whole; a longer one keeps its first
+// characters and ends in "~", so a cut never passes unseen.
+constexpr std::size_t kNameWidth = 20;
+
+std::string shownName(const std::string& name) {
+  if (textLength(name) <= kNameWidth) return name;
+  return std::string(textPrefix(name, kNameWidth - 1)) + "~";
+}
+
+// The 5 by 5 grid as text: each position a box of up to three lines, as
+// wide as the widest text plus one blank, so that a name never runs into
+// the section's lines ("-" along a row, "|" between rows) drawn where both
+// ends are present.
 std::vector<std::string> diagram(const SectionRecord& r,
                                  const std::function<std::array<std::string, 3>(const CornerSlot&, int)>& box) {
+  std::array<std::array<std::string, 3>, slot::count> texts;
+  std::size_t width = 15;
+  for (int s = 0; s < slot::count; ++s) {
+    const CornerSlot& c = at(r, s);
+    texts[static_cast<std::size_t>(s)] = c.x != 0 ? box(c, s) : std::array<std::string, 3>{"      .", "", ""};
+    for (const std::string& t : texts[static_cast<std::size_t>(s)]) width = std::max(width, textLength(t) + 1);
+  }
+  const int cellWidth = static_cast<int>(width);
   std::vector<std::string> out;
   for (int row = 0; row < 5; ++row) {
     std::array<std::string, 3> lines;
     for (int col = 0; col < 5; ++col) {
       const int s = 5 * row + col;
-      const CornerSlot& c = at(r, s);
-      const auto texts = c.x != 0 ? box(c, s) : std::array<std::string, 3>{"      .", "", ""};
-      const bool joinedEast = col < 4 && c.x != 0 && at(r, s + 1).x != 0;
-      for (int k = 0; k < 3; ++k) {
-        std::string cell = leftJustify(texts[static_cast<std::size_t>(k)], 15) + (col < 4 ? " " : "");
+      const auto& boxText = texts[static_cast<std::size_t>(s)];
+      const bool joinedEast = col < 4 && at(r, s).x != 0 && at(r, s + 1).x != 0;
+      for (std::size_t k = 0; k < 3; ++k) {
+        std::string cell = leftJustify(boxText[k], cellWidth) + (col < 4 ? " " : "");
         if (k == 0 && joinedEast) {
-          // The line to the east neighbour runs from after the name to the next box.
-          const std::size_t from = std::min(texts[0].size() + 1, std::size_t{15});
+          // The line to the east neighbour runs from one blank after the name to the next box.
+          const std::size_t from = boxText[0].size() + 1;
           for (std::size_t i = from; i < cell.size(); ++i) cell[i] = '-';
         }
-        lines[static_cast<std::size_t>(k)] += cell;
+        lines[k] += cell;
       }
     }
     for (std::size_t k = 0; k < lines.size(); ++k) {
@@ -120,13 +138,21 @@ std::vector<std::string> diagram(const SectionRecord& r,
       std::string connector;
       for (int col = 0; col < 5; ++col) {
         const bool joined = at(r, 5 * row + col).x != 0 && at(r, 5 * row + col + 5).x != 0;
-        connector += leftJustify(joined ? "|" : "", 16);
+        connector += leftJustify(joined ? "|" : "", cellWidth + 1);
       }
       while (!connector.empty() && connector.back() == ' ') connector.pop_back();
       out.push_back(connector);
     }
   }
   return out;
+}
+
+// Wide enough for every present position's shown name and one blank.
+int nameColumn(const SectionRecord& r, std::size_t least) {
+  std::size_t width = least;
+  for (const CornerSlot& c : r.slots)
+    if (c.x != 0) width = std::max(width, textLength(shownName(c.pointNumber)) + 1);
+  return static_cast<int>(width);
 }
 
 }  // namespace
@@ -136,15 +162,18 @@ std::vector<std::string> printReport(SectionRecord& r, const CornerNaming& namin
     if (c.x != 0) formatTexts(c);
   std::vector<std::string> out{"          COMPUTED POSITIONS - " + locationLine(r), ""};
   const auto grid = diagram(r, [](const CornerSlot& c, int) {
-    return std::array<std::string, 3>{c.pointNumber, "X=" + c.xText, "Y=" + c.yText};
+    return std::array<std::string, 3>{shownName(c.pointNumber), "X=" + c.xText, "Y=" + c.yText};
   });
   out.insert(out.end(), grid.begin(), grid.end());
-  out.insert(out.end(), {"", "  Pos  Point Name      X-Coordinate   Y-Coordinate  Status    Corner Description"});
+  const int names = nameColumn(r, 12);
+  out.insert(out.end(), {"", "  Pos  " + leftJustify("Point Name", names) + rightJustify("X-Coordinate", 15) +
+                                 rightJustify("Y-Coordinate", 15) + "  Status    Corner Description"});
   for (int s = 0; s < slot::count; ++s) {
     const CornerSlot& c = at(r, s);
     if (c.x == 0) continue;
-    out.push_back(rightJustify(sectionText(s), 5) + "  " + leftJustify(c.pointNumber, 12) + rightJustify(c.xText, 15) +
-                  rightJustify(c.yText, 15) + "  " + leftJustify(computed[static_cast<std::size_t>(s)] ? "computed" : "held", 10) +
+    out.push_back(rightJustify(sectionText(s), 5) + "  " + leftJustify(shownName(c.pointNumber), names) +
+                  rightJustify(c.xText, 15) + rightJustify(c.yText, 15) + "  " +
+                  leftJustify(computed[static_cast<std::size_t>(s)] ? "computed" : "held", 10) +
                   naming.descriptions[static_cast<std::size_t>(s)]);
   }
   out.push_back("");
@@ -154,21 +183,28 @@ std::vector<std::string> printReport(SectionRecord& r, const CornerNaming& namin
   return out;
 }
 
-std::vector<std::string> print3rdPage(const SectionRecord& r) {
-  std::vector<std::string> out{"                SUMMARY - SECTION " + CStr(r.section), "          " + locationLine(r), ""};
+std::vector<std::string> print3rdPage(const SectionRecord& r, const ReportInput& input) {
+  std::vector<std::string> out;
+  // The header data heads the summary sheet too, when it is asked for.
+  if (input.header) out = headerBlock(*input.header, input.dataFile);
+  out.insert(out.end(), {"                SUMMARY - SECTION " + CStr(r.section), "          " + locationLine(r), ""});
   const auto grid = diagram(r, [](const CornerSlot& c, int) {
-    return std::array<std::string, 3>{c.pointNumber, "", ""};
+    return std::array<std::string, 3>{shownName(c.pointNumber), "", ""};
   });
   out.insert(out.end(), grid.begin(), grid.end());
-  out.insert(out.end(), {"", "     Line                        Length        Azimuth"});
-  auto line = [&](int from, int to, double length, const std::string& azimuth) {
-    if (length == 0) return;
-    out.push_back("     " + leftJustify(at(r, from).pointNumber + " - " + at(r, to).pointNumber, 24) +
-                  rightJustify(Format(length, "#0.000"), 12) + "    " + azimuth);
+  const int pair = std::max(24, 2 * nameColumn(r, 0) + 2);
+  out.insert(out.end(), {"", "     " + leftJustify("Line", pair) + rightJustify("Length", 12) + "    Azimuth"});
+  // A line of length 0 between two present corners joins coincident
+  // corners and has no direction; a line with a missing end is not listed.
+  auto line = [&](int from, int to, double length, double azimuth) {
+    if (at(r, from).x == 0 || at(r, to).x == 0) return;
+    out.push_back("     " + leftJustify(shownName(at(r, from).pointNumber) + " - " + shownName(at(r, to).pointNumber), pair) +
+                  rightJustify(Format(length, "#0.000"), 12) + "    " +
+                  (length == 0 ? std::string("coincident") : decimalToDmsCarried(azimuth)));
   };
   for (int i = 0; i < 24; ++i)
-    if (i % 5 != 4) line(i, i + 1, at(r, i + 1).horizontalLength, at(r, i + 1).horizontalAzimuthText);
-  for (int i = 0; i < 20; ++i) line(i, i + 5, at(r, i + 5).verticalLength, at(r, i + 5).verticalAzimuthText);
+    if (i % 5 != 4) line(i, i + 1, at(r, i + 1).horizontalLength, at(r, i + 1).horizontalAzimuth);
+  for (int i = 0; i < 20; ++i) line(i, i + 5, at(r, i + 5).verticalLength, at(r, i + 5).verticalAzimuth);
   out.push_back(kFormFeed);
   return out;
 }

@@ -33,8 +33,9 @@ std::vector<std::string> printReportHeader(SectionRecord& record, const ReportIn
 std::vector<std::string> printReport(SectionRecord& record, const CornerNaming& naming,
                                      const std::array<bool, 25>& computed);
 
-// The one-page summary: the diagram of point names and the length and
-// azimuth of every measured grid line.
-std::vector<std::string> print3rdPage(const SectionRecord& record);
+// The one-page summary: the header block when header data is asked for,
+// the diagram of point names, and the length and azimuth of every grid
+// line between present corners (coincident corners marked so).
+std::vector<std::string> print3rdPage(const SectionRecord& record, const ReportInput& input);
 
 }  // namespace tervalo

@@ -53,4 +53,13 @@ std::string decimalToDms(double degrees) {
          Format(Val(secondText), "00.00") + "\"";
 }
 
+std::string decimalToDmsCarried(double degrees) {
+  const double hundredths = std::round(std::fabs(degrees) * 360000.0);
+  const double whole = std::floor(hundredths / 360000.0);
+  const double minutes = std::floor((hundredths - whole * 360000.0) / 6000.0);
+  const double seconds = (hundredths - whole * 360000.0 - minutes * 6000.0) / 100.0;
+  return std::string(degrees < 0 && hundredths > 0 ? "-" : "") + Format(whole, "00") + "\u00B0" + Format(minutes, "00") +
+         "'" + Format(seconds, "00.00") + "\"";
+}
+
 }  // namespace tervalo

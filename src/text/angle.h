@@ -18,4 +18,10 @@ std::string dmsToDecimal(std::string& packed);
 // the degrees (12.9999999 shows 12°60'00.00").
 std::string decimalToDms(double degrees);
 
+// The same display with every carry made: the angle is rounded once to
+// hundredths of a second, so 60 seconds and 60 minutes never show
+// (12.9999999 shows 13°00'00.00"). For the report pages of this program's
+// own design; the fields and stored texts keep decimalToDms.
+std::string decimalToDmsCarried(double degrees);
+
 }  // namespace tervalo

@@ -26,6 +26,17 @@ W* named(const char* name, QWidget* parent, QWidget* fallback) {
 
 }  // namespace
 
+QLabel* noticeLabel(const char* name, QWidget* parent) {
+  auto* l = new QLabel(parent);
+  l->setObjectName(name);
+  l->setWordWrap(true);
+  l->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  l->setFocusPolicy(Qt::StrongFocus);  // reachable by Tab, so a keyboard user reads and copies it too
+  l->setStyleSheet("QLabel { background: #fff3cd; color: #4d3400; border: 1px solid #d39e00; padding: 6px; }");
+  l->setVisible(false);
+  return l;
+}
+
 QFont fixedPitchFont() {
   QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
   if (!QFontInfo(font).fixedPitch()) {

@@ -58,4 +58,9 @@ class FormDialog : public QDialog {
 // The fixed-pitch font of result columns.
 QFont fixedPitchFont();
 
+// A notice the user must not miss but need not answer: wrapped text on an
+// amber ground, its own colours so that it reads alike in light and dark
+// themes. Named after its control; hidden while the model's label is.
+QLabel* noticeLabel(const char* name, QWidget* parent);
+
 }  // namespace tervalo

@@ -12,6 +12,7 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/qt/binder.h"
+#include "app/qt/form_dialog.h"
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
 
@@ -43,7 +44,8 @@ MainWindow::MainWindow(Program& program, QtShell& shell) : model_(program.form<f
   go->setObjectName("btnContinue");
   go->setDefault(true);
   grid->addWidget(go, 3, 2);
-  grid->setRowStretch(4, 1);
+  grid->addWidget(noticeLabel("lblNotice", central), 4, 0, 1, 3);
+  grid->setRowStretch(5, 1);
   setCentralWidget(central);
 
   // The menu in the model's order; entries with a parent go in its submenu.
