@@ -98,10 +98,11 @@ std::string shownName(const std::string& name) {
   return std::string(textPrefix(name, kNameWidth - 1)) + "~";
 }
 
-// The 5 by 5 grid as text: each position a box of up to three lines, as
-// wide as the widest text plus one blank, so that a name never runs into
-// the section's lines ("-" along a row, "|" between rows) drawn where both
-// ends are present.
+// The 5 by 5 grid as text: each position a box of up to three lines,
+// joined by the section's lines ("-" along a row, "|" between rows) where
+// both ends are present. Boxes are as wide as their texts need, with room
+// for a blank, at least two dashes and a blank after the longest name, so a
+// name never touches a line.
 std::vector<std::string> diagram(const SectionRecord& r,
                                  const std::function<std::array<std::string, 3>(const CornerSlot&, int)>& box) {
   std::array<std::array<std::string, 3>, slot::count> texts;
@@ -109,7 +110,8 @@ std::vector<std::string> diagram(const SectionRecord& r,
   for (int s = 0; s < slot::count; ++s) {
     const CornerSlot& c = at(r, s);
     texts[static_cast<std::size_t>(s)] = c.x != 0 ? box(c, s) : std::array<std::string, 3>{"      .", "", ""};
-    for (const std::string& t : texts[static_cast<std::size_t>(s)]) width = std::max(width, textLength(t) + 1);
+    const auto& t = texts[static_cast<std::size_t>(s)];
+    width = std::max({width, textLength(t[0]) + 4, textLength(t[1]) + 1, textLength(t[2]) + 1});
   }
   const int cellWidth = static_cast<int>(width);
   std::vector<std::string> out;
@@ -122,9 +124,9 @@ std::vector<std::string> diagram(const SectionRecord& r,
       for (std::size_t k = 0; k < 3; ++k) {
         std::string cell = leftJustify(boxText[k], cellWidth) + (col < 4 ? " " : "");
         if (k == 0 && joinedEast) {
-          // The line to the east neighbour runs from one blank after the name to the next box.
+          // The line to the east neighbour: from one blank after the name to one blank before the next box.
           const std::size_t from = boxText[0].size() + 1;
-          for (std::size_t i = from; i < cell.size(); ++i) cell[i] = '-';
+          for (std::size_t i = from; i + 1 < cell.size(); ++i) cell[i] = '-';
         }
         lines[k] += cell;
       }

@@ -65,6 +65,25 @@ TEST_F(MainWindow, SectionSubdivisionResetsNamesAndPointsEveryTime) {
   EXPECT_EQ(main.txtReport.text, dir.folder() + "SecSub.rpt");
 }
 
+TEST_F(MainWindow, ProposesTheOutputNamesFromTheStartAndNoticesCutCoordinates) {
+  EXPECT_EQ(main.txtOutInp.text, dir.folder() + "SecSub.inp");
+  EXPECT_EQ(main.txtReport.text, dir.folder() + "SecSub.rpt");
+  EXPECT_FALSE(main.lblNotice.visible);
+  const auto report = dir.write("xy.txt",
+                                "Copyright: x\n    Point                 X                 Y\n"
+                                "---------------   ---------------  ----------------   ------------  ------------\n"
+                                "101                 2,170,582.900     1,289,841.989\n\n\n\n"
+                                "102                   513,633.455       289,846.827\n");
+  main.typeText("txtInFile", report.string());
+  main.click("btnContinue");
+  EXPECT_TRUE(shell.boxes.empty());  // a notice, not a box
+  EXPECT_EQ(program.points.records[1].x, 2170);
+  EXPECT_TRUE(main.lblNotice.visible);
+  EXPECT_NE(main.lblNotice.caption.find("point 101 hold"), std::string::npos);
+  main.click("mnuSecSub");
+  EXPECT_FALSE(main.lblNotice.visible);
+}
+
 TEST_F(MainWindow, BrowseAndDropReadTheSourceAtOnce) {
   shell.chosenFiles.push_back(csv.string());
   main.click("btnInFile");

@@ -10,6 +10,7 @@
 
 #include "app/program.h"
 #include "app/runner.h"
+#include "support/geopak_names.h"
 #include "support/temp_dir.h"
 #include "support/test_names.h"
 
@@ -50,6 +51,7 @@ TEST_P(Golden, Files) {
     const std::string goldenFile = kGolden + c.job + std::filesystem::path(file).extension().string();
     if (std::getenv("TERVALO_UPDATE_GOLDEN")) std::ofstream(goldenFile, std::ios::binary) << produced;
     EXPECT_EQ(produced, TempDir::read(goldenFile)) << goldenFile;
+    if (file.ends_with(".inp")) EXPECT_EQ(testing::unnamedGeopakLines(produced), std::vector<std::string>{}) << file;
   }
 }
 

@@ -24,10 +24,10 @@ class Readers : public ::testing::Test {
   FormatFlags flags;
   PointList points;
 
-  void load(const std::string& name, const std::string& bytes) {
+  ReadNotes load(const std::string& name, const std::string& bytes) {
     const auto file = dir.write(name, bytes);
     getFileFormat(file, flags);
-    readFile(file, flags, points);
+    return readFile(file, flags, points);
   }
   const PointRecord& at(int i) const { return points.records[static_cast<std::size_t>(i)]; }
 };
@@ -112,7 +112,7 @@ TEST_F(Readers, RecognitionFaults) {
 }
 
 TEST_F(Readers, XYReportFromIndexOne) {
-  load("xy.txt", xyReport("    Point                 X                 Y",
+  const ReadNotes notes = load("xy.txt", xyReport("    Point                 X                 Y",
                           "1001                  512,313.489       289,841.989\r\n"
                           "   Feature: CM\r\n   Description: FD STONE\r\n\r\n"
                           "---  a rule line\r\n\r\n\r\n\r\n"
@@ -127,6 +127,10 @@ TEST_F(Readers, XYReportFromIndexOne) {
   EXPECT_EQ(at(2).name, "");  // the rule line's group takes an index
   EXPECT_EQ(at(3).x, 1514);  // only the first comma is removed; reading stops at the second
   EXPECT_EQ(points.pointCount, 4);
+  // ...and the point so cut is reported, by name.
+  EXPECT_EQ(notes.cutCoordinates, std::vector<std::string>{"1002"});
+  EXPECT_NE(notes.message().find("point 1002 hold more than one thousands comma"), std::string::npos);
+  EXPECT_EQ(ReadNotes{}.message(), "");
 }
 
 TEST_F(Readers, XYReportFaults) {

@@ -3,10 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
+#include <tuple>
 
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "secsub/frm_sec_sub.h"
+#include "support/geopak_names.h"
 #include "support/recording_shell.h"
 #include "support/temp_dir.h"
 #include "text/errors.h"
@@ -122,6 +125,7 @@ TEST_F(SectionForm, EachCheckRefusesWithItsBox) {
       {"14", "", "22", "5", true, "Missing Data", "Township number is a required field."},
       {"14", "115", "", "5", true, "Missing Data", "Range number is a required field."},
       {"14", "115", "22", "6", true, "Invalid Number", "Valid Principal Meridian numbers are 4 or 5."},
+      {"14", "115", "22", "4.7", true, "Invalid Number", "Valid Principal Meridian numbers are 4 or 5."},
       {"14", "115", "22", "5", false, "Missing Quarter Corner", "Enter all four quarter corners or hold the center."},
   };
   form.setChecked("chkDefaults", false);
@@ -137,6 +141,7 @@ TEST_F(SectionForm, EachCheckRefusesWithItsBox) {
     EXPECT_EQ(shell.boxes[0].text, c.text);
     EXPECT_EQ(shell.boxes[0].icon, Icon::Information);
     EXPECT_TRUE(shell.writtenFiles.empty());
+    EXPECT_EQ(form.txtPM.text, c.pm);  // read as typed: 4.7 is not cut to 4
   }
 }
 
@@ -278,6 +283,149 @@ TEST_F(SectionForm, TheDrawingFollowsTheRunAndIsSavedAsSvg) {
 
   form.click("btnClear");
   EXPECT_EQ(form.drawing(), "");
+}
+
+}  // namespace
+}  // namespace tervalo
+
+namespace tervalo {
+namespace {
+
+TEST_F(SectionForm, AnInteriorSectionIsRegularWithoutTouchingAChainField) {
+  location("14", "115", "22");
+  for (const ChainField& c : form.chains) {
+    EXPECT_EQ(c.text.text, "20") << c.name;
+    EXPECT_FALSE(c.text.visible || c.caption.visible) << c.name;
+  }
+  corners();
+  form.click("btnContinue");
+  EXPECT_EQ(titles(), (std::vector<std::string>{"Program Complete"}));
+  EXPECT_FALSE(form.lblNotice.visible);
+  // Every sixteenth corner is the midpoint of its half-mile: {slot, one end, other end}.
+  const std::tuple<int, int, int> halves[] = {{1, 0, 2},    {3, 2, 4},    {5, 0, 10},   {9, 4, 14},
+                                              {15, 10, 20}, {19, 14, 24}, {21, 20, 22}, {23, 22, 24},
+                                              {7, 2, 12},   {11, 10, 12}, {13, 12, 14}, {17, 12, 22}};
+  const auto& r = form.record.slots;
+  for (const auto& [s, a, b] : halves) {
+    const auto i = static_cast<std::size_t>(s), ia = static_cast<std::size_t>(a), ib = static_cast<std::size_t>(b);
+    EXPECT_NEAR(r[i].x, (r[ia].x + r[ib].x) / 2, 1e-6) << s;
+    EXPECT_NEAR(r[i].y, (r[ia].y + r[ib].y) / 2, 1e-6) << s;
+  }
+}
+
+TEST_F(SectionForm, ChainFieldsFollowTheSectionTheyBelongTo) {
+  auto shown = [this] {
+    std::string names;
+    for (const ChainField& c : form.chains) names += c.text.visible ? std::string(c.name) + "=" + c.text.text + " " : "";
+    return names;
+  };
+  location("6", "115", "22");  // needs N and S of the W line and N of the E line: left for the user
+  EXPECT_EQ(shown(), "NofW= SofW= NofE= ");
+  EXPECT_EQ(form.chain("EofS").text.text, "20");
+  form.typeText("txtNofWchain", "19.87");
+  form.typeText("txtSection", "14");  // needs none: the 20s hide, a typed value stays in sight
+  EXPECT_EQ(shown(), "NofW=19.87 ");
+  form.typeText("txtSection", "6");  // the 20s the program put there are taken back
+  EXPECT_EQ(shown(), "NofW=19.87 SofW= NofE= ");
+  form.typeText("txtSofWchain", "20");  // a 20 the user types is the user's own
+  form.typeText("txtSection", "14");
+  form.typeText("txtSection", "7");
+  EXPECT_EQ(form.chain("SofW").text.text, "20");
+  form.setChecked("chkDefaults", false);
+  EXPECT_EQ(std::count_if(form.chains.begin(), form.chains.end(), [](const ChainField& c) { return c.text.visible; }), 8);
+  form.click("btnClear");
+  EXPECT_EQ(shown(), "");
+  EXPECT_EQ(form.chain("EofS").text.text, "");
+}
+
+TEST_F(SectionForm, AnEmptyRequiredChainWarnsAndTheNoticeNamesItsCorner) {
+  location("7", "115", "22");
+  corners();
+  form.typeText("txtNofWchain", "20");  // "S 1/4 mile on W line" left empty
+  form.click("btnContinue");
+  EXPECT_EQ(titles(), (std::vector<std::string>{"Missing Data", "Program Complete"}));  // no box of its own
+  ASSERT_TRUE(form.lblNotice.visible);
+  EXPECT_NE(form.lblNotice.caption.find("The computed corner 15 (E 1/16 SE 1/4 12-115-23) lies on corner 20 "
+                                        "(NE 13-115-23): \"S 1/4 mile on W line\" is empty."),
+            std::string::npos)
+      << form.lblNotice.caption;
+  EXPECT_NE(form.drawing().find("Coincident corners: 15 on 20"), std::string::npos);
+  EXPECT_EQ(form.notices.coincidences.size(), 1u);
+  form.click("btnClear");
+  EXPECT_FALSE(form.lblNotice.visible);
+}
+
+TEST_F(SectionForm, NamesAndFeatureCodesComeFromTheBoxes) {
+  location("14", "115", "22");
+  corners({0});
+  form.typeText("txt0xc", "512313.489");  // the NW corner by coordinates alone
+  form.typeText("txt0yc", "289841.989");
+  form.typeText("txt1pn", "s1");  // a number for a corner the run computes
+  form.typeText("txt12pf", "MON");  // a feature for the computed center
+  form.typeText("txt3pf", "IP");  // a sixteenth's feature: never written
+  form.click("btnContinue");
+  const std::string geopak = TempDir::read(dir.path() / "SecSub.inp");
+  for (const char* line : {"\r\nSTO POI SNE1511522  X 512313.4890  Y 289841.9890  DES \"NE 15-115-22\"\r\n",
+                           "\r\nSTO POI S1  X ", "\r\nSTO LIN SNA1411522 SNE1511522 TO S1\r\n",
+                           "  FE:MON $\r\nSTO POI 8  X 514967.4257  Y 287220.1001  FEA MON  DES \"CENTER 14-115-22\"",
+                           "\r\n$ $ Corner:03  XC:516277.6035  YC:289861.9005 $\r\nSTO POI 1  X 516277.6035  Y 289861.9005  DES"})
+    EXPECT_NE(geopak.find(line), std::string::npos) << line;
+  EXPECT_NE(form.lblNotice.caption.find("The corner 0 (NE 15-115-22) has no point number; the files name it SNE1511522."),
+            std::string::npos);
+}
+
+TEST_F(SectionForm, NoPresentPositionIsEverWrittenWithoutAName) {
+  const char* xy[8][2] = {{"512313.489", "289841.989"}, {"514953.421", "289851.665"}, {"517601.786", "289872.136"},
+                          {"512325.918", "287204.468"}, {"517610.069", "287235.739"}, {"512340.218", "284561.407"},
+                          {"514981.489", "284577.542"}, {"517620.225", "284590.898"}};
+  const int plsSlots[] = {0, 2, 4, 10, 14, 20, 22, 24};
+  std::mt19937 pick(14);
+  auto chance = [&pick](int percent) { return static_cast<int>(pick() % 100) < percent; };
+  for (int run = 0; run < 40; ++run) {
+    form.click("btnClear");
+    main.click("btnContinue");  // each run empties the point list
+    location("14", "115", "22");
+    for (int i = 0; i < 8; ++i) {
+      const std::string n = "txt" + std::to_string(plsSlots[i]);
+      const bool sectionCorner = i == 0 || i == 2 || i == 5 || i == 7;
+      if (sectionCorner && chance(20)) continue;  // absent
+      if (chance(30)) {
+        form.typeText(n + "xc", xy[i][0]);  // by coordinates, without a number
+        form.typeText(n + "yc", xy[i][1]);
+      } else {
+        form.typeText(n + "pn", std::to_string(1001 + i));
+      }
+    }
+    for (int s : slot::others)
+      if (chance(15)) form.typeText("txt" + std::to_string(s) + "pn", "t" + std::to_string(s));
+    form.setChecked(chance(30) ? "optUnique" : "optIncr", true);
+    form.typeText("txtIncr", chance(50) ? "" : "A100");
+    form.click("btnContinue");
+    ASSERT_EQ(shell.boxes.back().title, "Program Complete") << run;
+    EXPECT_EQ(testing::unnamedGeopakLines(TempDir::read(dir.path() / "SecSub.inp")), std::vector<std::string>{}) << run;
+  }
+}
+
+TEST_F(SectionForm, ReportPagesFitLongNamesAndMarkCoincidentLines) {
+  location("7", "115", "22");
+  corners({0});
+  form.typeText("txt0pn", "NW-CORNER-OF-SECTION-7");  // 22 characters, and not in the source file
+  form.typeText("txt0xc", "512313.489");
+  form.typeText("txt0yc", "289841.989");
+  form.typeText("txtNofWchain", "20");  // the S 1/4 mile on the W line left empty: 15 lies on 20
+  form.typeText("txt1pn", "s1");
+  form.click("btnContinue");
+  std::string report = TempDir::read(dir.path() / "SecSub.rpt");
+  report.erase(0, report.find('\f'));  // the first page cuts names to its columns without a sign
+  // Cut with its sign, a blank on each side of the line to the next corner.
+  EXPECT_NE(report.find("\nNW-CORNER-OF-SECTIO~ --- S1 ---"), std::string::npos);
+  EXPECT_NE(report.find("   00  NW-CORNER-OF-SECTIO~ "), std::string::npos);
+  EXPECT_NE(report.find("     NW-CORNER-OF-SECTIO~ - S1 "), std::string::npos);
+  EXPECT_EQ(report.find("NW-CORNER-OF-SECTION"), std::string::npos);
+  // Corner 15 fell on the SW corner: a line of no length and no direction.
+  EXPECT_NE(report.find("     10 - 1006 "), std::string::npos);
+  EXPECT_NE(report.find("0.000    coincident\r\n"), std::string::npos);
+  EXPECT_EQ(report.find("60'"), std::string::npos);
 }
 
 }  // namespace

@@ -99,7 +99,6 @@ void typeExampleSection(Program& program) {
   form.typeText("txtRange", "22");
   const int plsSlots[] = {0, 2, 4, 10, 14, 20, 22, 24};
   for (int i = 0; i < 8; ++i) form.typeText("txt" + std::to_string(plsSlots[i]) + "pn", std::to_string(1001 + i));
-  for (auto& c : form.chains) form.typeText(std::string("txt") + c.name + "chain", "20");
   form.typeText("txtIncr", "2001");
 }
 
