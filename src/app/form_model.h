@@ -48,9 +48,15 @@ class FormModel {
   // back (the segments of a list built with Add, say), as job steps.
   virtual std::vector<JobStep> recoverySteps() const { return {}; }
 
+  // Each time the window opens, before it is shown.
+  virtual void opened() {}
+
   // Open while shown; a model closes itself with unload() (Return).
   bool isOpen() const { return open_; }
-  void setOpen(bool open) { open_ = open; }
+  void setOpen(bool open) {
+    open_ = open;
+    if (open) opened();
+  }
   void unload() { open_ = false; }
 
  protected:

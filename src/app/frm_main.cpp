@@ -57,12 +57,15 @@ void frmMain::enableMenus() {
 }
 
 void frmMain::readInputFile() {
-  lblNotice.caption.clear();
-  lblNotice.visible = false;
+  showSourceNotice("");
   getFileFormat(program().inputFileName, program().formats);
-  const ReadNotes notes = readFile(program().inputFileName, program().formats, program().points);
-  lblNotice.caption = notes.message();
-  lblNotice.visible = !lblNotice.caption.empty();
+  showSourceNotice(readFile(program().inputFileName, program().formats, program().points).message());
+}
+
+void frmMain::showSourceNotice(const std::string& text) {
+  program().sourceNotice = text;
+  lblNotice.caption = text;
+  lblNotice.visible = !text.empty();
 }
 
 void frmMain::btnContinue_Click() {
@@ -95,8 +98,7 @@ void frmMain::chooseOutput(TextBox& field) {
 
 void frmMain::mnuSecSub_Click() {
   program().points.clearRecords(0, PointList::capacity - 1);
-  lblNotice.caption.clear();
-  lblNotice.visible = false;
+  showSourceNotice("");
   proposeOutputNames();
 }
 

@@ -57,6 +57,7 @@ class frmMain : public FormModel {
   void chooseOutput(TextBox& field);
   void enableMenus();
   void proposeOutputNames();
+  void showSourceNotice(const std::string& text);
 };
 
 }  // namespace tervalo

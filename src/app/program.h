@@ -71,6 +71,10 @@ class Program {
   std::string inputFileName;   // the source coordinate file
   std::string outputFileName;  // the current calculator's output file
   HeaderData header;           // for the section report, kept for the whole run
+  // What reading the source file noticed (coordinates cut at a second
+  // comma), shown by the main window and again by the section form that
+  // opens over it; empty when there is nothing to say.
+  std::string sourceNotice;
 
   // The one model of that window for this run, made on first use.
   FormModel& form(std::string_view name);

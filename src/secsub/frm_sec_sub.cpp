@@ -368,10 +368,11 @@ std::vector<int> frmSecSub::nameOutputPositions(const CornerNaming& naming) {
   return unnamed;
 }
 
+// The source file's notice first, then the run's.
 void frmSecSub::showNotices(const std::vector<std::string>& lines) {
-  lblNotice.caption.clear();
+  lblNotice.caption = program().sourceNotice;
   for (const std::string& line : lines) lblNotice.caption += (lblNotice.caption.empty() ? "" : "\n") + line;
-  lblNotice.visible = !lines.empty();
+  lblNotice.visible = !lblNotice.caption.empty();
 }
 
 void frmSecSub::Main() {

@@ -98,6 +98,8 @@ class frmSecSub : public FormModel {
   bool getFormValues();
   void checkForMissingChainData();
   void labelBlankPts(const CornerNaming& naming);
+  // Opening over the main window: the source file's notice comes along.
+  void opened() override { showNotices(notices.lines); }
   // The names and feature codes the output files give each present
   // position; returns the positions that had no name and took their corner name.
   std::vector<int> nameOutputPositions(const CornerNaming& naming);

@@ -4,6 +4,7 @@
 
 #include "app/frm_main.h"
 #include "app/program.h"
+#include "secsub/frm_sec_sub.h"
 #include "support/recording_shell.h"
 #include "support/temp_dir.h"
 #include "text/errors.h"
@@ -80,6 +81,8 @@ TEST_F(MainWindow, ProposesTheOutputNamesFromTheStartAndNoticesCutCoordinates) {
   EXPECT_EQ(program.points.records[1].x, 2170);
   EXPECT_TRUE(main.lblNotice.visible);
   EXPECT_NE(main.lblNotice.caption.find("point 101 hold"), std::string::npos);
+  // The section form opening over the main window says it too.
+  EXPECT_EQ(program.form<frmSecSub>("frmSecSub").lblNotice.caption, main.lblNotice.caption);
   main.click("mnuSecSub");
   EXPECT_FALSE(main.lblNotice.visible);
 }

@@ -39,12 +39,19 @@ QLabel* noticeLabel(const char* name, QWidget* parent) {
 
 QFont fixedPitchFont() {
   QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-  if (!QFontInfo(font).fixedPitch()) {
-    // Some platforms name no fixed font; any monospace one keeps the columns.
-    font.setFamily("Monospace");
-    font.setStyleHint(QFont::TypeWriter);
-    font.setFixedPitch(true);
+  if (QFontInfo(font).fixedPitch()) return font;
+  // Some systems name a system fixed font that the font matcher does not
+  // take as fixed-pitch; the first common monospace family that is keeps
+  // the columns.
+  for (const char* family : {"DejaVu Sans Mono", "Liberation Mono", "Noto Mono", "Monospace", "Courier New"}) {
+    QFont candidate = font;
+    candidate.setFamily(family);
+    candidate.setStyleHint(QFont::TypeWriter);
+    candidate.setFixedPitch(true);
+    if (QFontInfo(candidate).fixedPitch()) return candidate;
   }
+  font.setStyleHint(QFont::TypeWriter);
+  font.setFixedPitch(true);
   return font;
 }
 

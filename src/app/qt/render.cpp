@@ -87,14 +87,14 @@ void fillExamples(Program& program) {
 }
 
 // The example section typed into its form, as the example job does.
-void typeExampleSection(Program& program) {
+void typeExampleSection(Program& program, const char* section = "14") {
   // Read as Continue in the main window reads it, without showing the form modally.
   program.inputFileName = "examples/section14.sdms";
   getFileFormat(program.inputFileName, program.formats);
   readFile(program.inputFileName, program.formats, program.points);
   auto& form = program.form<frmSecSub>("frmSecSub");
   form.setOpen(true);
-  form.typeText("txtSection", "14");
+  form.typeText("txtSection", section);
   form.typeText("txtTwp", "115");
   form.typeText("txtRange", "22");
   const int plsSlots[] = {0, 2, 4, 10, 14, 20, 22, 24};
@@ -134,6 +134,12 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     const bool drawn = shell.renderPng(form.drawing(), drawing.toStdString());
     std::cout << (drawn ? "rendered " : "could not render ") << drawing.toStdString() << "\n";
     failures += drawn ? 0 : 1;
+    // Section 7 with its "S 1/4 mile on W line" left empty: the notice and the ringed corner.
+    form.click("btnClear");
+    typeExampleSection(program, "7");
+    form.typeText("txtNofWchain", "20");
+    form.click("btnContinue");
+    failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-notice", laptop) ? 0 : 1;
   }
   return failures;
 }
