@@ -80,6 +80,11 @@ TEST(DecimalToDms, SixtySecondsCarryButSixtyMinutesNeverDo) {
   // 12°33'59.999" rounds its seconds to 60.00: a minute moves up.
   EXPECT_EQ(decimalToDms(12 + 33.0 / 60 + 59.999 / 3600), "12\u00B034'00.00\"");
   EXPECT_EQ(decimalToDms(12.9999999), "12\u00B060'00.00\"");
+  // The report pages of the program's own design carry both.
+  EXPECT_EQ(decimalToDmsCarried(12.9999999), "13\u00B000'00.00\"");
+  EXPECT_EQ(decimalToDmsCarried(12 + 33.0 / 60 + 59.999 / 3600), "12\u00B034'00.00\"");
+  EXPECT_EQ(decimalToDmsCarried(12.582439), decimalToDms(12.582439));
+  EXPECT_EQ(decimalToDmsCarried(179.99999999), "180\u00B000'00.00\"");
 }
 
 TEST(Dates, ReportTitleAndHeaderForms) {
