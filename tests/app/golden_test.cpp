@@ -51,7 +51,9 @@ TEST_P(Golden, Files) {
     const std::string goldenFile = kGolden + c.job + std::filesystem::path(file).extension().string();
     if (std::getenv("TERVALO_UPDATE_GOLDEN")) std::ofstream(goldenFile, std::ios::binary) << produced;
     EXPECT_EQ(produced, TempDir::read(goldenFile)) << goldenFile;
-    if (file.ends_with(".inp")) EXPECT_EQ(testing::unnamedGeopakLines(produced), std::vector<std::string>{}) << file;
+    if (file.ends_with(".inp")) {
+      EXPECT_EQ(testing::unnamedGeopakLines(produced), std::vector<std::string>{}) << file;
+    }
   }
 }
 
@@ -68,7 +70,7 @@ INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
                                            GoldenCase{"proportion-english", {"Proportion.txt"}},
                                            GoldenCase{"proportion-metric", {"Proportion.txt"}},
                                            GoldenCase{"grading-left", {"GrWidth.txt"}}),
-                         [](const auto& info) { return testing::readableName(info.param.job); });
+                         [](const auto& named) { return testing::readableName(named.param.job); });
 
 TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   TempDir dir;

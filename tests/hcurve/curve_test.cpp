@@ -124,7 +124,7 @@ TEST_P(RoundTrip, EveryAcceptedPairSolvesToTheSameCurve) {
 }
 
 INSTANTIATE_TEST_SUITE_P(ArcAndChord, RoundTrip, ::testing::Values(false, true),
-                         [](const auto& info) { return std::string(info.param ? "chord" : "arc"); });
+                         [](const auto& named) { return std::string(named.param ? "chord" : "arc"); });
 
 TEST(Stations, FromPiPcOrPt) {
   const CurveStations fromPi = placeStations(1000, GivenPoint::PI, 267.949, 523.599);

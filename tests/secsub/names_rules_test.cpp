@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(
         // Range 1 East: the west neighbour lies across the meridian, in 1 West.
         NameCase{6, 115, -1, 0, "NE 01-115-1W", "SNE0111501"}, NameCase{6, 115, -1, 4, "NE 06-115--1", "SNE0611599"},
         NameCase{27, 27, 8, 12, "CENTER 27-27-8", "CQ27278"}),
-    [](const auto& info) { const auto& c = info.param; return "s" + std::to_string(c.section) + "_T" + std::to_string(c.township) + "_R" + testing::readableName(std::to_string(c.range)) + "_pos" + std::to_string(c.position); });
+    [](const auto& named) { const auto& c = named.param; return "s" + std::to_string(c.section) + "_T" + std::to_string(c.township) + "_R" + testing::readableName(std::to_string(c.range)) + "_pos" + std::to_string(c.position); });
 
 TEST(Names, SegmentsOfEachLine) {
   const CornerNaming n = setDescriptions(36, 115, 22);
@@ -94,7 +94,7 @@ INSTANTIATE_TEST_SUITE_P(
                       RulesCase{105, 24, 31, "5", {true, false, true, false}, {true, false, false, false}},
                       RulesCase{105, 25, 36, "5", {true, false, false, true}, {true, false, false, true}},
                       RulesCase{164, 30, 1, "5", {false, false, false, false}, {false, false, false, false}}),
-    [](const auto& info) { const auto& c = info.param; return "T" + std::to_string(c.township) + "_R" + testing::readableName(std::to_string(c.range)) + "_s" + std::to_string(c.section); });
+    [](const auto& named) { const auto& c = named.param; return "T" + std::to_string(c.township) + "_R" + testing::readableName(std::to_string(c.range)) + "_s" + std::to_string(c.section); });
 
 TEST(Rules, CaptionsFollowTheMeridianArea) {
   EXPECT_EQ(townshipRules(104, 22, 3).boxes[1].caption, "North Section Line is on the Standard Parallel");

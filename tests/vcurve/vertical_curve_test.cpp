@@ -67,8 +67,8 @@ INSTANTIATE_TEST_SUITE_P(KnownPoints, CrestAndSag,
                          ::testing::Values(CurveCase{0.035, -0.015, KnownPoint::PVI}, CurveCase{0.035, -0.015, KnownPoint::PVC},
                                            CurveCase{0.035, -0.015, KnownPoint::PVT}, CurveCase{-0.04, 0.01, KnownPoint::PVI},
                                            CurveCase{-0.04, 0.01, KnownPoint::PVC}, CurveCase{-0.04, 0.01, KnownPoint::PVT}),
-                         [](const auto& info) {
-                           const auto& c = info.param;
+                         [](const auto& named) {
+                           const auto& c = named.param;
                            return std::string(c.g1 > 0 ? "crest" : "sag") + "_known_" +
                                   (c.known == KnownPoint::PVI ? "PVI" : c.known == KnownPoint::PVC ? "PVC" : "PVT");
                          });
