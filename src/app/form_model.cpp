@@ -67,7 +67,7 @@ void FormModel::click(std::string_view control) {
 }
 
 void FormModel::browseForOutput(TextBox& field) {
-  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text);
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text, {});
   if (!chosen || chosen->empty()) return;
   program_.outputFileName = *chosen;
   field.text = *chosen;

@@ -13,7 +13,10 @@ std::string VersionInfo::numbers() {
   return std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." + std::to_string(kVersionPatch);
 }
 
-const char* VersionInfo::legalRights() { return "Copyright (C) The Tervalo Project contributors. All rights reserved."; }
+const char* VersionInfo::legalRights() {
+  return "Copyright (C) The Tervalo Project contributors. Tervalo is free software under the GNU General Public "
+         "License, version 3 or (at your option) any later version, and comes with no warranty.";
+}
 
 frmAbout::frmAbout(Program& program) : FormModel(program, "frmAbout", std::string("About ") + VersionInfo::title()) {
   lblTitle.caption = VersionInfo::title();

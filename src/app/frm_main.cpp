@@ -80,7 +80,7 @@ void frmMain::btnContinue_Click() {
 }
 
 void frmMain::btnInFile_Click() {
-  const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtInFile.text);
+  const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtInFile.text, {});
   if (!chosen || chosen->empty()) return;
   useSourceFile(*chosen);
 }
@@ -92,7 +92,7 @@ void frmMain::useSourceFile(const std::string& file) {
 }
 
 void frmMain::chooseOutput(TextBox& field) {
-  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text);
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text, {});
   if (chosen && !chosen->empty()) field.text = *chosen;
 }
 

@@ -18,7 +18,10 @@ class NoShell : public Shell {
  public:
   Answer msgBox(const std::string&, const std::string&, Icon, Buttons) override { return Answer::Ok; }
   void showModal(FormModel&) override {}
-  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&) override { return {}; }
+  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&,
+                                        const std::vector<std::string>&) override {
+    return {};
+  }
   void openInEditor(const std::filesystem::path&) override {}
   Date today() override { return {}; }
 };
@@ -47,7 +50,7 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     throw JobError(std::string("the job file is not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw JobError("the job file must hold one JSON object");
-  refuseUnknownKeys(json, {"calculator", "steps", "answers"}, "job");
+  refuseUnknownKeys(json, {"calculator", "steps", "answers", "files"}, "job");
 
   Job job;
   if (!json.contains("calculator") || !json["calculator"].is_string()) throw JobError("job: \"calculator\" must be a text");
@@ -118,6 +121,13 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
       job.answers.push_back(Answer::No);
     else
       throw JobError("job: every answer must be \"yes\" or \"no\"");
+  }
+
+  const Json files = json.value("files", Json::array());
+  if (!files.is_array()) throw JobError("job: \"files\" must be a list of file names");
+  for (const Json& f : files) {
+    if (!f.is_string() || f.get<std::string>().empty()) throw JobError("job: every entry of \"files\" must be a file name");
+    job.files.push_back(f.get<std::string>());
   }
   return job;
 }

@@ -33,6 +33,7 @@ struct Job {
   std::string calculator;  // "secsub", "hcurve", "vcurve", "grading", "proportion"
   std::vector<JobStep> steps;
   std::vector<Answer> answers;  // to Yes/No boxes, in order; then yes
+  std::vector<std::string> files;  // to file dialogs, in order; then the dialog is cancelled
 };
 
 // Parses and checks a job against the program's windows; JobError says

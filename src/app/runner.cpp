@@ -75,7 +75,14 @@ class RunnerShell : public Shell {
     form.setOpen(false);
   }
 
-  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&) override { return {}; }
+  // The job's files answer the dialogs in order; then a dialog is cancelled.
+  // A bare or relative name lies in the data folder, where the dialogs start.
+  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&,
+                                        const std::vector<std::string>&) override {
+    if (nextFile_ >= job_.files.size()) return std::nullopt;
+    const std::filesystem::path file(job_.files[nextFile_++]);
+    return file.is_absolute() ? file.string() : (std::filesystem::path(options_.dataFolder) / file).string();
+  }
   void openInEditor(const std::filesystem::path& file) override { opened.push_back(file.string()); }
   void fileWritten(const std::filesystem::path& file) override { files.push_back(file.string()); }
   Date today() override { return options_.today ? *options_.today : localToday(); }
@@ -129,6 +136,7 @@ class RunnerShell : public Shell {
   std::vector<FormModel*> stack_;
   std::size_t nextStep_ = 0;
   std::size_t nextAnswer_ = 0;
+  std::size_t nextFile_ = 0;
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "text/date.h"
 
@@ -34,8 +35,11 @@ class Shell {
   // Opens another window over the current one; returns when it has closed.
   virtual void showModal(FormModel& form) = 0;
 
-  // A file dialog; nothing when the user cancels.
-  virtual std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial) = 0;
+  // A file dialog; nothing when the user cancels. `filters` are the file
+  // kinds offered ("LandXML (*.xml)"), none for any file; a name chosen
+  // without an ending takes the chosen kind's.
+  virtual std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial,
+                                                const std::vector<std::string>& filters) = 0;
 
   // Hands a saved file to the user's text editor.
   virtual void openInEditor(const std::filesystem::path& file) = 0;

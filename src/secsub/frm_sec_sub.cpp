@@ -9,6 +9,11 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
+#include "app/output_file.h"
+#include "export/export_file.h"
+#include "export/landxml.h"
+#include "export/section_dxf.h"
+#include "export/section_points.h"
 #include "secsub/corners.h"
 #include "secsub_out/drawing.h"
 #include "secsub_out/geopak.h"
@@ -82,6 +87,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
+  add("btnExport", btnExport).click([this] { btnExport_Click(); });
 }
 
 ChainField& frmSecSub::chain(const std::string& name) {
@@ -193,7 +199,7 @@ void frmSecSub::btnClear_Click() {
   notices = {};
   showNotices({});
   hasRun = false;
-  btnSaveDrawing.enabled = false;
+  btnSaveDrawing.enabled = btnExport.enabled = false;
 }
 
 std::string frmSecSub::drawing() const {
@@ -210,7 +216,8 @@ std::string frmSecSub::drawing() const {
 void frmSecSub::btnSaveDrawing_Click() {
   if (!hasRun) return;
   const auto chosen = shell().chooseFile(FileDialog::Save, "Save the Drawing",
-                                         program().userAppData + "Section" + CStr(record.section) + ".svg");
+                                         program().userAppData + "Section" + CStr(record.section) + ".svg",
+                                         {"SVG drawing (*.svg)", "PNG picture (*.png)"});
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
   std::string extension = file.extension().string();
@@ -225,6 +232,37 @@ void frmSecSub::btnSaveDrawing_Click() {
   std::istringstream svg(drawing());
   for (std::string line; std::getline(svg, line);) lines.push_back(line);
   program().writeOutputFile(file, lines);
+}
+
+void frmSecSub::btnExport_Click() {
+  if (!hasRun) return;
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Export the Corners",
+                                         program().userAppData + "Section" + CStr(record.section) + ".csv",
+                                         {"CSV points, PNEZD (*.csv)", "Tervalo points (*.txt)", "LandXML 1.2 (*.xml)",
+                                          "DXF drawing (*.dxf)"});
+  if (!chosen || chosen->empty()) return;
+  const std::filesystem::path file(*chosen);
+  const std::string kind = exportKind(file);
+  try {
+    if (kind == ".csv")
+      writeTextFile(file, pnezdLines(record));
+    else if (kind == ".txt")
+      writeTextFile(file, tervaloPointLines(record));
+    else if (kind == ".xml")
+      writeDocument(file, sectionLandXml(record, computed, runNaming, stampOf(shell().today())));
+    else if (kind == ".dxf")
+      writeSectionDxf(record, file);
+    else
+      throw ExportError("Name the file with the ending of the kind you want: .csv, .txt, .xml or .dxf.");
+  } catch (const ExportError& e) {
+    shell().msgBox("Export the Corners", e.what(), Icon::Exclamation);
+    return;
+  } catch (const RunTimeError& e) {
+    // An export that cannot be written leaves nothing behind and ends nothing.
+    shell().msgBox("Export the Corners", e.what(), Icon::Critical);
+    return;
+  }
+  shell().fileWritten(std::filesystem::absolute(file));
 }
 
 bool frmSecSub::checkHeld16ths() {
@@ -418,7 +456,8 @@ void frmSecSub::Main() {
   program().writeOutputFile(geopakFile, geopak);
   program().writeOutputFile(reportFile, report);
   hasRun = true;
-  btnSaveDrawing.enabled = true;
+  btnSaveDrawing.enabled = btnExport.enabled = true;
+  runNaming = naming;
   notices = coincidenceNotices(record, computed);
   for (int s : unnamed)
     notices.lines.push_back("The corner " + std::to_string(s) + " (" + naming.descriptions[static_cast<std::size_t>(s)] +

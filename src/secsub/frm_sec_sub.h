@@ -69,12 +69,14 @@ class frmSecSub : public FormModel {
   Button btnReturn{"Return"};
   Button btnClear{"Clear"};
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
+  Button btnExport{"Export...", true, false};            // once there are corners to export
 
   SectionRecord record;   // lives as long as the form
   bool pointFound = false;  // whether the last point-number lookup matched
   // After a run: which slots the run computed (the rest were held).
   std::array<bool, slot::count> computed{};
   RunNotices notices;
+  CornerNaming runNaming;  // the last run's names and descriptions, for the exports
   bool hasRun = false;
 
   ChainField& chain(const std::string& name);
@@ -88,6 +90,9 @@ class frmSecSub : public FormModel {
   void chkAddHeader_Click();
   void btnClear_Click();
   void btnSaveDrawing_Click();
+  // The run's corners for another program: PNEZD or Tervalo points, LandXML
+  // or DXF, as the chosen name's ending says.
+  void btnExport_Click();
   void Main();
 
   // The drawing of the last run as SVG; empty before a run and after Clear.

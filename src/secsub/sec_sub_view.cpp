@@ -81,7 +81,10 @@ class SecSubView : public FormDialog {
     side->addWidget(noticeLabel("lblNotice", this));
     drawing_ = new DrawingView(this);
     side->addWidget(drawing_, 1);
-    side->addWidget(button("btnSaveDrawing"));
+    auto* files = new QHBoxLayout;
+    files->addWidget(button("btnSaveDrawing"));
+    files->addWidget(button("btnExport"));
+    side->addLayout(files);
     auto* buttons = new QHBoxLayout;
     QPushButton* go = button("btnContinue");
     go->setDefault(true);

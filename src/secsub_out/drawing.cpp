@@ -33,10 +33,8 @@ SectionDrawing sectionDrawing(const SectionRecord& r, const std::array<bool, slo
                               const std::array<std::string, slot::count>& labels) {
   SectionDrawing d;
   auto present = [&](int s) { return r.slots[static_cast<std::size_t>(s)].x != 0; };
-  for (const GridLine& l : kGridLines) {
-    if (l.bridgedWhenAbsent >= 0 && present(l.bridgedWhenAbsent)) continue;
-    if (present(l.from) && present(l.to)) d.lines.push_back({l.from, l.to, l.kind});
-  }
+  for (const GridLine& l : kGridLines)
+    if (lineDrawn(l, present)) d.lines.push_back({l.from, l.to, l.kind});
   for (int s = 0; s < slot::count; ++s)
     if (present(s)) {
       const auto i = static_cast<std::size_t>(s);

@@ -60,8 +60,7 @@ std::vector<std::string> printPoints(SectionRecord& r, const CornerNaming& namin
       group = l.feature;
       out.push_back("SET FEATURE ADD " + group);
     }
-    if (l.bridgedWhenAbsent >= 0 && present(l.bridgedWhenAbsent)) continue;
-    if (present(l.from) && present(l.to))
+    if (lineDrawn(l, present))
       out.push_back("STO LIN " + naming.segment(l.segment) + " " + name(l.from) + " TO " + name(l.to));
   }
   out.push_back("SET FEATURE OFF");

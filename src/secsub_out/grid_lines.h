@@ -44,4 +44,13 @@ inline constexpr std::array<GridLine, 42> kGridLines{{
     {"NSSX", "XNSE", 13, 18, LineKind::Sixteenth},  {"NSSX", "XSSE", 18, 23, LineKind::Sixteenth},
 }};
 
+// Whether a line is drawn between the positions present (`present(slot)`):
+// both ends present, and a bridging line only while the position it
+// bridges is absent. The GEOPAK file, the drawing and every export agree.
+template <class Present>
+bool lineDrawn(const GridLine& line, const Present& present) {
+  if (line.bridgedWhenAbsent >= 0 && present(line.bridgedWhenAbsent)) return false;
+  return present(line.from) && present(line.to);
+}
+
 }  // namespace tervalo

@@ -10,6 +10,10 @@
 #include "text/number.h"
 #include "text/station.h"
 #include "vcurve/listing.h"
+#include "app/output_file.h"
+#include "export/export_file.h"
+#include "export/landxml.h"
+#include "export/section_points.h"
 
 namespace tervalo {
 
@@ -30,6 +34,7 @@ frmVCResults::frmVCResults(Program& program) : FormModel(program, "frmVCResults"
   add("txtOut", txtOut);
   add("btnOut", btnOut).click([this] { browseForOutput(txtOut); });
   add("btnOutput", btnOutput).click([this] { createVoutFile(); });
+  add("btnExport", btnExport).click([this] { btnExport_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
 }
 
@@ -58,6 +63,31 @@ void frmVCResults::createVoutFile() {
   lines.push_back(rule);
   program().writeOutputFile(txtOut.text, lines);
   shell().openInEditor(txtOut.text);
+}
+
+void frmVCResults::btnExport_Click() {
+  const std::string name = std::filesystem::path(txtOut.text).stem().string();
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Export the Vertical Curve",
+                                         program().userAppData + (name.empty() ? "outVfile" : name) + ".xml",
+                                         {"LandXML 1.2 (*.xml)", "CSV listing (*.csv)"});
+  if (!chosen || chosen->empty()) return;
+  const std::filesystem::path file(*chosen);
+  const std::string kind = exportKind(file);
+  try {
+    if (kind == ".xml")
+      writeDocument(file, profileLandXml(curve, metric, name.empty() ? file.stem().string() : name, stampOf(shell().today())));
+    else if (kind == ".csv")
+      writeTextFile(file, listingCsv(listingRows, profiles));
+    else
+      throw ExportError("Name the file with the ending of the kind you want: .xml or .csv.");
+  } catch (const ExportError& e) {
+    shell().msgBox("Export the Vertical Curve", e.what(), Icon::Exclamation);
+    return;
+  } catch (const RunTimeError& e) {
+    shell().msgBox("Export the Vertical Curve", e.what(), Icon::Critical);
+    return;
+  }
+  shell().fileWritten(std::filesystem::absolute(file));
 }
 
 frmVertCurve::frmVertCurve(Program& program)
@@ -185,6 +215,10 @@ void frmVertCurve::readInput() {
 
   results.txtOut.text = program().userAppData + "outVfile.txt";
   results.lstResults.items.clear();
+  results.listingRows.clear();
+  results.curve = curve;
+  results.metric = chkMetric.checked;
+  results.profiles = listing.profiles;
   // After "End station is not larger than start station." the listing is made all the same.
   if (increments) {
     if (listing.start / listing.increment > 1e8) {
@@ -192,6 +226,7 @@ void frmVertCurve::readInput() {
     } else {
       const Listing list = processVincrements(curve, listing);
       results.lstResults.items = list.lines;
+      results.listingRows = list.rows;
       if (list.cut)
         shell().msgBox("Invalid Data!",
                        "The listing stops after " + CStr(static_cast<double>(kMaxListedStations)) +
@@ -201,8 +236,9 @@ void frmVertCurve::readInput() {
   } else if (startGiven && txtEndStation.text.empty()) {
     // A single station: its elevation alone.
     const StationElevation e = calcCurveElev(curve, listing.start);
-    results.lstResults.items = {
-        addItemTstr(Format(listing.start, mask), e.mark, Format(e.elevation, "######.000"), listing.profiles)};
+    const std::string station = Format(listing.start, mask), height = Format(e.elevation, "######.000");
+    results.lstResults.items = {addItemTstr(station, e.mark, height, listing.profiles)};
+    results.listingRows = {listingRow(station, e.mark, height, listing.profiles)};
   }
   shell().showModal(results);
 }

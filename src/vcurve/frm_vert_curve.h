@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/form_model.h"
+#include "vcurve/listing.h"
 #include "vcurve/vertical_curve.h"
 
 namespace tervalo {
@@ -31,9 +32,18 @@ class frmVCResults : public FormModel {
   TextBox txtOut;
   Button btnOut{"Browse"};
   Button btnOutput{"Save"};
+  Button btnExport{"Export..."};
   Button btnReturn{"Return"};
 
+  // What Calculate left for the exports.
+  VerticalCurve curve;
+  bool metric = false;
+  std::array<double, 3> profiles{};
+  std::vector<ListingRow> listingRows;
+
   void createVoutFile();
+  // The profile as LandXML or the listing as CSV, as the chosen name's ending says.
+  void btnExport_Click();
 };
 
 class frmVertCurve : public FormModel {

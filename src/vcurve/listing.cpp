@@ -9,13 +9,44 @@
 
 namespace tervalo {
 
+ListingRow listingRow(const std::string& stationText, const std::string& mark, const std::string& elevationText,
+                      const std::array<double, 3>& profiles) {
+  ListingRow row{stationText, mark, elevationText, {}, {}};
+  // addProfiles: each from the elevation as printed.
+  for (double offset : profiles)
+    if (offset != 0) row.profiles.push_back(Format(Val(elevationText) + offset, "#0.000"));
+  return row;
+}
+
 std::string addItemTstr(const std::string& stationText, const std::string& mark, const std::string& elevationText,
                         const std::array<double, 3>& profiles) {
+  const ListingRow row = listingRow(stationText, mark, elevationText, profiles);
   std::string line = rightJustify(stationText, 12) + "  " + leftJustify(mark, 5) + rightJustify(elevationText, 8) + "  ";
-  // addProfiles: each from the elevation as printed, one space before the first, two before the others.
-  for (std::size_t k = 0; k < 3; ++k)
-    if (profiles[k] != 0) line += (k == 0 ? " " : "  ") + Format(Val(elevationText) + profiles[k], "#0.000");
+  // One space before the first profile, two before the others.
+  for (std::size_t k = 0; k < row.profiles.size(); ++k) line += (k == 0 ? " " : "  ") + row.profiles[k];
   return line;
+}
+
+std::vector<std::string> listingCsv(const std::vector<ListingRow>& rows, const std::array<double, 3>& profiles) {
+  std::string header = "Station,Mark,Elevation";
+  std::string emptyProfiles;  // a banner's line keeps every column
+  for (std::size_t k = 0; k < profiles.size(); ++k)
+    if (profiles[k] != 0) header += ",Profile " + std::to_string(k + 1), emptyProfiles += ",";
+  std::vector<std::string> lines{header};
+  for (const ListingRow& row : rows) {
+    if (!row.banner.empty()) {
+      // "    **** EQUATION IN  ****" names the two lines after it.
+      std::string words = row.banner;
+      words.erase(0, words.find_first_not_of(" *"));
+      words.erase(words.find_last_not_of(" *") + 1);
+      lines.push_back("," + words + "," + emptyProfiles);
+      continue;
+    }
+    std::string line = row.station + "," + row.mark + "," + row.elevation;
+    for (const std::string& p : row.profiles) line += "," + p;
+    lines.push_back(line);
+  }
+  return lines;
 }
 
 namespace {
@@ -80,10 +111,10 @@ class Walk {
     equationPending_ = false;
     const auto [in, out] = *in_.equation;
     lastPlain_.reset();
-    listing.lines.push_back("    **** EQUATION IN  ****");
+    banner("    **** EQUATION IN  ****");
     add(Format(in, "#0.000"), equationMark_, Format(Val(equationElevation_), "#0.000"));
     add(Format(out, "#0.000"), equationMark_, Format(Val(equationElevation_), "#0.000"));
-    listing.lines.push_back("    **** EQUATION OUT ****");
+    banner("    **** EQUATION OUT ****");
     const double shift = out - in;
     c_.pvc += shift;
     c_.pvt += shift;
@@ -109,6 +140,12 @@ class Walk {
       return;
     }
     listing.lines.push_back(addItemTstr(station, mark, elevation, in_.profiles));
+    listing.rows.push_back(listingRow(station, mark, elevation, in_.profiles));
+  }
+
+  void banner(const std::string& text) {
+    listing.lines.push_back(text);
+    listing.rows.push_back(ListingRow{{}, {}, {}, {}, text});
   }
 
   VerticalCurve& c_;

@@ -91,7 +91,10 @@ class VCResultsView : public FormDialog {
     QListWidget* results = list("lstResults", true);
     results->setMinimumSize(QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(66, 'M')), 300);
     outer->addWidget(results, 1);
-    outer->addLayout(outputFileRow(true));
+    QLayout* files = outputFileRow(true);
+    // Export sits beside Save: the same results, for other programs.
+    static_cast<QHBoxLayout*>(files)->insertWidget(files->count() - 1, button("btnExport"));
+    outer->addLayout(files);
     bind();
   }
 };

@@ -28,7 +28,8 @@ class ScriptedShell : public QtShell, public BoxScript {
   Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
     return record(title, text, icon, buttons);
   }
-  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&) override {
+  std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&,
+                                        const std::vector<std::string>&) override {
     if (chosenFiles.empty()) return std::nullopt;
     std::string f = chosenFiles.front();
     chosenFiles.pop_front();

@@ -104,10 +104,8 @@ class SecSubWindow : public QObject {
       type(d, "txtRange", "22", go);
       const char* pls[] = {"txt0pn", "txt2pn", "txt4pn", "txt10pn", "txt14pn", "txt20pn", "txt22pn", "txt24pn"};
       for (int i = 0; i < 8; ++i) type(d, pls[i], QString::number(1001 + i), go);
-      d.findChild<QCheckBox*>("chkDefaults")->click();  // shows every chain field
-      for (const char* c : {"NofW", "SofW", "NofE", "SofE", "WofN", "EofN", "WofS", "EofS"})
-        type(d, ("txt" + std::string(c) + "chain").c_str(), "20", go);
-      d.findChild<QCheckBox*>("chkDefaults")->click();
+      // Section 14 needs no chain field: the regular 20s stand in them, out of sight.
+      QVERIFY(!d.findChild<QLineEdit*>("txtNofWchain")->isVisible());
       type(d, "txtIncr", "2001", go);
       QTest::mouseClick(d.findChild<QPushButton*>("btnContinue"), Qt::LeftButton);
       QCOMPARE(d.findChild<QLineEdit*>("txt12xc")->text(), QString("514967.4257"));
@@ -115,11 +113,14 @@ class SecSubWindow : public QObject {
       for (const char* mark : {"class=\"entered\"", "class=\"computed\""})
         for (auto at = svg.find(mark); at != std::string::npos; at = svg.find(mark, at + 1)) ++markers;
       QVERIFY(d.findChild<QPushButton*>("btnSaveDrawing")->isEnabled());
+      shell->chosenFiles.push_back((dir->path() / "s14.dxf").string());
+      QTest::mouseClick(d.findChild<QPushButton*>("btnExport"), Qt::LeftButton);
     };
     main.click("btnContinue");
     QCOMPARE(markers, 25);  // one per present corner
     QCOMPARE(shell->boxes.back().title, std::string("Program Complete"));
     QCOMPARE(shell->editorFiles.size(), std::size_t(2));
+    QVERIFY(TempDir::read(dir->path() / "s14.dxf").find("POINTS") != std::string::npos);
 
     TempDir runnerDir;
     std::ifstream in(kExamples + "secsub.job.json");

@@ -53,7 +53,8 @@ class RecordingShell : public Shell, public BoxScript {
     if (onModal) onModal(form);
     form.setOpen(false);
   }
-  std::optional<std::string> chooseFile(FileDialog, const std::string& title, const std::string&) override {
+  std::optional<std::string> chooseFile(FileDialog, const std::string& title, const std::string&,
+                                        const std::vector<std::string>&) override {
     dialogTitles.push_back(title);
     if (chosenFiles.empty()) return std::nullopt;
     std::string f = chosenFiles.front();

@@ -7,6 +7,8 @@
 #include <QSaveFile>
 #include <QSvgRenderer>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QMessageBox>
 #include <QProcess>
 #include <QUrl>
@@ -119,10 +121,18 @@ void QtShell::playPending(FormModel& form) {
   }
 }
 
-std::optional<std::string> QtShell::chooseFile(FileDialog kind, const std::string& title, const std::string& initial) {
-  const QString chosen = kind == FileDialog::Open ? QFileDialog::getOpenFileName(activeWindow(), q(title), q(initial))
-                                                  : QFileDialog::getSaveFileName(activeWindow(), q(title), q(initial));
+std::optional<std::string> QtShell::chooseFile(FileDialog kind, const std::string& title, const std::string& initial,
+                                               const std::vector<std::string>& filters) {
+  QStringList kinds;
+  for (const std::string& f : filters) kinds << q(f);
+  QString selected;
+  QString chosen = kind == FileDialog::Open
+                       ? QFileDialog::getOpenFileName(activeWindow(), q(title), q(initial), kinds.join(";;"), &selected)
+                       : QFileDialog::getSaveFileName(activeWindow(), q(title), q(initial), kinds.join(";;"), &selected);
   if (chosen.isEmpty()) return std::nullopt;
+  // A name typed without an ending takes the ending of the kind chosen ("LandXML (*.xml)").
+  const QRegularExpressionMatch ending = QRegularExpression(R"(\(\*(\.\w+))").match(selected);
+  if (kind == FileDialog::Save && QFileInfo(chosen).suffix().isEmpty() && ending.hasMatch()) chosen += ending.captured(1);
   return chosen.toStdString();
 }
 

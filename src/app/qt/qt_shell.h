@@ -31,7 +31,8 @@ class QtShell : public Shell {
   // Keeps what the user typed in every open window as a recovery job, then ends.
   [[noreturn]] void endProgram() override;
   void showModal(FormModel& form) override;
-  std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial) override;
+  std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial,
+                                        const std::vector<std::string>& filters) override;
   void openInEditor(const std::filesystem::path& file) override;
   bool renderPng(const std::string& svg, const std::filesystem::path& file) override;
   Date today() override;

@@ -32,9 +32,14 @@ class AboutView : public FormDialog {
     title->setFont(big);
     layout->addWidget(title);
     layout->addWidget(label("lblVersion"));
-    layout->addWidget(label("lblCopyright"));
+    QLabel* rights = label("lblCopyright");
+    rights->setWordWrap(true);
+    layout->addWidget(rights);
     QLabel* disclaimer = label("lblDisclaimer");
     disclaimer->setWordWrap(true);
+    // Wrapped texts take the height their width needs, never clipped.
+    for (QLabel* text : {rights, disclaimer}) text->setMinimumWidth(500);
+    layout->setSizeConstraint(QLayout::SetMinimumSize);
     disclaimer->setFrameShape(QFrame::StyledPanel);
     disclaimer->setMargin(6);
     layout->addWidget(disclaimer);

@@ -1,0 +1,116 @@
+#include "export/landxml.h"
+
+#include <pugixml.hpp>
+#include <sstream>
+
+#include "secsub_out/grid_lines.h"
+#include "text/format.h"
+#include "text/number.h"
+
+namespace tervalo {
+namespace {
+
+const char* const kNamespace = "http://www.landxml.org/schema/LandXML-1.2";
+
+pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool metric) {
+  pugi::xml_node declaration = doc.append_child(pugi::node_declaration);
+  declaration.append_attribute("version") = "1.0";
+  declaration.append_attribute("encoding") = "UTF-8";
+  pugi::xml_node root = doc.append_child("LandXML");
+  root.append_attribute("xmlns") = kNamespace;
+  root.append_attribute("version") = "1.2";
+  root.append_attribute("date") = stamp.date.c_str();
+  root.append_attribute("time") = stamp.time.c_str();
+  pugi::xml_node units = root.append_child("Units");
+  if (metric) {
+    pugi::xml_node m = units.append_child("Metric");
+    for (const auto& [name, value] : {std::pair{"areaUnit", "squareMeter"}, {"linearUnit", "meter"},
+                                      {"volumeUnit", "cubicMeter"}, {"temperatureUnit", "celsius"},
+                                      {"pressureUnit", "milliBars"}, {"elevationUnit", "meter"}})
+      m.append_attribute(name) = value;
+  } else {
+    pugi::xml_node i = units.append_child("Imperial");
+    for (const auto& [name, value] : {std::pair{"areaUnit", "squareFoot"}, {"linearUnit", "USSurveyFoot"},
+                                      {"volumeUnit", "cubicFeet"}, {"temperatureUnit", "fahrenheit"},
+                                      {"pressureUnit", "inHG"}, {"elevationUnit", "feet"}})
+      i.append_attribute(name) = value;
+  }
+  return root;
+}
+
+std::string text(const pugi::xml_document& doc) {
+  std::ostringstream out;
+  doc.save(out, "  ", pugi::format_default, pugi::encoding_utf8);
+  return out.str();
+}
+
+std::string coordinate(double v) { return Format(v, "0.0000"); }
+
+}  // namespace
+
+std::string sectionLandXml(const SectionRecord& r, const std::array<bool, slot::count>& computed,
+                           const CornerNaming& naming, const XmlStamp& stamp) {
+  pugi::xml_document doc;
+  pugi::xml_node root = landXmlRoot(doc, stamp, false);
+  const std::string section = "Section " + CStr(r.section) + " T" + CStr(r.township) + "N R" +
+                              CStr(r.range < 0 ? -r.range : r.range) + r.direction;
+  pugi::xml_node points = root.append_child("CgPoints");
+  points.append_attribute("name") = section.c_str();
+  for (int s = 0; s < slot::count; ++s) {
+    const CornerSlot& c = r.slots[static_cast<std::size_t>(s)];
+    if (c.x == 0) continue;
+    const bool calculated = computed[static_cast<std::size_t>(s)];
+    pugi::xml_node p = points.append_child("CgPoint");
+    p.append_attribute("name") = c.pointNumber.c_str();
+    p.append_attribute("desc") = c.description.c_str();
+    if (!c.feature.empty()) p.append_attribute("code") = c.feature.c_str();
+    p.append_attribute("role") = calculated ? "calculated" : "user entered point";
+    p.append_attribute("pntSurv") = calculated ? "boundary" : "monument";
+    p.text() = (coordinate(c.y) + " " + coordinate(c.x)).c_str();
+  }
+
+  auto present = [&r](int s) { return r.slots[static_cast<std::size_t>(s)].x != 0; };
+  pugi::xml_node features;
+  pugi::xml_node geometry;
+  std::string group;
+  for (const GridLine& l : kGridLines) {
+    if (!lineDrawn(l, present)) continue;
+    if (group != l.feature) {  // one plan feature per line group that has lines
+      group = l.feature;
+      if (!features) {
+        features = root.append_child("PlanFeatures");
+        features.append_attribute("name") = section.c_str();
+      }
+      pugi::xml_node feature = features.append_child("PlanFeature");
+      feature.append_attribute("name") = l.feature;
+      geometry = feature.append_child("CoordGeom");
+    }
+    pugi::xml_node line = geometry.append_child("Line");
+    line.append_attribute("name") = naming.segment(l.segment).c_str();
+    line.append_child("Start").append_attribute("pntRef") = r.slots[static_cast<std::size_t>(l.from)].pointNumber.c_str();
+    line.append_child("End").append_attribute("pntRef") = r.slots[static_cast<std::size_t>(l.to)].pointNumber.c_str();
+  }
+  return text(doc);
+}
+
+std::string profileLandXml(const VerticalCurve& c, bool metric, const std::string& name, const XmlStamp& stamp) {
+  pugi::xml_document doc;
+  pugi::xml_node root = landXmlRoot(doc, stamp, metric);
+  pugi::xml_node alignment = root.append_child("Alignments").append_child("Alignment");
+  alignment.append_attribute("name") = name.c_str();
+  alignment.append_attribute("length") = CStr(c.pvt - c.pvc).c_str();
+  alignment.append_attribute("staStart") = CStr(c.pvc).c_str();
+  pugi::xml_node profile = alignment.append_child("Profile");
+  profile.append_attribute("name") = name.c_str();
+  pugi::xml_node prof = profile.append_child("ProfAlign");
+  prof.append_attribute("name") = name.c_str();
+  auto point = [](double station, double elevation) { return CStr(station) + " " + CStr(elevation); };
+  prof.append_child("PVI").text() = point(c.pvc, c.pvcElev).c_str();
+  pugi::xml_node curve = prof.append_child("ParaCurve");
+  curve.append_attribute("length") = CStr(c.length).c_str();
+  curve.text() = point(c.pvi, c.pviElev).c_str();
+  prof.append_child("PVI").text() = point(c.pvt, c.pvtElev).c_str();
+  return text(doc);
+}
+
+}  // namespace tervalo

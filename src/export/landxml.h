@@ -1,0 +1,35 @@
+#pragma once
+// LandXML 1.2 documents for design and survey packages: the corners and
+// lines of a subdivided section, and the profile of a vertical curve.
+// Built with pugixml, never by pasting text.
+
+#include <array>
+#include <string>
+
+#include "secsub/section_record.h"
+#include "secsub_out/names.h"
+#include "vcurve/vertical_curve.h"
+
+namespace tervalo {
+
+// When the document was made, as LandXML wants it: "2026-11-21", "14:05:00".
+struct XmlStamp {
+  std::string date;
+  std::string time;
+};
+
+// Units in US survey feet; one CgPoint per present position ("northing
+// easting", the corner description, the feature code; entered corners as
+// monuments, computed ones as calculated boundary points); the section,
+// quarter and sixteenth lines as one PlanFeature per line group, each line
+// referring to its end points by name.
+std::string sectionLandXml(const SectionRecord& record, const std::array<bool, slot::count>& computed,
+                           const CornerNaming& naming, const XmlStamp& stamp);
+
+// One alignment named `name` from the PVC over the curve's length, whose
+// profile holds the PVC and PVT as PVIs and the curve as a ParaCurve at
+// its PVI. Stations and elevations as plain numbers; units in feet, or in
+// metres for a metric curve.
+std::string profileLandXml(const VerticalCurve& curve, bool metric, const std::string& name, const XmlStamp& stamp);
+
+}  // namespace tervalo

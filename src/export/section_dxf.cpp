@@ -1,0 +1,138 @@
+#include "export/section_dxf.h"
+
+#include <dl_dxf.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <memory>
+
+#include "app/output_file.h"
+#include "secsub_out/grid_lines.h"
+#include "text/angle.h"
+#include "text/format.h"
+
+namespace tervalo {
+namespace {
+
+// Layers and their colours (the CAD colour index): the line groups as the
+// GEOPAK file names them, then the corners and the annotations.
+struct Layer {
+  const char* name;
+  int color;
+};
+constexpr Layer kLayers[] = {{"SEC", 7}, {"EWQ", 5}, {"NSQ", 5}, {"EWSX", 4}, {"NSSX", 4}, {"POINTS", 1}, {"ANNO", 3}};
+
+DL_Attributes on(const char* layer) { return DL_Attributes(layer, 256, -1, "BYLAYER", 1.0); }
+
+// The degree sign as CAD text writes it.
+std::string cadAngle(double azimuth) {
+  std::string text = decimalToDmsCarried(azimuth);
+  const std::string degree = "\u00B0";
+  if (const auto at = text.find(degree); at != std::string::npos) text.replace(at, degree.size(), "%%d");
+  return text;
+}
+
+void writeTables(DL_Dxf& dxf, DL_WriterA& dw) {
+  dw.sectionTables();
+  dxf.writeVPort(dw);
+  dw.tableLinetypes(3);
+  dxf.writeLinetype(dw, DL_LinetypeData("BYBLOCK", "", 0, 0, 0.0));
+  dxf.writeLinetype(dw, DL_LinetypeData("BYLAYER", "", 0, 0, 0.0));
+  dxf.writeLinetype(dw, DL_LinetypeData("CONTINUOUS", "Solid line", 0, 0, 0.0));
+  dw.tableEnd();
+  dw.tableLayers(static_cast<int>(std::size(kLayers)) + 1);
+  dxf.writeLayer(dw, DL_LayerData("0", 0), DL_Attributes("", 7, -1, "CONTINUOUS", 1.0));
+  for (const Layer& l : kLayers) dxf.writeLayer(dw, DL_LayerData(l.name, 0), DL_Attributes("", l.color, -1, "CONTINUOUS", 1.0));
+  dw.tableEnd();
+  dw.tableStyle(1);
+  dxf.writeStyle(dw, DL_StyleData("Standard", 0, 0.0, 1.0, 0.0, 0, 2.5, "txt", ""));
+  dw.tableEnd();
+  dxf.writeView(dw);
+  dxf.writeUcs(dw);
+  dw.tableAppid(1);
+  dxf.writeAppid(dw, "ACAD");
+  dw.tableEnd();
+  dxf.writeDimStyle(dw, 2.5, 0.625, 0.625, 0.625, 2.5);
+  dxf.writeBlockRecord(dw);
+  dw.tableEnd();
+  dw.sectionEnd();
+  dw.sectionBlocks();
+  for (const char* space : {"*Model_Space", "*Paper_Space", "*Paper_Space0"}) {
+    dxf.writeBlock(dw, DL_BlockData(space, 0, 0.0, 0.0, 0.0));
+    dxf.writeEndBlock(dw, space);
+  }
+  dw.sectionEnd();
+}
+
+}  // namespace
+
+void writeSectionDxf(const SectionRecord& r, const std::filesystem::path& file) {
+  auto present = [&r](int s) { return r.slots[static_cast<std::size_t>(s)].x != 0; };
+  auto at = [&r](int s) -> const CornerSlot& { return r.slots[static_cast<std::size_t>(s)]; };
+
+  // Text sizes follow the section's size, so a section of any extent reads alike.
+  double minX = std::numeric_limits<double>::max(), maxX = -minX, minY = minX, maxY = -minX;
+  for (const CornerSlot& c : r.slots)
+    if (c.x != 0) minX = std::min(minX, c.x), maxX = std::max(maxX, c.x), minY = std::min(minY, c.y), maxY = std::max(maxY, c.y);
+  const double span = minX <= maxX ? std::max({maxX - minX, maxY - minY, 1.0}) : 1.0;
+  const double nameHeight = span / 120, annoHeight = span / 220;
+
+  writeFileWith(file, [&](const std::filesystem::path& temp) {
+    DL_Dxf dxf;
+    std::unique_ptr<DL_WriterA> dw(dxf.out(temp.c_str(), DL_Codes::AC1015));
+    if (!dw) return false;
+    dxf.writeHeader(*dw);
+    dw->dxfString(9, "$INSUNITS");
+    dw->dxfInt(70, 2);  // feet
+    dw->dxfString(9, "$MEASUREMENT");
+    dw->dxfInt(70, 0);  // imperial
+    dw->sectionEnd();
+    writeTables(dxf, *dw);
+
+    dw->sectionEntities();
+    for (const GridLine& l : kGridLines) {
+      if (!lineDrawn(l, present)) continue;
+      const CornerSlot &a = at(l.from), &b = at(l.to);
+      dxf.writeLine(*dw, DL_LineData(a.x, a.y, 0.0, b.x, b.y, 0.0), on(l.feature));
+      const double length = std::hypot(b.x - a.x, b.y - a.y);
+      if (length == 0) continue;  // coincident corners: no direction to annotate
+      // Along the line and upright: the text's angle from east, turned to read left to right.
+      double angle = std::atan2(b.y - a.y, b.x - a.x) * 180 / 3.14159265358979;
+      if (angle > 90) angle -= 180;
+      if (angle <= -90) angle += 180;
+      const double azimuth = std::fmod(90 - std::atan2(b.y - a.y, b.x - a.x) * 180 / 3.14159265358979 + 360, 360);
+      const double midX = (a.x + b.x) / 2, midY = (a.y + b.y) / 2;
+      const std::string label = Format(length, "0.000") + "' " + cadAngle(azimuth);
+      // Centred on the line's middle, just above it (horizontal 1 centre, vertical 1 bottom);
+      // dxflib takes the angle in radians.
+      dxf.writeText(*dw,
+                    DL_TextData(midX, midY, 0.0, midX, midY, 0.0, annoHeight, 1.0, 0, 1, 1, label, "Standard",
+                                angle * 3.14159265358979 / 180),
+                    on("ANNO"));
+    }
+    for (const CornerSlot& c : r.slots) {
+      if (c.x == 0) continue;
+      dxf.writePoint(*dw, DL_PointData(c.x, c.y, 0.0), on("POINTS"));
+      dxf.writeText(*dw, DL_TextData(c.x + nameHeight / 2, c.y + nameHeight / 2, 0.0, 0.0, 0.0, 0.0, nameHeight, 1.0, 0, 0, 0,
+                                     c.pointNumber, "Standard", 0.0),
+                    on("POINTS"));
+    }
+    dw->sectionEnd();
+    dxf.writeObjects(*dw);
+    dxf.writeObjectsEnd(*dw);
+    dw->dxfEOF();
+    dw->close();
+    // dxflib reports no write errors: a complete drawing ends with its EOF mark.
+    std::ifstream written(temp, std::ios::binary | std::ios::ate);
+    const auto size = written.tellg();
+    if (size < 4) return false;
+    written.seekg(size - std::streamoff(4));
+    std::string tail(4, '\0');
+    written.read(tail.data(), 4);
+    return tail.find("EOF") != std::string::npos;
+  });
+}
+
+}  // namespace tervalo

@@ -1,0 +1,42 @@
+#include "export/section_points.h"
+
+#include "text/format.h"
+
+namespace tervalo {
+namespace {
+
+std::string coordinate(double v) { return Format(v, "0.0000"); }
+
+}  // namespace
+
+std::string csvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return quoted + "\"";
+}
+
+std::vector<std::string> pnezdLines(const SectionRecord& r) {
+  std::vector<std::string> lines;
+  for (const CornerSlot& c : r.slots)
+    if (c.x != 0)
+      lines.push_back(csvField(c.pointNumber) + "," + coordinate(c.y) + "," + coordinate(c.x) + ",," +
+                      csvField(c.description));
+  return lines;
+}
+
+std::vector<std::string> tervaloPointLines(const SectionRecord& r) {
+  std::vector<std::string> lines;
+  for (const CornerSlot& c : r.slots) {
+    if (c.x == 0) continue;
+    for (const auto& [field, text] : {std::pair{"name", &c.pointNumber}, {"feature code", &c.feature},
+                                      {"description", &c.description}})
+      if (text->find_first_of(",;") != std::string::npos)
+        throw ExportError("The " + std::string(field) + " of point " + c.pointNumber + " holds \",\" or \";\", which " +
+                          "the Tervalo points format cannot hold. Export the points as CSV instead.");
+    lines.push_back(c.pointNumber + "," + coordinate(c.x) + "," + coordinate(c.y) + "," + c.feature + "," + c.description);
+  }
+  return lines;
+}
+
+}  // namespace tervalo

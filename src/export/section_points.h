@@ -1,0 +1,34 @@
+#pragma once
+// A subdivided section's corners as point files: PNEZD comma-separated
+// values for data collectors and CAD, and the comma-delimited source format
+// this program reads back, so a run's corners can start the next section.
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "secsub/section_record.h"
+
+namespace tervalo {
+
+// An export that cannot hold what the run has; the message names the
+// point and the fault, for a box.
+class ExportError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A field of a comma-separated line: quoted when it holds a comma, a double
+// quote or a line end, with its quotes doubled.
+std::string csvField(const std::string& text);
+
+// One line per present position, in slot order, no header: name, northing,
+// easting, an empty elevation (plane corners), description; coordinates
+// with four decimals.
+std::vector<std::string> pnezdLines(const SectionRecord& record);
+
+// One line per present position: name, X, Y, feature, description. The
+// format knows no quoting, so a field holding "," or ";" is an ExportError.
+std::vector<std::string> tervaloPointLines(const SectionRecord& record);
+
+}  // namespace tervalo

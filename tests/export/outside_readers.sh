@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# Every exported file read back by a reader nobody here wrote: ezdxf and
+# GDAL's ogrinfo for the drawings, ogrinfo for the PNEZD points, xmllint
+# against the LandXML 1.2 schema. Run from the project's top folder:
+#   outside_readers.sh TERVALO_CLI WHAT
+# WHAT is "dxf", "csv" or "landxml"; the schema test exits 77 (skipped)
+# when the schema is not beside the project.
+set -euo pipefail
+cli=$1
+what=$2
+out=$(mktemp -d)
+trap 'rm -rf "$out"' EXIT
+schema=../shared/schema/LandXML-1.2.xsd
+
+"$cli" run examples/export.job.json --data-dir "$out/regular/" >/dev/null
+"$cli" run tests/export/irregular.job.json --data-dir "$out/irregular/" >/dev/null
+"$cli" run tests/export/vcurve.job.json --data-dir "$out/vcurve/" >/dev/null
+
+count() {  # the feature count ogrinfo finds
+  ogrinfo -ro -so -al "$@" | sed -n 's/^Feature Count: //p'
+}
+expect() {  # what, wanted, found
+  if [ "$2" != "$3" ]; then echo "FAIL: $1: wanted $2, found $3"; exit 1; fi
+  echo "ok: $1: $3"
+}
+
+case $what in
+  dxf)
+    /usr/bin/python3 tests/export/check_dxf.py "$out/regular/Section14.dxf" 25 1001 512313.489 289841.989
+    /usr/bin/python3 tests/export/check_dxf.py "$out/irregular/irregular.dxf" 25 "S,16" 513660.8 284569.5
+    # 25 points, 25 names, 40 lines and their 40 annotations.
+    expect "ogrinfo DXF features" 130 "$(count "$out/regular/Section14.dxf")"
+    ;;
+  csv)
+    for f in "$out/regular/Section14.csv" "$out/irregular/irregular.csv"; do
+      expect "ogrinfo PNEZD points in $(basename "$f")" 25 \
+        "$(count -oo HEADERS=NO -oo X_POSSIBLE_NAMES=field_3 -oo Y_POSSIBLE_NAMES=field_2 "$f")"
+    done
+    # The quoted name survives as one field.
+    ogrinfo -ro -al -oo HEADERS=NO "$out/irregular/irregular.csv" | grep -q "field_1 (String) = S,16" ||
+      { echo "FAIL: the name S,16 did not survive"; exit 1; }
+    echo "ok: the name S,16 survives"
+    ;;
+  landxml)
+    if [ ! -f "$schema" ]; then
+      echo "SKIPPED: the LandXML 1.2 schema is not at $schema beside the project"
+      exit 77
+    fi
+    xmllint --noout --schema "$schema" "$out/regular/Section14.xml" "$out/irregular/irregular.xml" "$out/vcurve/profile.xml"
+    ;;
+esac
