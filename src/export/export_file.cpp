@@ -1,5 +1,6 @@
 #include "export/export_file.h"
 
+#include <algorithm>
 #include <cctype>
 #include <chrono>
 #include <cstdio>
@@ -7,6 +8,8 @@
 #include <fstream>
 
 #include "app/output_file.h"
+#include "export/section_points.h"
+#include "text/errors.h"
 
 namespace tervalo {
 
@@ -33,6 +36,26 @@ void writeDocument(const std::filesystem::path& file, const std::string& text) {
     out.close();
     return static_cast<bool>(out);
   });
+}
+
+void exportFile(Shell& shell, const std::string& title, const std::filesystem::path& file, const ExportWriters& writers) {
+  const std::string kind = exportKind(file);
+  try {
+    const auto writer = std::find_if(writers.begin(), writers.end(), [&kind](const auto& w) { return w.first == kind; });
+    if (writer == writers.end()) {
+      std::string endings;
+      for (const auto& w : writers) endings += (endings.empty() ? "" : w.first == writers.back().first ? " or " : ", ") + w.first;
+      throw ExportError("Name the file with the ending of the kind you want: " + endings + ".");
+    }
+    writer->second();
+  } catch (const ExportError& e) {
+    shell.msgBox(title, e.what(), Icon::Exclamation, Buttons::Ok);
+    return;
+  } catch (const RunTimeError& e) {
+    shell.msgBox(title, e.what(), Icon::Critical, Buttons::Ok);
+    return;
+  }
+  shell.fileWritten(std::filesystem::absolute(file));
 }
 
 }  // namespace tervalo

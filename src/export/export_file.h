@@ -5,6 +5,11 @@
 #include <filesystem>
 #include <string>
 
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "app/shell.h"
 #include "export/landxml.h"
 #include "text/date.h"
 
@@ -18,5 +23,15 @@ XmlStamp stampOf(const Date& today);
 
 // Writes `text` as it stands (no line-end changes), whole or not at all.
 void writeDocument(const std::filesystem::path& file, const std::string& text);
+
+// One writer per file ending offered (".csv", ...), in the order offered.
+using ExportWriters = std::vector<std::pair<std::string, std::function<void()>>>;
+
+// Writes an export as both export buttons do: the writer of the chosen
+// name's ending runs; a fault of the file (an ending not offered, a field
+// the kind cannot hold, a file that cannot be written) is said in a box
+// titled `title`, and nothing is written and nothing ends; a written file
+// is told to the shell.
+void exportFile(Shell& shell, const std::string& title, const std::filesystem::path& file, const ExportWriters& writers);
 
 }  // namespace tervalo

@@ -242,27 +242,11 @@ void frmSecSub::btnExport_Click() {
                                           "DXF drawing (*.dxf)"});
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
-  const std::string kind = exportKind(file);
-  try {
-    if (kind == ".csv")
-      writeTextFile(file, pnezdLines(record));
-    else if (kind == ".txt")
-      writeTextFile(file, tervaloPointLines(record));
-    else if (kind == ".xml")
-      writeDocument(file, sectionLandXml(record, computed, runNaming, stampOf(shell().today())));
-    else if (kind == ".dxf")
-      writeSectionDxf(record, file);
-    else
-      throw ExportError("Name the file with the ending of the kind you want: .csv, .txt, .xml or .dxf.");
-  } catch (const ExportError& e) {
-    shell().msgBox("Export the Corners", e.what(), Icon::Exclamation);
-    return;
-  } catch (const RunTimeError& e) {
-    // An export that cannot be written leaves nothing behind and ends nothing.
-    shell().msgBox("Export the Corners", e.what(), Icon::Critical);
-    return;
-  }
-  shell().fileWritten(std::filesystem::absolute(file));
+  exportFile(shell(), "Export the Corners", file,
+             {{".csv", [&] { writeTextFile(file, pnezdLines(record)); }},
+              {".txt", [&] { writeTextFile(file, tervaloPointLines(record)); }},
+              {".xml", [&] { writeDocument(file, sectionLandXml(record, computed, runNaming, stampOf(shell().today()))); }},
+              {".dxf", [&] { writeSectionDxf(record, file); }}});
 }
 
 bool frmSecSub::checkHeld16ths() {

@@ -13,7 +13,6 @@
 #include "app/output_file.h"
 #include "export/export_file.h"
 #include "export/landxml.h"
-#include "export/section_points.h"
 
 namespace tervalo {
 
@@ -72,22 +71,10 @@ void frmVCResults::btnExport_Click() {
                                          {"LandXML 1.2 (*.xml)", "CSV listing (*.csv)"});
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
-  const std::string kind = exportKind(file);
-  try {
-    if (kind == ".xml")
-      writeDocument(file, profileLandXml(curve, metric, name.empty() ? file.stem().string() : name, stampOf(shell().today())));
-    else if (kind == ".csv")
-      writeTextFile(file, listingCsv(listingRows, profiles));
-    else
-      throw ExportError("Name the file with the ending of the kind you want: .xml or .csv.");
-  } catch (const ExportError& e) {
-    shell().msgBox("Export the Vertical Curve", e.what(), Icon::Exclamation);
-    return;
-  } catch (const RunTimeError& e) {
-    shell().msgBox("Export the Vertical Curve", e.what(), Icon::Critical);
-    return;
-  }
-  shell().fileWritten(std::filesystem::absolute(file));
+  const std::string alignment = name.empty() ? file.stem().string() : name;
+  exportFile(shell(), "Export the Vertical Curve", file,
+             {{".xml", [&] { writeDocument(file, profileLandXml(curve, metric, alignment, stampOf(shell().today()))); }},
+              {".csv", [&] { writeTextFile(file, listingCsv(listingRows, profiles)); }}});
 }
 
 frmVertCurve::frmVertCurve(Program& program)

@@ -418,3 +418,27 @@ TEST_F(SectionForm, ReportPagesFitLongNamesAndMarkCoincidentLines) {
 
 }  // namespace
 }  // namespace tervalo
+
+namespace tervalo {
+namespace {
+
+TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
+  EXPECT_FALSE(form.btnExport.enabled);
+  location("14", "115", "22");
+  corners();
+  form.click("btnContinue");
+  ASSERT_TRUE(form.btnExport.enabled);
+  shell.boxes.clear();
+  for (const char* name : {"c.csv", "c.TXT", "c.xml", "c.dxf", "c.pdf", "no/such/folder/c.csv"})
+    shell.chosenFiles.push_back((dir.path() / name).string());
+  for (int i = 0; i < 6; ++i) form.click("btnExport");
+  for (const char* name : {"c.csv", "c.TXT", "c.xml", "c.dxf"}) EXPECT_TRUE(std::filesystem::exists(dir.path() / name)) << name;
+  ASSERT_EQ(shell.boxes.size(), 2u);
+  EXPECT_EQ(shell.boxes[0].text, "Name the file with the ending of the kind you want: .csv, .txt, .xml or .dxf.");
+  EXPECT_EQ(shell.boxes[1].icon, Icon::Critical);  // cannot be written: said, and the program goes on
+  EXPECT_EQ(shell.dialogTitles.back(), "Export the Corners");
+}
+
+}  // namespace
+}  // namespace tervalo
+
