@@ -1,6 +1,7 @@
 // tervalo: the desktop program.
 
 #include <QApplication>
+#include <QIcon>
 #include <QCommandLineParser>
 #include <QMessageBox>
 #include <QTimer>
@@ -10,6 +11,7 @@
 
 #include "app/data_folder.h"
 #include "app/frm_main.h"
+#include "app/identity.h"
 #include "app/program.h"
 #include "app/qt/binder.h"
 #include "app/qt/qt_shell.h"
@@ -21,7 +23,10 @@
 
 int main(int argc, char** argv) {
   QApplication app(argc, argv);
-  QApplication::setApplicationName("Tervalo");
+  QApplication::setOrganizationName(tervalo::kOrganization);
+  QApplication::setApplicationName(tervalo::kApplication);
+  // The desktop matches the windows to the launcher and its icon by this name.
+  QGuiApplication::setDesktopFileName(tervalo::kApplicationId);
   QApplication::setApplicationVersion(QString("%1.%2.%3")
                                           .arg(tervalo::kVersionMajor)
                                           .arg(tervalo::kVersionMinor)
@@ -33,7 +38,13 @@ int main(int argc, char** argv) {
   options.addOption({"render-windows", "Render every window with example data to PNG files in <folder>.", "folder"});
   options.addOption({"startup-probe", "Print the time at which the main window is shown, then quit."});
   options.addOption({"data-dir", "Use <folder> as the data folder.", "folder"});
+  options.addOption({"render-icon", "Render the program's icon to a 256 px PNG <file>, then quit.", "file"});
   options.process(app);
+
+  const QIcon icon(":/org.tervalo.Tervalo.svg");
+  QApplication::setWindowIcon(icon);  // every window carries it
+  if (options.isSet("render-icon"))
+    return icon.pixmap(256, 256).save(options.value("render-icon"), "PNG") ? 0 : 1;
 
   tervalo::QtShell shell;
   tervalo::registerViews(shell);

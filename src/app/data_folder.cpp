@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "app/identity.h"
 #include "text/errors.h"
 
 namespace fs = std::filesystem;
@@ -43,7 +44,8 @@ std::string prepareDataFolder() {
   } else {
     base = fs::temp_directory_path();
   }
-  // The per-user data location itself is made as every desktop program does.
+  // The application's own data location, made as every desktop program does.
+  base = base / kOrganization / kApplication;
   makeFolder(base, true);
   const fs::path folder = base / "KvAppsData";
   makeFolder(folder, false);

@@ -103,10 +103,10 @@ TEST_F(DataFolder, UnderAppDataOneLevel) {
 TEST_F(DataFolder, PerUserDataLocationWithoutAppData) {
   unsetenv("APPDATA");
   setenv("XDG_DATA_HOME", (dir.path() / "xdg").c_str(), 1);
-  EXPECT_EQ(prepareDataFolder(), dir.folder() + "xdg/KvAppsData/");
+  EXPECT_EQ(prepareDataFolder(), dir.folder() + "xdg/TervaloProject/Tervalo/KvAppsData/");
   unsetenv("XDG_DATA_HOME");
   setenv("HOME", dir.path().c_str(), 1);
-  EXPECT_EQ(prepareDataFolder(), dir.folder() + ".local/share/KvAppsData/");
+  EXPECT_EQ(prepareDataFolder(), dir.folder() + ".local/share/TervaloProject/Tervalo/KvAppsData/");
 }
 
 }  // namespace

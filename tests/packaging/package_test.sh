@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# The Debian package as a user's machine gets it: built by CPack from this
+# build, accepted by lintian (no error), desktop-file-validate and
+# appstreamcli, then unpacked into a temporary folder where the packaged
+# runner plays the packaged example job and the packaged program answers
+# --version. Run in the build folder: package_test.sh SOURCE_DIR
+set -euo pipefail
+source_dir=$1
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+cpack -G DEB -B "$work/out" >/dev/null
+deb=$(ls "$work"/out/tervalo_*.deb)
+lintian --fail-on error --suppress-tags no-manual-page "$deb"
+desktop-file-validate "$source_dir/packaging/org.tervalo.Tervalo.desktop"
+appstreamcli validate --no-net "$source_dir/packaging/org.tervalo.Tervalo.metainfo.xml"
+
+dpkg-deb -x "$deb" "$work/root"
+root=$work/root/usr
+for f in bin/tervalo bin/tervalo-cli share/applications/org.tervalo.Tervalo.desktop \
+         share/icons/hicolor/scalable/apps/org.tervalo.Tervalo.svg share/icons/hicolor/256x256/apps/org.tervalo.Tervalo.png \
+         share/metainfo/org.tervalo.Tervalo.metainfo.xml share/doc/tervalo/copyright share/doc/tervalo/LICENSE \
+         share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json; do
+  [ -e "$root/$f" ] || { echo "FAIL: the package has no $f"; exit 1; }
+done
+(cd "$root/share/tervalo" && "$root/bin/tervalo-cli" run examples/secsub.job.json --data-dir "$work/data" >/dev/null)
+[ -s "$work/data/SecSub.inp" ] && [ -s "$work/data/SecSub.rpt" ] || { echo "FAIL: the packaged example wrote nothing"; exit 1; }
+version=$(QT_QPA_PLATFORM=offscreen "$root/bin/tervalo" --version)
+case $version in *1.0*) echo "ok: $version" ;; *) echo "FAIL: tervalo --version said: $version"; exit 1 ;; esac
