@@ -4,7 +4,10 @@
 #include <QIcon>
 #include <QCommandLineParser>
 #include <QMessageBox>
+#include <QSocketNotifier>
 #include <QTimer>
+#include <csignal>
+#include <unistd.h>
 #include <chrono>
 #include <cstdlib>
 #include <iostream>
@@ -20,6 +23,33 @@
 #include "app/qt/views.h"
 #include "app/version.h"
 #include "text/errors.h"
+
+namespace {
+
+int signalPipe[2] = {-1, -1};
+
+void signalled(int) {
+  const char byte = 1;
+  [[maybe_unused]] const auto written = ::write(signalPipe[1], &byte, 1);
+}
+
+// A terminate, hang-up or interrupt signal quits the program as Exit does,
+// through the event loop (a signal handler may do no more than write a byte).
+void quitOnSignals(QApplication& app) {
+  if (::pipe(signalPipe) != 0) return;
+  struct sigaction action {};
+  action.sa_handler = signalled;
+  sigemptyset(&action.sa_mask);
+  for (int signal : {SIGTERM, SIGHUP, SIGINT}) ::sigaction(signal, &action, nullptr);
+  auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, &app);
+  QObject::connect(notifier, &QSocketNotifier::activated, &app, [] {
+    char byte = 0;
+    [[maybe_unused]] const auto read = ::read(signalPipe[0], &byte, 1);
+    QApplication::quit();
+  });
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   QApplication app(argc, argv);
@@ -68,6 +98,7 @@ int main(int argc, char** argv) {
   if (options.isSet("render-windows"))
     return tervalo::renderWindows(program, shell, window, options.value("render-windows")) == 0 ? 0 : 1;
 
+  window.restoreLayout();
   window.show();
   if (options.isSet("startup-probe")) {
     QTimer::singleShot(0, [] {
@@ -77,6 +108,10 @@ int main(int argc, char** argv) {
     });
     return app.exec();
   }
+  // However the program ends (Exit, the session closing, a terminate
+  // signal), an open calculator's inputs are kept as the previous inputs.
+  QObject::connect(&app, &QCoreApplication::aboutToQuit, [&shell] { shell.keepPreviousInputs(); });
+  quitOnSignals(app);
   QTimer::singleShot(0, [&] { tervalo::offerRecovery(program, shell, window); });
   return app.exec();
 }

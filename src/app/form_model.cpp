@@ -1,6 +1,9 @@
 #include "app/form_model.h"
 
 #include "app/program.h"
+#include "app/recovery.h"
+
+#include <algorithm>
 #include "app/shell.h"
 #include "text/errors.h"
 
@@ -71,6 +74,63 @@ void FormModel::browseForOutput(TextBox& field) {
   if (!chosen || chosen->empty()) return;
   program_.outputFileName = *chosen;
   field.text = *chosen;
+}
+
+void FormModel::addInputFileButtons() {
+  add("btnOpenInputs", btnOpenInputs).click([this] { openInputs(); });
+  add("btnSaveInputs", btnSaveInputs).click([this] { saveInputs(); });
+}
+
+namespace {
+
+// The calculator a window belongs to, as job files name it ("secsub").
+std::string calculatorOf(const FormModel& form, const FormRegistry& registry) {
+  for (const auto& c : registry.calculators())
+    if (c.form == form.name()) return c.job;
+  return "";
+}
+
+}  // namespace
+
+void FormModel::saveInputs() {
+  const std::string calculator = calculatorOf(*this, program_.registry());
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Save Inputs", program_.userAppData + calculator + ".tervalo.json",
+                                         {"Tervalo inputs (*.tervalo.json)"});
+  if (!chosen || chosen->empty()) return;
+  program_.writeOutputFile(*chosen, {savedInputsJob(inputForms(), program_.registry()).dump(2)});
+  program_.recent.add(*chosen);
+}
+
+void FormModel::openInputs() {
+  const auto chosen = shell().chooseFile(FileDialog::Open, "Open Inputs", program_.userAppData,
+                                         {"Tervalo inputs (*.tervalo.json)", "All files (*)"});
+  if (!chosen || chosen->empty()) return;
+  Job job;
+  try {
+    job = readJobFile(*chosen, program_.registry());
+    const std::string calculator = calculatorOf(*this, program_.registry());
+    if (job.calculator != calculator)
+      throw JobError("it holds the inputs of \"" + job.calculator + "\", not of this window (\"" + calculator + "\")");
+  } catch (const JobError& e) {
+    shell().msgBox("Open Inputs", "The file " + *chosen + " cannot be opened: " + e.what() + ".", Icon::Exclamation,
+                   Buttons::Ok);
+    return;
+  }
+  applyInputs(job);
+  program_.recent.add(*chosen);
+}
+
+void FormModel::applyInputs(const Job& job) {
+  const std::vector<FormModel*> forms = inputForms();
+  clearForInputs();
+  for (const JobStep& step : job.steps) {
+    const auto form = std::find_if(forms.begin(), forms.end(), [&step](const FormModel* f) { return f->name() == step.form; });
+    if (form == forms.end()) continue;
+    JobStep inputs = step;
+    // Only what fills fields: no Calculate, Continue or Save is pressed.
+    std::erase_if(inputs.click, [this](const std::string& c) { return !rebuildsInputs(c); });
+    playStep(**form, inputs);
+  }
 }
 
 void FormModel::setText(TextBox& box, const std::string& text) {

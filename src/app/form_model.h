@@ -48,6 +48,18 @@ class FormModel {
   // back (the segments of a list built with Add, say), as job steps.
   virtual std::vector<JobStep> recoverySteps() const { return {}; }
 
+  // A calculator window's inputs kept in a file of the user's: Save Inputs
+  // writes them as a job (the program's document); Open Inputs fills the
+  // window from one again, pressing no button. A file that is damaged, from
+  // a newer program, for another calculator or naming unknown controls is
+  // refused with a box naming the file and the fault, and changes nothing.
+  Button btnSaveInputs{"Save Inputs..."};
+  Button btnOpenInputs{"Open Inputs..."};
+  void saveInputs();
+  void openInputs();
+  // Fills the window (and those of inputForms()) from a job of its calculator.
+  void applyInputs(const Job& job);
+
   // Each time the window opens, before it is shown.
   virtual void opened() {}
 
@@ -81,6 +93,19 @@ class FormModel {
   // Browse for an output file: the chosen name goes into `field` and
   // becomes the program's output name; a cancelled dialog changes nothing.
   void browseForOutput(TextBox& field);
+
+  // Adds btnSaveInputs and btnOpenInputs to the control table.
+  void addInputFileButtons();
+  // The windows whose inputs the file holds: this one; the section form's
+  // inputs include the main window's file names.
+  virtual std::vector<FormModel*> inputForms() { return {this}; }
+  // Buttons that rebuild inputs (a list built with Add), played on opening.
+  virtual bool rebuildsInputs(std::string_view control) const {
+    (void)control;
+    return false;
+  }
+  // Empties what set steps cannot (a list), before inputs are opened.
+  virtual void clearForInputs() {}
 
   // Runs an event handler inside the fault wrapper: a ProgramFault becomes
   // its message box and the program's end.

@@ -2,7 +2,9 @@
 
 #include <filesystem>
 
+#include "app/job.h"
 #include "app/program.h"
+#include "app/recovery.h"
 #include "app/shell.h"
 #include "points/readers.h"
 
@@ -23,19 +25,90 @@ frmMain::frmMain(Program& program)
   add("lblNotice", lblNotice);
   add("mnuSecSub", mnuSecSub).click([this] { mnuSecSub_Click(); });
   add("mnuCurve", mnuCurve);
-  add("mnuChorz", mnuChorz).click([this] { this->program().openCalculator("mnuChorz"); });
-  add("mnuCvert", mnuCvert).click([this] { this->program().openCalculator("mnuCvert"); });
+  add("mnuChorz", mnuChorz).click([this] {
+    this->program().openCalculator("mnuChorz");
+    showRecent();  // the calculator may have saved or opened inputs
+  });
+  add("mnuCvert", mnuCvert).click([this] {
+    this->program().openCalculator("mnuCvert");
+    showRecent();  // the calculator may have saved or opened inputs
+  });
   add("mnuMisc", mnuMisc);
-  add("mnuMgrade", mnuMgrade).click([this] { this->program().openCalculator("mnuMgrade"); });
-  add("mnuMprop", mnuMprop).click([this] { this->program().openCalculator("mnuMprop"); });
+  add("mnuMgrade", mnuMgrade).click([this] {
+    this->program().openCalculator("mnuMgrade");
+    showRecent();  // the calculator may have saved or opened inputs
+  });
+  add("mnuMprop", mnuMprop).click([this] {
+    this->program().openCalculator("mnuMprop");
+    showRecent();  // the calculator may have saved or opened inputs
+  });
   add("mnuHelp", mnuHelp).click([this] {
     if (this->program().registry().hasForm("frmAbout")) shell().showModal(this->program().form("frmAbout"));
   });
   add("mnuExit", mnuExit).click([this] { unload(); });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
+  add("mnuRecent", mnuRecent);
+  for (std::size_t i = 0; i < mnuRecentFiles.size(); ++i) {
+    mnuRecentFiles[i].parent = "mnuRecent";
+    add("mnuRecent" + std::to_string(i + 1), mnuRecentFiles[i]).click([this, i] { openRecent(i); });
+  }
+  add("mnuPrevious", mnuPrevious).click([this] { mnuPrevious_Click(); });
+  showRecent();
   enableMenus();
   // Proposed from the start, so that Continue always has files to write.
   proposeOutputNames();
+}
+
+void frmMain::showRecent() {
+  const auto& files = program().recent.files();
+  for (std::size_t i = 0; i < mnuRecentFiles.size(); ++i) {
+    MenuItem& item = mnuRecentFiles[i];
+    item.visible = i < files.size();
+    // "&" would mark a mnemonic: a file name shows its own.
+    std::string name = i < files.size() ? files[i] : "";
+    for (std::size_t at = name.find('&'); at != std::string::npos; at = name.find('&', at + 2)) name.insert(at, "&");
+    item.caption = item.visible ? "&" + std::to_string((i + 1) % 10) + "  " + name : "";
+  }
+}
+
+void frmMain::openRecent(std::size_t index) {
+  const auto& files = program().recent.files();
+  if (index >= files.size()) return;
+  const std::string file = files[index];
+  if (file.size() >= 5 && file.ends_with(".json")) {
+    reopenJobFile(file);
+  } else {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(file, ec)) {
+      shell().msgBox("Input File Error!", "File does not exist.", Icon::Critical);
+      return;
+    }
+    useSourceFile(file);
+  }
+  showRecent();
+}
+
+void frmMain::reopenJobFile(const std::string& file) {
+  Job job;
+  try {
+    job = readJobFile(file, program().registry());
+  } catch (const JobError& e) {
+    shell().msgBox("Open Inputs", "The file " + file + " cannot be opened: " + e.what() + ".", Icon::Exclamation);
+    return;
+  }
+  if (file != previousInputsFile(program().userAppData).string()) program().recent.add(file);
+  shell().reopen(job);
+}
+
+void frmMain::mnuPrevious_Click() {
+  const std::string file = previousInputsFile(program().userAppData).string();
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(file, ec)) {
+    shell().msgBox("Reopen Previous Inputs", "No inputs are kept yet: a calculator window keeps its inputs when it closes.",
+                   Icon::Information);
+    return;
+  }
+  reopenJobFile(file);
 }
 
 void frmMain::proposeOutputNames() {
@@ -60,6 +133,8 @@ void frmMain::readInputFile() {
   showSourceNotice("");
   getFileFormat(program().inputFileName, program().formats);
   showSourceNotice(readFile(program().inputFileName, program().formats, program().points).message());
+  program().recent.add(program().inputFileName);
+  showRecent();
 }
 
 void frmMain::showSourceNotice(const std::string& text) {
@@ -77,6 +152,7 @@ void frmMain::btnContinue_Click() {
   }
   readInputFile();
   if (program().registry().hasForm("frmSecSub")) shell().showModal(program().form("frmSecSub"));
+  showRecent();
 }
 
 void frmMain::btnInFile_Click() {

@@ -2,10 +2,12 @@
 // The main window: the three file names of a section subdivision, the menu
 // of calculators.
 
+#include <array>
 #include <string>
 #include <vector>
 
 #include "app/form_model.h"
+#include "app/recent_work.h"
 
 namespace tervalo {
 
@@ -41,6 +43,11 @@ class frmMain : public FormModel {
   MenuItem mnuHelp{"About", true, true, ""};
   MenuItem mnuExit{"Exit", true, true, ""};
   MenuItem mnuOptions{"Options", true, true, ""};  // output options, after the calculators' entries
+  // Recent work, after the program's own entries: the last ten source files
+  // and saved inputs, and the inputs of the last calculator window closed.
+  MenuItem mnuRecent{"Recent", true, true, ""};
+  std::array<MenuItem, RecentWork::kMost> mnuRecentFiles;
+  MenuItem mnuPrevious{"Reopen Previous Inputs", true, true, "mnuRecent"};
 
   // Files dropped from the desktop on a file field: the first one's full
   // name goes into the field; the source file is read at once.
@@ -49,6 +56,10 @@ class frmMain : public FormModel {
   void btnContinue_Click();
   void btnInFile_Click();
   void mnuSecSub_Click();
+  void openRecent(std::size_t index);
+  void mnuPrevious_Click();
+  // Shows the recent list as it stands (other windows add to it).
+  void showRecent();
 
  private:
   void readInputFile();
@@ -58,6 +69,7 @@ class frmMain : public FormModel {
   void enableMenus();
   void proposeOutputNames();
   void showSourceNotice(const std::string& text);
+  void reopenJobFile(const std::string& file);
 };
 
 }  // namespace tervalo

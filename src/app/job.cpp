@@ -1,5 +1,8 @@
 #include "app/job.h"
 
+#include <fstream>
+#include <sstream>
+
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -50,9 +53,17 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     throw JobError(std::string("the job file is not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw JobError("the job file must hold one JSON object");
-  refuseUnknownKeys(json, {"calculator", "steps", "answers", "files"}, "job");
+  refuseUnknownKeys(json, {"version", "calculator", "steps", "answers", "files"}, "job");
 
   Job job;
+  if (json.contains("version")) {
+    if (!json["version"].is_number_integer() || json["version"].get<int>() < 1)
+      throw JobError("job: \"version\" must be a whole number from 1 up");
+    job.version = json["version"].get<int>();
+    if (job.version > kJobVersion)
+      throw JobError("the job was written by a newer Tervalo (job version " + std::to_string(job.version) +
+                     "); this Tervalo reads job version " + std::to_string(kJobVersion) + " and older");
+  }
   if (!json.contains("calculator") || !json["calculator"].is_string()) throw JobError("job: \"calculator\" must be a text");
   job.calculator = json["calculator"].get<std::string>();
   const CalculatorInfo* calculator = registry.calculatorByJob(job.calculator);
@@ -130,6 +141,14 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     job.files.push_back(f.get<std::string>());
   }
   return job;
+}
+
+Job readJobFile(const std::string& file, const FormRegistry& registry) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw JobError("the file cannot be read");
+  std::stringstream text;
+  text << in.rdbuf();
+  return parseJob(text.str(), registry);
 }
 
 void playStep(FormModel& form, const JobStep& step) {

@@ -29,7 +29,12 @@ struct JobStep {
   std::vector<std::string> click;  // buttons and menu entries, pressed in order
 };
 
+// The job format this program writes and reads; a job of a higher version
+// comes from a newer program and is refused.
+inline constexpr int kJobVersion = 1;
+
 struct Job {
+  int version = kJobVersion;
   std::string calculator;  // "secsub", "hcurve", "vcurve", "grading", "proportion"
   std::vector<JobStep> steps;
   std::vector<Answer> answers;  // to Yes/No boxes, in order; then yes
@@ -39,6 +44,9 @@ struct Job {
 // Parses and checks a job against the program's windows; JobError says
 // what is wrong and where.
 Job parseJob(const std::string& jsonText, const FormRegistry& registry);
+
+// Reads and parses a job file; JobError when it cannot be read or played.
+Job readJobFile(const std::string& file, const FormRegistry& registry);
 
 class FormModel;
 

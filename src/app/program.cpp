@@ -39,7 +39,7 @@ const CalculatorInfo* FormRegistry::calculatorByMenu(std::string_view menu) cons
 }
 
 Program::Program(Shell& shell, std::string dataFolder, const FormRegistry& registry)
-    : userAppData(std::move(dataFolder)), pi(4 * std::atan(1.0)), shell_(shell), registry_(registry) {}
+    : userAppData(std::move(dataFolder)), pi(4 * std::atan(1.0)), recent(userAppData), shell_(shell), registry_(registry) {}
 
 Program::~Program() = default;
 

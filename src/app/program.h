@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/header_data.h"
+#include "app/recent_work.h"
 #include "points/point_list.h"
 
 namespace tervalo {
@@ -75,6 +76,7 @@ class Program {
   // comma), shown by the main window and again by the section form that
   // opens over it; empty when there is nothing to say.
   std::string sourceNotice;
+  RecentWork recent;  // source files and saved inputs, for the main window's Recent menu
 
   // The one model of that window for this run, made on first use.
   FormModel& form(std::string_view name);

@@ -8,8 +8,11 @@
 
 namespace tervalo {
 
-nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry) {
-  using Json = nlohmann::ordered_json;
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json inputsJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry, bool reachSection) {
   std::string calculator = "secsub";
   for (const FormModel* form : openForms)
     for (const auto& c : registry.calculators())
@@ -27,7 +30,8 @@ nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, con
     }
     Json step{{"form", form->name()}, {"set", std::move(set)}};
     // The section form is reached from the main window's Continue.
-    if (form->name() == "frmMain" && calculator == "secsub" && openForms.size() > 1) step["click"] = "btnContinue";
+    if (reachSection && form->name() == "frmMain" && calculator == "secsub" && openForms.size() > 1)
+      step["click"] = "btnContinue";
     steps.push_back(std::move(step));
     for (const JobStep& extra : form->recoverySteps()) {
       Json more{{"form", form->name()}, {"set", Json::object()}, {"click", extra.click}};
@@ -38,6 +42,20 @@ nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, con
   }
   return Json{{"calculator", calculator}, {"steps", std::move(steps)}};
 }
+
+}  // namespace
+
+nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry) {
+  return inputsJob(openForms, registry, true);
+}
+
+nlohmann::ordered_json savedInputsJob(const std::vector<FormModel*>& forms, const FormRegistry& registry) {
+  Json job{{"version", kJobVersion}};
+  job.update(inputsJob(forms, registry, false));
+  return job;
+}
+
+std::filesystem::path previousInputsFile(const std::string& dataFolder) { return dataFolder + "previous.job.json"; }
 
 std::filesystem::path recoveryFile(const std::string& dataFolder) { return dataFolder + "recovery.job.json"; }
 

@@ -11,6 +11,8 @@
 
 namespace tervalo {
 
+struct Job;
+
 class FormModel;
 
 enum class Icon { Critical, Exclamation, Information, Question };
@@ -51,6 +53,11 @@ class Shell {
     (void)file;
     return false;
   }
+
+  // Opens a calculator again with a job's inputs, in the windows a user
+  // sees, as the desktop program does for a saved or previous job; the
+  // runner and tests have no windows to reopen.
+  virtual void reopen(const Job& job) { (void)job; }
 
   // Told of every output file written whole.
   virtual void fileWritten(const std::filesystem::path& file) { (void)file; }

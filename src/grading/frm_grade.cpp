@@ -44,6 +44,7 @@ frmGrade::frmGrade(Program& program) : FormModel(program, "frmGrade", "Grading W
   add("btnCalculate", btnCalculate).click([this] { btnCalculate_Click(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
+  addInputFileButtons();
   add("lblResults", lblResults);
 }
 
@@ -162,6 +163,13 @@ std::vector<JobStep> frmGrade::recoverySteps() const {
                 {"txtSubWidth", sub.width.text}, {"cmbSubSlope", sub.slope.text}};
   steps.push_back(fields);
   return steps;
+}
+
+void frmGrade::clearForInputs() {
+  for (SegmentList* list : {&fin, &sub}) {
+    list->segments.clear();
+    showList(*list);
+  }
 }
 
 void frmGrade::btnClear_Click() {

@@ -56,6 +56,9 @@ class frmGrade : public FormModel {
 
   // The segments, added again one by one.
   std::vector<JobStep> recoverySteps() const override;
+  // Saved inputs rebuild the segment lists with Add, into emptied lists.
+  bool rebuildsInputs(std::string_view control) const override { return control == "btnFinAdd" || control == "btnSubAdd"; }
+  void clearForInputs() override;
 
   // The slopes of the outermost segments, as the calculation uses them.
   double lastFinSlope = 0, lastSubSlope = 0;

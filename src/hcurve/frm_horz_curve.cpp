@@ -48,6 +48,7 @@ frmHorzCurve::frmHorzCurve(Program& program) : FormModel(program, "frmHorzCurve"
   add("btnCalculate", btnCalculate).click([this] { Main(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
+  addInputFileButtons();
   add("lblOut", lblOut);
   add("txtOut", txtOut);
   add("btnOut", btnOut).click([this] { browseForOutput(txtOut); });

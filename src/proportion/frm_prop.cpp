@@ -49,6 +49,7 @@ frmProp::frmProp(Program& program) : FormModel(program, "frmProp", "Proportion F
   add("btnCalc", btnCalc).click([this] { Main(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
+  addInputFileButtons();
 }
 
 void frmProp::Main() {

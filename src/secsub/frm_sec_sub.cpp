@@ -86,6 +86,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("btnContinue", btnContinue).click([this] { Main(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
+  addInputFileButtons();
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
 }
@@ -233,6 +234,8 @@ void frmSecSub::btnSaveDrawing_Click() {
   for (std::string line; std::getline(svg, line);) lines.push_back(line);
   program().writeOutputFile(file, lines);
 }
+
+std::vector<FormModel*> frmSecSub::inputForms() { return {&program().form("frmMain"), this}; }
 
 void frmSecSub::btnExport_Click() {
   if (!hasRun) return;

@@ -103,6 +103,8 @@ class frmSecSub : public FormModel {
   bool getFormValues();
   void checkForMissingChainData();
   void labelBlankPts(const CornerNaming& naming);
+  // The section's inputs include the main window's source and output names.
+  std::vector<FormModel*> inputForms() override;
   // Opening over the main window: the source file's notice comes along.
   void opened() override { showNotices(notices.lines); }
   // The names and feature codes the output files give each present

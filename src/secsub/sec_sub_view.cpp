@@ -12,6 +12,7 @@
 #include <QRadioButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QSplitter>
 #include <QSvgRenderer>
 #include <QVBoxLayout>
 
@@ -65,7 +66,12 @@ class SecSubView : public FormDialog {
  public:
   SecSubView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
     auto* outer = new QHBoxLayout(this);
-    auto* scroll = new QScrollArea(this);
+    // The form and the drawing share the width as the user drags it.
+    auto* split = new QSplitter(Qt::Horizontal, this);
+    split->setObjectName("splitter");
+    split->setChildrenCollapsible(false);
+    outer->addWidget(split);
+    auto* scroll = new QScrollArea(split);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
     auto* content = new QWidget(scroll);
@@ -75,13 +81,17 @@ class SecSubView : public FormDialog {
     column->addWidget(slotGrid(content));
     column->addStretch();
     scroll->setWidget(content);
-    outer->addWidget(scroll, 5);
+    split->addWidget(scroll);
 
-    auto* side = new QVBoxLayout;
+    auto* sidePanel = new QWidget(split);
+    auto* side = new QVBoxLayout(sidePanel);
+    side->setContentsMargins(0, 0, 0, 0);
     side->addWidget(noticeLabel("lblNotice", this));
     drawing_ = new DrawingView(this);
     side->addWidget(drawing_, 1);
     auto* files = new QHBoxLayout;
+    files->addWidget(button("btnOpenInputs"));
+    files->addWidget(button("btnSaveInputs"));
     files->addWidget(button("btnSaveDrawing"));
     files->addWidget(button("btnExport"));
     side->addLayout(files);
@@ -92,7 +102,9 @@ class SecSubView : public FormDialog {
     buttons->addWidget(button("btnClear"));
     buttons->addWidget(button("btnReturn"));
     side->addLayout(buttons);
-    outer->addLayout(side, 3);
+    split->addWidget(sidePanel);
+    split->setStretchFactor(0, 5);
+    split->setStretchFactor(1, 3);
     bind();
     binder_->onRefresh = [this] { drawing_->show(static_cast<frmSecSub&>(model_).drawing()); };
     binder_->onRefresh();

@@ -112,6 +112,7 @@ frmVertCurve::frmVertCurve(Program& program)
   add("txtEquationOut", txtEquationOut);
   add("btnCalculate", btnCalculate).click([this] { Main(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
+  addInputFileButtons();
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
 }
 

@@ -29,8 +29,12 @@ TEST_F(MainWindow, CaptionAndMenuInOrder) {
   std::vector<std::string> menu;
   for (const auto& e : main.controls())
     if (std::holds_alternative<MenuItem*>(e.control)) menu.push_back(e.name);
-  EXPECT_EQ(menu, (std::vector<std::string>{"mnuSecSub", "mnuCurve", "mnuChorz", "mnuCvert", "mnuMisc", "mnuMgrade",
-                                            "mnuMprop", "mnuHelp", "mnuExit", "mnuOptions"}));
+  const std::vector<std::string> own{"mnuSecSub", "mnuCurve", "mnuChorz", "mnuCvert", "mnuMisc", "mnuMgrade",
+                                     "mnuMprop", "mnuHelp", "mnuExit", "mnuOptions", "mnuRecent"};
+  // The program's own entries in their order, then the recent work.
+  EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 11), own);
+  EXPECT_EQ(menu.size(), 11u + 10u + 1u);
+  EXPECT_EQ(menu.back(), "mnuPrevious");
   EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");
   EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");
 }

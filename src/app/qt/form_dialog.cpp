@@ -1,6 +1,8 @@
 #include "app/qt/form_dialog.h"
 
 #include <QCheckBox>
+#include <QSettings>
+#include <QSplitter>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFontDatabase>
@@ -69,8 +71,34 @@ void FormDialog::bind() {
 }
 
 void FormDialog::closeEvent(QCloseEvent* event) {
+  keepLayout();
   model_.unload();
   QDialog::closeEvent(event);
+}
+
+void FormDialog::done(int result) {
+  keepLayout();
+  QDialog::done(result);
+}
+
+void FormDialog::showEvent(QShowEvent* event) {
+  if (!restored_) {
+    restored_ = true;
+    const QSettings settings;
+    const QString key = "windows/" + objectName();
+    if (settings.contains(key + "/geometry")) restoreGeometry(settings.value(key + "/geometry").toByteArray());
+    for (QSplitter* splitter : findChildren<QSplitter*>())
+      if (settings.contains(key + "/" + splitter->objectName())) splitter->restoreState(settings.value(key + "/" + splitter->objectName()).toByteArray());
+  }
+  QDialog::showEvent(event);
+}
+
+void FormDialog::keepLayout() {
+  if (!restored_) return;  // never shown: nothing of the user's to keep
+  QSettings settings;
+  const QString key = "windows/" + objectName();
+  settings.setValue(key + "/geometry", saveGeometry());
+  for (QSplitter* splitter : findChildren<QSplitter*>()) settings.setValue(key + "/" + splitter->objectName(), splitter->saveState());
 }
 
 QLineEdit* FormDialog::edit(const char* name, QWidget* parent) { return named<QLineEdit>(name, parent, this); }
@@ -115,6 +143,9 @@ QLayout* FormDialog::commandRow(const char* calculate, QWidget* parent) {
   row->addWidget(go);
   row->addWidget(button("btnClear", parent));
   row->addStretch();
+  // The window's inputs kept in a file of the user's.
+  row->addWidget(button("btnOpenInputs", parent));
+  row->addWidget(button("btnSaveInputs", parent));
   row->addWidget(button("btnReturn", parent));
   return row;
 }

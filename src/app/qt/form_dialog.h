@@ -49,10 +49,18 @@ class FormDialog : public QDialog {
   QLayout* commandRow(const char* calculate, QWidget* parent = nullptr);
 
   void closeEvent(QCloseEvent* event) override;
+  // A window opens where and as large as the user left it, splitters too;
+  // a first start (no settings) keeps the window's own size.
+  void showEvent(QShowEvent* event) override;
+  void done(int result) override;
 
   FormModel& model_;
   QtShell& shell_;
   Binder* binder_ = nullptr;
+
+ private:
+  void keepLayout();
+  bool restored_ = false;
 };
 
 // The fixed-pitch font of result columns.

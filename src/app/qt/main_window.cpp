@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSettings>
 
 #include "app/frm_main.h"
 #include "app/program.h"
@@ -110,7 +111,13 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
   return QMainWindow::eventFilter(watched, event);
 }
 
+void MainWindow::restoreLayout() {
+  const QSettings settings;
+  if (settings.contains("windows/frmMain/geometry")) restoreGeometry(settings.value("windows/frmMain/geometry").toByteArray());
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
+  QSettings().setValue("windows/frmMain/geometry", saveGeometry());
   model_.unload();
   QMainWindow::closeEvent(event);
 }

@@ -7,12 +7,16 @@
 #include <QSaveFile>
 #include <QSvgRenderer>
 #include <QFileDialog>
+#include <QDir>
 #include <QFileInfo>
+#include <QSettings>
 #include <QRegularExpression>
 #include <QMessageBox>
 #include <QProcess>
 #include <QUrl>
+#include <algorithm>
 #include <cstdlib>
+#include <exception>
 
 #include "app/form_model.h"
 #include "app/output_file.h"
@@ -61,7 +65,23 @@ Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon i
   return Answer::Ok;
 }
 
+void QtShell::keepPreviousInputs() {
+  if (!program_ || ending_) return;
+  const FormRegistry& registry = program_->registry();
+  const bool calculator = std::any_of(open_.begin(), open_.end(), [&registry](const FormModel* f) {
+    const auto& all = registry.calculators();
+    return std::any_of(all.begin(), all.end(), [f](const CalculatorInfo& c) { return c.form == f->name(); });
+  });
+  if (!calculator) return;
+  try {
+    writeTextFile(previousInputsFile(program_->userAppData), {recoveryJob(open_, registry).dump(2)});
+  } catch (const RunTimeError&) {
+    // Previous inputs are a convenience; a folder that cannot take them costs nothing typed now.
+  }
+}
+
 void QtShell::endProgram() {
+  ending_ = true;
   if (program_) {
     // One more box of the desktop program's own, after the box that ended
     // it: the user learns that nothing typed is lost, or why it could not be kept.
@@ -88,6 +108,8 @@ void QtShell::showModal(FormModel& form) {
     FormModel& form;
     QDialog*& view;
     ~Close() {
+      // A calculator window closing keeps its inputs for Reopen Previous Inputs.
+      if (!std::uncaught_exceptions()) shell.keepPreviousInputs();
       shell.open_.pop_back();
       form.setOpen(false);
       delete view;
@@ -123,13 +145,22 @@ void QtShell::playPending(FormModel& form) {
 
 std::optional<std::string> QtShell::chooseFile(FileDialog kind, const std::string& title, const std::string& initial,
                                                const std::vector<std::string>& filters) {
+  // Each dialog starts in the folder it was last left in; the name proposed stays.
+  QSettings settings;
+  const QString folderKey = "dialogs/" + q(title);
+  QString start = q(initial);
+  if (const QString last = settings.value(folderKey).toString(); !last.isEmpty() && QFileInfo(last).isDir()) {
+    const QFileInfo proposed(start);
+    start = proposed.isDir() || start.isEmpty() ? last : QDir(last).filePath(proposed.fileName());
+  }
   QStringList kinds;
   for (const std::string& f : filters) kinds << q(f);
   QString selected;
   QString chosen = kind == FileDialog::Open
-                       ? QFileDialog::getOpenFileName(activeWindow(), q(title), q(initial), kinds.join(";;"), &selected)
-                       : QFileDialog::getSaveFileName(activeWindow(), q(title), q(initial), kinds.join(";;"), &selected);
+                       ? QFileDialog::getOpenFileName(activeWindow(), q(title), start, kinds.join(";;"), &selected)
+                       : QFileDialog::getSaveFileName(activeWindow(), q(title), start, kinds.join(";;"), &selected);
   if (chosen.isEmpty()) return std::nullopt;
+  settings.setValue(folderKey, QFileInfo(chosen).absolutePath());
   // A name typed without an ending takes the ending of the kind chosen ("LandXML (*.xml)").
   const QRegularExpressionMatch ending = QRegularExpression(R"(\(\*(\.\w+))").match(selected);
   if (kind == FileDialog::Save && QFileInfo(chosen).suffix().isEmpty() && ending.hasMatch()) chosen += ending.captured(1);

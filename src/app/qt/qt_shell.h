@@ -40,6 +40,11 @@ class QtShell : public Shell {
   // Reopens the recovery job's calculator with its inputs, in the windows a
   // user sees (the steps naming each window are played when it opens).
   void replay(const Job& job);
+  void reopen(const Job& job) override { replay(job); }
+
+  // Keeps the inputs of the calculator window open now (or closing) as the
+  // previous inputs, which the main window's Recent menu reopens.
+  void keepPreviousInputs();
 
   // After a program end has been shown and kept: ends the process (status 3).
   void programEnded() { terminate(3); }
@@ -64,6 +69,7 @@ class QtShell : public Shell {
   std::map<std::string, ViewFactory> views_;
   Program* program_ = nullptr;
   QWidget* main_ = nullptr;
+  bool ending_ = false;
   std::vector<FormModel*> open_;
   std::deque<JobStep> pending_;
 };

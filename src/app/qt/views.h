@@ -27,6 +27,8 @@ class MainWindow : public QMainWindow {
   MainWindow(Program& program, QtShell& shell);
   ~MainWindow() override;
   Binder& binder() { return *binder_; }
+  // Where and how large the user left the main window; nothing on a first start.
+  void restoreLayout();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

@@ -1,0 +1,44 @@
+#include "app/recent_work.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <nlohmann/json.hpp>
+
+#include "app/output_file.h"
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+std::filesystem::path listFile(const std::string& folder) { return folder + "recent.json"; }
+
+}  // namespace
+
+RecentWork::RecentWork(std::string dataFolder) : folder_(std::move(dataFolder)) {
+  if (folder_.empty()) return;
+  std::ifstream in(listFile(folder_));
+  if (!in) return;
+  std::stringstream text;
+  text << in.rdbuf();
+  const auto json = nlohmann::json::parse(text.str(), nullptr, false);
+  if (!json.is_array()) return;  // a damaged list is started afresh
+  for (const auto& f : json)
+    if (f.is_string() && files_.size() < kMost) files_.push_back(f.get<std::string>());
+}
+
+void RecentWork::add(const std::string& file) {
+  const std::string path = std::filesystem::absolute(file).lexically_normal().string();
+  files_.erase(std::remove(files_.begin(), files_.end(), path), files_.end());
+  files_.insert(files_.begin(), path);
+  if (files_.size() > kMost) files_.resize(kMost);
+  if (folder_.empty()) return;
+  try {
+    writeTextFile(listFile(folder_), {nlohmann::json(files_).dump(2)});
+  } catch (const RunTimeError&) {
+  }
+}
+
+}  // namespace tervalo
