@@ -108,6 +108,9 @@ TEST(JobRefusals, SayWhatIsWrong) {
   EXPECT_NE(refusal(R"({"calculator":"probe","steps":[{"click":"txtA"}]})").find("not a button"), std::string::npos);
   EXPECT_NE(refusal(R"({"calculator":"probe","steps":[{"press":"btnAsk"}]})").find("unknown key \"press\""), std::string::npos);
   EXPECT_NE(refusal(R"({"calculator":"probe","answers":["maybe"]})").find("\"yes\" or \"no\""), std::string::npos);
+  EXPECT_NE(refusal(R"({"calculator":"probe","files":[3]})").find("must be a file name"), std::string::npos);
+  EXPECT_NE(refusal(R"({"version":2,"calculator":"probe"})").find("written by a newer Tervalo (job version 2)"), std::string::npos);
+  EXPECT_EQ(refusal(R"({"version":1,"calculator":"probe"})"), "accepted");
   EXPECT_EQ(refusal(R"({"calculator":"secsub","steps":[{"form":"frmMain","click":["mnuSecSub","btnContinue"]}]})"),
             "accepted");
 }

@@ -11,6 +11,7 @@
 
 #include "app/frm_main.h"
 #include "app/program.h"
+#include "app/qt/binder.h"
 #include "app/qt/views.h"
 #include "qt/scripted_shell.h"
 #include "support/temp_dir.h"
@@ -51,6 +52,48 @@ class CurveWindow : public QObject {
     QCOMPARE(pc, QString("7+32.0508"));
     QCOMPARE(output.toStdString(), dir.folder() + "outHfile.txt");
     QVERIFY(shell.boxes.empty());
+  }
+
+  // Inputs saved and opened by the window's buttons; Return keeps them as the
+  // previous inputs, which the main window reopens in the window at the next start.
+  void inputsSavedOpenedAndKeptAcrossStarts() {
+    TempDir dir;
+    QString reopened;
+    {
+      ScriptedShell shell;
+      registerViews(shell);
+      Program program(shell, dir.folder());
+      shell.setProgram(program);
+      QString afterOpen;
+      shell.inDialog = [&](QDialog& d) {
+        QTest::keyClicks(d.findChild<QLineEdit*>("txtDelta"), "30");
+        QTest::keyClicks(d.findChild<QLineEdit*>("txtRadius"), "1000");
+        shell.chosenFiles.push_back((dir.path() / "curve.tervalo.json").string());
+        QTest::mouseClick(d.findChild<QPushButton*>("btnSaveInputs"), Qt::LeftButton);
+        QTest::mouseClick(d.findChild<QPushButton*>("btnClear"), Qt::LeftButton);
+        shell.chosenFiles.push_back((dir.path() / "curve.tervalo.json").string());
+        QTest::mouseClick(d.findChild<QPushButton*>("btnOpenInputs"), Qt::LeftButton);
+        afterOpen = d.findChild<QLineEdit*>("txtDelta")->text() + "/" + d.findChild<QLineEdit*>("txtRadius")->text();
+        QVERIFY(d.findChild<QLabel*>("lblTan")->text().isEmpty());  // nothing was calculated
+        QTest::mouseClick(d.findChild<QPushButton*>("btnReturn"), Qt::LeftButton);
+      };
+      program.form<frmMain>("frmMain").setOpen(true);
+      program.form<frmMain>("frmMain").click("mnuChorz");
+      QCOMPARE(afterOpen, QString("30/1000"));
+      QVERIFY(shell.boxes.empty());
+    }
+    ScriptedShell shell;  // the next start
+    registerViews(shell);
+    Program program(shell, dir.folder());
+    shell.setProgram(program);
+    auto& main = program.form<frmMain>("frmMain");
+    main.setOpen(true);
+    MainWindow window(program, shell);
+    shell.setMainWindow(&window, main);
+    QVERIFY(main.mnuRecentFiles[0].caption.find("curve.tervalo.json") != std::string::npos);
+    shell.inDialog = [&](QDialog& d) { reopened = d.findChild<QLineEdit*>("txtRadius")->text(); };
+    window.binder().run([&] { main.click("mnuPrevious"); });
+    QCOMPARE(reopened, QString("1000"));
   }
 
   void verticalCurveFromEntryToResults() {

@@ -4,6 +4,7 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSettings>
 #include <QTest>
 #include <fstream>
 
@@ -94,6 +95,12 @@ class SecSubWindow : public QObject {
   }
 
   void aRunFromTheWindowWritesWhatTheRunnerWrites() {
+    // Odd settings in place (a window size, a splitter, dialog folders): they shape
+    // the windows only, never what the run writes.
+    QSettings settings;
+    settings.setValue("windows/frmSecSub/geometry", QByteArray("not a geometry"));
+    settings.setValue("windows/frmSecSub/splitter", QByteArray("\x01\x02"));
+    settings.setValue("dialogs/Export the Corners", "/nowhere/at/all");
     auto& main = openSection();
     int markers = 0;
     shell->inDialog = [&](QDialog& d) {

@@ -11,11 +11,14 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStandardPaths>
 #include <QTest>
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "app/data_folder.h"
 #include "app/forms_misc.h"
+#include "app/identity.h"
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/qt/binder.h"
@@ -227,6 +230,22 @@ class ShellWindows : public QObject {
     QCOMPARE(TempDir::read(dir->path() / "Proportion.txt"), std::string(" PROPORTION \r\n  10+00.000   .000\r\n"));
     QCOMPARE(shell->editorFiles.size(), std::size_t(2));
     QVERIFY(!output.isOpen());
+  }
+
+  // Without APPDATA the data folder is the desktop's own data location for the program.
+  void dataFolderIsTheApplicationsDataLocation() {
+    const QByteArray appData = qgetenv("APPDATA"), xdg = qgetenv("XDG_DATA_HOME");
+    qunsetenv("APPDATA");
+    qputenv("XDG_DATA_HOME", QByteArray::fromStdString(dir->folder() + "xdg"));
+    QStandardPaths::setTestModeEnabled(false);
+    const QString organization = QCoreApplication::organizationName();
+    QCoreApplication::setOrganizationName(kOrganization);
+    const QString expected = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/KvAppsData/";
+    QCoreApplication::setOrganizationName(organization);
+    QStandardPaths::setTestModeEnabled(true);
+    QCOMPARE(QString::fromStdString(prepareDataFolder()), expected);
+    if (appData.isNull()) qunsetenv("APPDATA"); else qputenv("APPDATA", appData);
+    if (xdg.isNull()) qunsetenv("XDG_DATA_HOME"); else qputenv("XDG_DATA_HOME", xdg);
   }
 
   void programEndKeepsTheInputsAndTheNextStartOffersThem() {
