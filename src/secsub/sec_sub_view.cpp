@@ -67,7 +67,7 @@ class SecSubView : public FormDialog {
   SecSubView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
     auto* outer = new QHBoxLayout(this);
     // The form and the drawing share the width as the user drags it.
-    auto* split = new QSplitter(Qt::Horizontal, this);
+    split = new QSplitter(Qt::Horizontal, this);
     split->setObjectName("splitter");
     split->setChildrenCollapsible(false);
     outer->addWidget(split);
@@ -114,6 +114,8 @@ class SecSubView : public FormDialog {
     const QRect screen = QGuiApplication::primaryScreen() ? QGuiApplication::primaryScreen()->availableGeometry()
                                                           : QRect(0, 0, 1366, 768);
     resize(want.boundedTo(screen.size() - QSize(20, 40)));
+    // The drawing keeps what the form does not need, until the user drags the splitter.
+    split->setSizes({content->sizeHint().width() + 20, std::max(420, width() - content->sizeHint().width() - 40)});
   }
 
  private:
@@ -228,6 +230,7 @@ class SecSubView : public FormDialog {
   }
 
   DrawingView* drawing_ = nullptr;
+  QSplitter* split = nullptr;
 };
 
 }  // namespace
