@@ -25,23 +25,18 @@ frmMain::frmMain(Program& program)
   add("lblNotice", lblNotice);
   add("mnuSecSub", mnuSecSub).click([this] { mnuSecSub_Click(); });
   add("mnuCurve", mnuCurve);
-  add("mnuChorz", mnuChorz).click([this] {
-    this->program().openCalculator("mnuChorz");
-    showRecent();  // the calculator may have saved or opened inputs
-  });
-  add("mnuCvert", mnuCvert).click([this] {
-    this->program().openCalculator("mnuCvert");
-    showRecent();  // the calculator may have saved or opened inputs
-  });
+  // A calculator may save or open inputs: the recent list is shown afresh after it.
+  auto openCalculator = [this](const char* menu) {
+    return [this, menu] {
+      this->program().openCalculator(menu);
+      showRecent();
+    };
+  };
+  add("mnuChorz", mnuChorz).click(openCalculator("mnuChorz"));
+  add("mnuCvert", mnuCvert).click(openCalculator("mnuCvert"));
   add("mnuMisc", mnuMisc);
-  add("mnuMgrade", mnuMgrade).click([this] {
-    this->program().openCalculator("mnuMgrade");
-    showRecent();  // the calculator may have saved or opened inputs
-  });
-  add("mnuMprop", mnuMprop).click([this] {
-    this->program().openCalculator("mnuMprop");
-    showRecent();  // the calculator may have saved or opened inputs
-  });
+  add("mnuMgrade", mnuMgrade).click(openCalculator("mnuMgrade"));
+  add("mnuMprop", mnuMprop).click(openCalculator("mnuMprop"));
   add("mnuHelp", mnuHelp).click([this] {
     if (this->program().registry().hasForm("frmAbout")) shell().showModal(this->program().form("frmAbout"));
   });
