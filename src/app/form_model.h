@@ -63,6 +63,10 @@ class FormModel {
   // Each time the window opens, before it is shown.
   virtual void opened() {}
 
+  // The control the window should put the cursor in after this event
+  // (scrolled into sight), "" for none; the view takes it and clears it.
+  std::string focusRequest;
+
   // Open while shown; a model closes itself with unload() (Return).
   bool isOpen() const { return open_; }
   void setOpen(bool open) {

@@ -67,6 +67,9 @@ void frmGrade::addSegment(SegmentList& list, bool finished) {
   }
   list.segments.push_back(*segment);
   showList(list);
+  // Ready for the next segment.
+  list.width.text.clear();
+  list.slope.text.clear();
 }
 
 void frmGrade::pickSegment(SegmentList& list) {

@@ -53,6 +53,7 @@ class GradeView : public FormDialog {
     results->setTextInteractionFlags(Qt::TextSelectableByMouse);
     outer->addWidget(results);
     outer->addLayout(commandRow("btnCalculate"));
+    findChild<QPushButton*>("btnCalculate")->setDefault(false);  // Enter belongs to the segment fields
     bind();
   }
 
@@ -73,8 +74,13 @@ class GradeView : public FormDialog {
     grid->addWidget(widthField, 0, 1);
     grid->addWidget(slope, 1, 0);
     grid->addWidget(slopeField, 1, 1);
-    grid->addWidget(button(name("btn", "Add").c_str(), box), 0, 2, 2, 1);
-    auto* heading = new QLabel("  #       Slope       Width", box);
+    QPushButton* add = button(name("btn", "Add").c_str(), box);
+    grid->addWidget(add, 0, 2, 2, 1);
+    // Enter in either field adds the segment (never Calculate); then the width is next.
+    connect(widthField, &QLineEdit::returnPressed, add, &QPushButton::click);
+    connect(slopeField->lineEdit(), &QLineEdit::returnPressed, add, &QPushButton::click);
+    connect(add, &QPushButton::clicked, widthField, [widthField] { widthField->setFocus(Qt::OtherFocusReason); });
+    auto* heading = new QLabel("  #       Width       Slope", box);
     heading->setFont(fixedPitchFont());
     grid->addWidget(heading, 2, 0, 1, 3);
     QListWidget* segments = list(name("lst").c_str(), true, box);

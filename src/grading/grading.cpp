@@ -99,7 +99,8 @@ std::vector<std::string> printResults(const GradingInput& in, const GradingResul
 }
 
 std::string segmentRow(int number, const Segment& s) {
-  return rightJustify(std::to_string(number), 3) + rightJustify(slope(s.slope), 12) + rightJustify(Format(s.width, "#0.000"), 12);
+  // In the order of the entry fields: width, then slope.
+  return rightJustify(std::to_string(number), 3) + rightJustify(Format(s.width, "#0.000"), 12) + rightJustify(slope(s.slope), 12);
 }
 
 }  // namespace tervalo

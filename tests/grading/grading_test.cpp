@@ -171,7 +171,7 @@ TEST_F(GradeForm, TheEleventhSegmentIsRefusedAndNothingIsLost) {
   EXPECT_EQ(form.fin.segments.size(), 10u);
   EXPECT_EQ(shell.boxes.back().title, "Data Error");
   EXPECT_EQ(form.fin.list.items.size(), 10u);
-  EXPECT_EQ(form.fin.list.items[0], "  1      -0.020      12.000");
+  EXPECT_EQ(form.fin.list.items[0], "  1      12.000      -0.020");  // width, then slope, as entered
 }
 
 TEST_F(GradeForm, ValuesBelowOneHaveNoLeadingZero) {

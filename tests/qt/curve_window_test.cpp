@@ -192,7 +192,7 @@ class CurveWindow : public QObject {
       QVERIFY(d.findChild<QPushButton*>("btnFinChange")->isEnabled());
       d.findChild<QComboBox*>("cmbFinSlope")->setCurrentText("1:4");
       QTest::mouseClick(d.findChild<QPushButton*>("btnFinChange"), Qt::LeftButton);
-      QCOMPARE(d.findChild<QListWidget*>("lstFin")->item(1)->text(), QString("  2      -0.250       4.000"));
+      QCOMPARE(d.findChild<QListWidget*>("lstFin")->item(1)->text(), QString("  2       4.000      -0.250"));
       QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
       result = d.findChild<QLabel*>("lblResults")->text();
     };

@@ -159,7 +159,7 @@ class ShellWindows : public QObject {
     MainWindow window(*program, *shell);
     auto& main = program->form<frmMain>("frmMain");
     shell->setMainWindow(&window, main);
-    QCOMPARE(window.findChild<QAction*>("mnuChorz")->text(), QString("Horizontal Curve"));
+    QCOMPARE(window.findChild<QAction*>("mnuChorz")->text(), QString("&Horizontal Curve"));  // with its mnemonic
     QVERIFY(window.findChild<QAction*>("mnuHelp")->isEnabled());
     // Section Subdivision, twice: the names typed in between are replaced.
     window.binder().run([&] { main.click("mnuSecSub"); });

@@ -5,6 +5,8 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QFocusEvent>
+#include <QKeyEvent>
+#include <QScrollArea>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -12,6 +14,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
+
+#include <algorithm>
 
 #include "app/form_model.h"
 #include "app/qt/qt_shell.h"
@@ -70,6 +74,7 @@ Binder::Binder(FormModel& model, QWidget& root, QtShell& shell) : QObject(&root)
       if (auto* option = widget<QRadioButton>(root_, name)) {
         option->setAutoExclusive(false);  // the model keeps its groups
         connect(option, &QRadioButton::clicked, this, [this, name] { run([=, this] { model_.setChecked(name, true); }); });
+        option->installEventFilter(this);  // arrow keys move within the group
       }
     } else if (std::holds_alternative<ComboBox*>(entry.control)) {
       if (auto* combo = widget<QComboBox>(root_, name))
@@ -91,6 +96,26 @@ Binder::Binder(FormModel& model, QWidget& root, QtShell& shell) : QObject(&root)
 }
 
 bool Binder::eventFilter(QObject* watched, QEvent* event) {
+  // An option group is one tab stop; the arrow keys choose within it.
+  if (event->type() == QEvent::KeyPress && qobject_cast<QRadioButton*>(watched)) {
+    const int key = static_cast<QKeyEvent*>(event)->key();
+    const int step = key == Qt::Key_Left || key == Qt::Key_Up ? -1 : key == Qt::Key_Right || key == Qt::Key_Down ? 1 : 0;
+    if (step != 0) {
+      const std::string name = watched->objectName().toStdString();
+      const ControlEntry* self = model_.find(name);
+      std::vector<std::string> group;
+      for (const ControlEntry& e : model_.controls())
+        if (std::holds_alternative<OptionButton*>(e.control) && e.group == self->group && controlVisible(e.control) &&
+            controlEnabled(e.control))
+          group.push_back(e.name);
+      const auto at = std::find(group.begin(), group.end(), name) - group.begin();
+      const auto count = static_cast<std::ptrdiff_t>(group.size());
+      const std::string target = group[static_cast<std::size_t>(((at + step) % count + count) % count)];
+      run([this, target] { model_.setChecked(target, true); });
+      if (auto* w = widget<QRadioButton>(root_, target)) w->setFocus(Qt::TabFocusReason);
+      return true;
+    }
+  }
   // Leaving the field, not the window: a box or another program taking the
   // focus is no lost-focus event.
   if (event->type() == QEvent::FocusOut && static_cast<QFocusEvent*>(event)->reason() != Qt::ActiveWindowFocusReason &&
@@ -125,6 +150,7 @@ void Binder::refresh() {
               if (w->text() != q(c->text)) {
                 w->setText(q(c->text));
                 if (!w->hasFocus()) w->setCursorPosition(0);  // a filled field shows its start
+                w->setToolTip(q(c->text));  // a text wider than its field reads in full
               }
               setCommon(w, c->visible, c->enabled);
             }
@@ -141,8 +167,10 @@ void Binder::refresh() {
           } else if constexpr (std::is_same_v<T, CheckBox> || std::is_same_v<T, OptionButton>) {
             if (auto* w = widget<QAbstractButton>(root_, name)) {
               const QSignalBlocker block(w);
-              w->setText(q(c->caption));
+              w->setText(q(mnemonics_.marked("", name, c->caption)));
               w->setChecked(c->checked);
+              // An option group is one tab stop: the chosen option.
+              if constexpr (std::is_same_v<T, OptionButton>) w->setFocusPolicy(c->checked ? Qt::StrongFocus : Qt::ClickFocus);
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, ComboBox>) {
@@ -164,18 +192,27 @@ void Binder::refresh() {
             }
           } else if constexpr (std::is_same_v<T, Button>) {
             if (auto* w = widget<QPushButton>(root_, name)) {
-              w->setText(q(c->caption));
+              w->setText(q(mnemonics_.marked("", name, c->caption)));
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, MenuItem>) {
             if (auto* a = root_.findChild<QAction*>(q(name))) {
-              a->setText(q(c->caption));
+              // Menu bar entries share the window's letters; each menu has its own.
+              a->setText(q(mnemonics_.marked(c->parent, name, c->caption)));
               a->setVisible(c->visible);
               a->setEnabled(c->enabled);
             }
           }
         },
         entry.control);
+  }
+  if (!model_.focusRequest.empty()) {
+    if (auto* w = widget<QWidget>(root_, model_.focusRequest)) {
+      w->setFocus(Qt::OtherFocusReason);
+      for (QWidget* p = w->parentWidget(); p; p = p->parentWidget())
+        if (auto* scroll = qobject_cast<QScrollArea*>(p)) scroll->ensureWidgetVisible(w);
+    }
+    model_.focusRequest.clear();
   }
   if (onRefresh) onRefresh();
 }

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <functional>
 
+#include "app/mnemonics.h"
+
 namespace tervalo {
 
 class FormModel;
@@ -36,6 +38,7 @@ class Binder : public QObject {
   FormModel& model_;
   QWidget& root_;
   QtShell& shell_;
+  Mnemonics mnemonics_;  // Alt+letter for each button, box, option and menu entry
 };
 
 }  // namespace tervalo

@@ -1,7 +1,9 @@
 #include "app/qt/form_dialog.h"
 
 #include <QCheckBox>
+#include <QScrollArea>
 #include <QSettings>
+#include <algorithm>
 #include <QSplitter>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -68,6 +70,60 @@ FormDialog::~FormDialog() { delete binder_; }
 void FormDialog::bind() {
   binder_ = new Binder(model_, *this, shell_);
   binder_->onUnload = [this] { accept(); };
+  nameInputsForScreenReaders(*this);
+}
+
+void FormDialog::reject() {
+  if (model_.find("btnReturn") && binder_)
+    binder_->run([this] { model_.click("btnReturn"); });
+  else
+    QDialog::reject();
+}
+
+namespace {
+
+// Where a widget stands for reading: the frames it lies in, outermost
+// first, then itself; each a (row band, column) pair in window pixels.
+std::vector<std::pair<int, int>> readingKey(const QWidget& root, const QWidget* w) {
+  std::vector<std::pair<int, int>> key;
+  for (const QWidget* p = w; p && p != &root; p = p->parentWidget())
+    // A frame, a scrolled form or one side of a splitter is read whole before what lies beside it.
+    if (p == w || qobject_cast<const QGroupBox*>(p) || qobject_cast<const QScrollArea*>(p) ||
+        (p->parentWidget() && qobject_cast<const QSplitter*>(p->parentWidget()))) {
+      const QPoint at = p->mapTo(&root, QPoint(0, 0));
+      key.insert(key.begin(), {at.y() / 12, at.x()});
+    }
+  return key;
+}
+
+}  // namespace
+
+void setReadingTabOrder(QWidget& root) {
+  std::vector<QWidget*> inputs;
+  for (QWidget* w : root.findChildren<QWidget*>())
+    if (!w->objectName().isEmpty() && (w->focusPolicy() & Qt::TabFocus) &&
+        (qobject_cast<QLineEdit*>(w) || qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w) ||
+         qobject_cast<QListWidget*>(w)))
+      inputs.push_back(w);
+  std::stable_sort(inputs.begin(), inputs.end(),
+                   [&root](const QWidget* a, const QWidget* b) { return readingKey(root, a) < readingKey(root, b); });
+  for (std::size_t i = 1; i < inputs.size(); ++i) QWidget::setTabOrder(inputs[i - 1], inputs[i]);
+}
+
+void nameInputsForScreenReaders(QWidget& root) {
+  for (QLabel* label : root.findChildren<QLabel*>()) {
+    QWidget* input = label->buddy();
+    if (!input) continue;
+    QString name = label->text().remove('&');
+    if (name.size() <= 2)  // "X", "Y": said with their frame
+      if (auto* frame = qobject_cast<QGroupBox*>(input->parentWidget())) name = frame->title() + " " + name;
+    input->setAccessibleName(name);
+  }
+  for (QLineEdit* edit : root.findChildren<QLineEdit*>())
+    if (edit->accessibleName().isEmpty() && !edit->placeholderText().isEmpty()) {
+      auto* frame = qobject_cast<QGroupBox*>(edit->parentWidget());
+      edit->setAccessibleName((frame ? frame->title() + " " : QString()) + edit->placeholderText());
+    }
 }
 
 void FormDialog::closeEvent(QCloseEvent* event) {
@@ -84,6 +140,7 @@ void FormDialog::done(int result) {
 void FormDialog::showEvent(QShowEvent* event) {
   if (!restored_) {
     restored_ = true;
+    setReadingTabOrder(*this);  // once laid out, when positions are known
     const QSettings settings;
     const QString key = "windows/" + objectName();
     if (settings.contains(key + "/geometry")) restoreGeometry(settings.value(key + "/geometry").toByteArray());

@@ -53,6 +53,8 @@ class FormDialog : public QDialog {
   // a first start (no settings) keeps the window's own size.
   void showEvent(QShowEvent* event) override;
   void done(int result) override;
+  // Escape presses the window's Return, as a user would.
+  void reject() override;
 
   FormModel& model_;
   QtShell& shell_;
@@ -65,6 +67,14 @@ class FormDialog : public QDialog {
 
 // The fixed-pitch font of result columns.
 QFont fixedPitchFont();
+
+// Tab runs through a window's inputs in reading order: frame by frame, and
+// in each frame top to bottom, left to right.
+void setReadingTabOrder(QWidget& root);
+
+// Every input named for a screen reader by its caption ("Township"), with
+// its frame's title where the caption alone is ambiguous ("0  NW Cor X").
+void nameInputsForScreenReaders(QWidget& root);
 
 // A notice the user must not miss but need not answer: wrapped text on an
 // amber ground, its own colours so that it reads alike in light and dark

@@ -9,6 +9,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QSettings>
+#include <QShortcut>
 
 #include "app/frm_main.h"
 #include "app/program.h"
@@ -83,6 +84,20 @@ MainWindow::MainWindow(Program& program, QtShell& shell) : model_(program.form<f
 
   binder_ = new Binder(model, *this, shell);
   binder_->onUnload = [this] { close(); };
+  nameInputsForScreenReaders(*central);
+  // Enter presses Continue, as in the program's other windows their default;
+  // F10 opens the menu, as Alt does.
+  for (const auto key : {Qt::Key_Return, Qt::Key_Enter})
+    connect(new QShortcut(QKeySequence(key), this), &QShortcut::activated, this,
+            [this] { binder_->run([this] { model_.click("btnContinue"); }); });
+  connect(new QShortcut(QKeySequence(Qt::Key_F10), this), &QShortcut::activated, this, [this] {
+    for (QAction* a : menuBar()->actions())
+      if (a->isVisible() && a->isEnabled()) {
+        menuBar()->setFocus(Qt::ShortcutFocusReason);
+        menuBar()->setActiveAction(a);
+        return;
+      }
+  });
   resize(sizeHint().expandedTo(QSize(680, 200)));
 }
 
