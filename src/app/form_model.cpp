@@ -70,7 +70,8 @@ void FormModel::click(std::string_view control) {
 }
 
 void FormModel::browseForOutput(TextBox& field) {
-  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text, {});
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text,
+                                         {"Reports (*.txt *.rpt)", "All files (*)"});
   if (!chosen || chosen->empty()) return;
   program_.outputFileName = *chosen;
   field.text = *chosen;

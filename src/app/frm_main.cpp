@@ -151,7 +151,8 @@ void frmMain::btnContinue_Click() {
 }
 
 void frmMain::btnInFile_Click() {
-  const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtInFile.text, {});
+  const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtInFile.text,
+                                         {"Coordinate files (*.txt *.csv *.sdms *.rpt)", "All files (*)"});
   if (!chosen || chosen->empty()) return;
   useSourceFile(*chosen);
 }
@@ -163,7 +164,9 @@ void frmMain::useSourceFile(const std::string& file) {
 }
 
 void frmMain::chooseOutput(TextBox& field) {
-  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text, {});
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Select the Output File", field.text,
+                                         &field == &txtOutInp ? std::vector<std::string>{"GEOPAK input (*.inp)", "All files (*)"}
+                                                              : std::vector<std::string>{"Reports (*.txt *.rpt)", "All files (*)"});
   if (chosen && !chosen->empty()) field.text = *chosen;
 }
 

@@ -45,6 +45,11 @@ class Shell {
 
   // Hands a saved file to the user's text editor.
   virtual void openInEditor(const std::filesystem::path& file) = 0;
+  // Hands the files a run wrote to the editor together: one editor call,
+  // where the desktop allows, and one word at most when it cannot start.
+  virtual void openInEditor(const std::vector<std::filesystem::path>& files) {
+    for (const auto& f : files) openInEditor(f);
+  }
 
   // Renders an SVG drawing to a PNG file, written whole; false where this
   // shell cannot draw (the headless runner).

@@ -269,14 +269,16 @@ bool frmSecSub::getFormValues() {
   const int section = toInt16(Val(txtSection.text));
   const int township = toInt16(Val(txtTwp.text));
   const int range = toInt16(Val(txtRange.text));
-  auto refuse = [this](const char* title, const char* text) {
+  // After the box the cursor waits in the field to mend.
+  auto refuse = [this](const char* title, const char* text, const std::string& field) {
     shell().msgBox(title, text, Icon::Information);
+    focusRequest = field;
     return false;
   };
   // Names and descriptions exist for sections 1 to 36 only.
-  if (section < 1 || section > 36) return refuse("Invalid Number", "Valid Section numbers are 1-36.");
-  if (township < 1) return refuse("Missing Data", "Township number is a required field.");
-  if (range < 1) return refuse("Missing Data", "Range number is a required field.");
+  if (section < 1 || section > 36) return refuse("Invalid Number", "Valid Section numbers are 1-36.", "txtSection");
+  if (township < 1) return refuse("Missing Data", "Township number is a required field.", "txtTwp");
+  if (range < 1) return refuse("Missing Data", "Range number is a required field.", "txtRange");
 
   // Val, then back to text: 4.7 stays 4.7 and is refused below.
   double meridian = Val(txtPM.text);
@@ -289,12 +291,12 @@ bool frmSecSub::getFormValues() {
     }
   }
   txtPM.text = CStr(meridian);
-  if (meridian != 4 && meridian != 5) return refuse("Invalid Number", "Valid Principal Meridian numbers are 4 or 5.");
+  if (meridian != 4 && meridian != 5) return refuse("Invalid Number", "Valid Principal Meridian numbers are 4 or 5.", "txtPM");
 
-  const bool quarterMissing = slots[slot::N4].xc.text.empty() || slots[slot::W4].xc.text.empty() ||
-                              slots[slot::E4].xc.text.empty() || slots[slot::S4].xc.text.empty();
-  if (quarterMissing && slots[slot::C].xc.text.empty())
-    return refuse("Missing Quarter Corner", "Enter all four quarter corners or hold the center.");
+  for (int quarter : {slot::N4, slot::W4, slot::E4, slot::S4})
+    if (slots[static_cast<std::size_t>(quarter)].xc.text.empty() && slots[slot::C].xc.text.empty())
+      return refuse("Missing Quarter Corner", "Enter all four quarter corners or hold the center.",
+                    "txt" + std::to_string(quarter) + "pn");
 
   record.section = static_cast<std::int16_t>(section);
   record.township = static_cast<std::int16_t>(township);
@@ -454,8 +456,7 @@ void frmSecSub::Main() {
   program().points.clearRecords(0, 25);
   shell().msgBox("Program Complete", "Created Files: " + geopakFile.string() + " and " + reportFile.string() + ".",
                  Icon::Information);
-  shell().openInEditor(reportFile);
-  shell().openInEditor(geopakFile);
+  shell().openInEditor(std::vector<std::filesystem::path>{reportFile, geopakFile});
 }
 
 }  // namespace tervalo

@@ -21,6 +21,7 @@ class ScriptedShell : public QtShell, public BoxScript {
   }
   std::deque<std::string> chosenFiles;
   std::vector<std::filesystem::path> editorFiles;
+  int editorCalls = 0;
   std::optional<int> endedWith;
   // Acts in a modal window while it is open; the window closes after.
   std::function<void(QDialog&)> inDialog;
@@ -42,8 +43,9 @@ class ScriptedShell : public QtShell, public BoxScript {
     if (inDialog) inDialog(dialog);
     dialog.hide();
   }
-  bool startEditor(const std::filesystem::path& file) override {
-    editorFiles.push_back(file);
+  bool startEditor(const std::vector<std::filesystem::path>& files) override {
+    editorFiles.insert(editorFiles.end(), files.begin(), files.end());
+    ++editorCalls;
     return true;
   }
 };

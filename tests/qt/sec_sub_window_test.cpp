@@ -127,6 +127,7 @@ class SecSubWindow : public QObject {
     QCOMPARE(markers, 25);  // one per present corner
     QCOMPARE(shell->boxes.back().title, std::string("Program Complete"));
     QCOMPARE(shell->editorFiles.size(), std::size_t(2));
+    QCOMPARE(shell->editorCalls, 1);  // both files in one editor call
     QVERIFY(TempDir::read(dir->path() / "s14.dxf").find("POINTS") != std::string::npos);
 
     TempDir runnerDir;

@@ -113,13 +113,14 @@ TEST_F(SectionForm, EachCheckRefusesWithItsBox) {
     bool quarters;
     const char* title;
     const char* text;
+    const char* mend;  // where the cursor waits after the box
   } cases[] = {
-      {"", "115", "22", "5", true, "Invalid Number", "Valid Section numbers are 1-36."},
-      {"14", "", "22", "5", true, "Missing Data", "Township number is a required field."},
-      {"14", "115", "", "5", true, "Missing Data", "Range number is a required field."},
-      {"14", "115", "22", "6", true, "Invalid Number", "Valid Principal Meridian numbers are 4 or 5."},
-      {"14", "115", "22", "4.7", true, "Invalid Number", "Valid Principal Meridian numbers are 4 or 5."},
-      {"14", "115", "22", "5", false, "Missing Quarter Corner", "Enter all four quarter corners or hold the center."},
+      {"", "115", "22", "5", true, "Invalid Number", "Valid Section numbers are 1-36.", "txtSection"},
+      {"14", "", "22", "5", true, "Missing Data", "Township number is a required field.", "txtTwp"},
+      {"14", "115", "", "5", true, "Missing Data", "Range number is a required field.", "txtRange"},
+      {"14", "115", "22", "6", true, "Invalid Number", "Valid Principal Meridian numbers are 4 or 5.", "txtPM"},
+      {"14", "115", "22", "4.7", true, "Invalid Number", "Valid Principal Meridian numbers are 4 or 5.", "txtPM"},
+      {"14", "115", "22", "5", false, "Missing Quarter Corner", "Enter all four quarter corners or hold the center.", "txt2pn"},
   };
   form.setChecked("chkDefaults", false);
   for (const Case& c : cases) {
@@ -135,6 +136,8 @@ TEST_F(SectionForm, EachCheckRefusesWithItsBox) {
     EXPECT_EQ(shell.boxes[0].icon, Icon::Information);
     EXPECT_TRUE(shell.writtenFiles.empty());
     EXPECT_EQ(form.txtPM.text, c.pm);  // read as typed: 4.7 is not cut to 4
+    EXPECT_EQ(form.focusRequest, c.mend);
+    form.focusRequest.clear();
   }
 }
 

@@ -167,22 +167,29 @@ std::optional<std::string> QtShell::chooseFile(FileDialog kind, const std::strin
   return chosen.toStdString();
 }
 
-bool QtShell::startEditor(const std::filesystem::path& file) {
+bool QtShell::startEditor(const std::vector<std::filesystem::path>& files) {
   if (const char* editor = std::getenv("TERVALO_EDITOR"); editor && *editor) {
     QStringList command = QProcess::splitCommand(QString::fromLocal8Bit(editor));
     if (command.isEmpty()) return false;
     const QString program = command.takeFirst();
-    command << q(file.string());
+    for (const auto& f : files) command << q(f.string());
     return QProcess::startDetached(program, command);
   }
-  return QDesktopServices::openUrl(QUrl::fromLocalFile(q(file.string())));
+  // The desktop opens one file a call; all are asked for.
+  bool all = true;
+  for (const auto& f : files) all = QDesktopServices::openUrl(QUrl::fromLocalFile(q(f.string()))) && all;
+  return all;
 }
 
-void QtShell::openInEditor(const std::filesystem::path& file) {
-  if (unattended) return;
-  if (startEditor(file)) return;
-  msgBox("Editor", "No text editor could be started for\n" + std::filesystem::absolute(file).string() +
-                       "\n\nThe file is saved; open it with your editor.",
+void QtShell::openInEditor(const std::filesystem::path& file) { openInEditor(std::vector<std::filesystem::path>{file}); }
+
+void QtShell::openInEditor(const std::vector<std::filesystem::path>& files) {
+  if (unattended || files.empty() || startEditor(files)) return;
+  std::string names;
+  for (const auto& f : files) names += "\n" + std::filesystem::absolute(f).string();
+  msgBox("Editor",
+         std::string(files.size() > 1 ? "No text editor could be started for these files:" : "No text editor could be started for") +
+             names + "\n\n" + (files.size() > 1 ? "They are saved; open them with your editor." : "The file is saved; open it with your editor."),
          Icon::Information, Buttons::Ok);
 }
 

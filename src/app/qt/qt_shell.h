@@ -34,6 +34,7 @@ class QtShell : public Shell {
   std::optional<std::string> chooseFile(FileDialog kind, const std::string& title, const std::string& initial,
                                         const std::vector<std::string>& filters) override;
   void openInEditor(const std::filesystem::path& file) override;
+  void openInEditor(const std::vector<std::filesystem::path>& files) override;
   bool renderPng(const std::string& svg, const std::filesystem::path& file) override;
   Date today() override;
 
@@ -60,7 +61,8 @@ class QtShell : public Shell {
  protected:
   // Shows a window modally; returns when it has closed.
   virtual void runDialog(QDialog& dialog) { dialog.exec(); }
-  virtual bool startEditor(const std::filesystem::path& file);
+  // Starts the editor on the files in one call where it can; false when it cannot.
+  virtual bool startEditor(const std::vector<std::filesystem::path>& files);
   QWidget* activeWindow() const;
 
  private:
