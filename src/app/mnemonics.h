@@ -1,25 +1,24 @@
 #pragma once
 // Keyboard mnemonics (Alt+letter) for captions that the program gives
-// without one: each window, and each menu, gets letters that do not clash.
-// The caption itself is not changed; the view shows it with its marker.
+// without one: within a window, and within each menu, no two controls
+// share a letter. The captions themselves are not changed; the view shows
+// each with its marker.
 
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace tervalo {
 
-class Mnemonics {
- public:
-  // The caption with "&" before the letter kept for `control` in `scope`
-  // (a window's buttons and menu bar share one scope, each menu has its
-  // own): the letter it had if the caption still holds it, else the first
-  // free initial of a word, else any free letter or digit, else none. A
-  // caption that marks its own letter keeps it; a literal "&" is doubled.
-  std::string marked(const std::string& scope, const std::string& control, const std::string& caption);
+// One control and its caption, in the order of preference (the controls
+// that matter most first).
+using Captioned = std::vector<std::pair<std::string, std::string>>;
 
- private:
-  std::map<std::string, std::map<char, std::string>> taken_;  // scope -> letter -> control
-  std::map<std::string, char> letter_;                          // scope + control -> letter
-};
+// Each caption marked with "&" before its letter: as many controls as the
+// letters allow get one (a maximum matching of controls to letters), each
+// preferring the initials of its words, then its other letters; a caption
+// that marks its own letter keeps it, and a literal "&" is doubled.
+std::map<std::string, std::string> markMnemonics(const Captioned& controls);
 
 }  // namespace tervalo

@@ -11,6 +11,7 @@
 int runShellWindowTests(int argc, char** argv);
 int runSecSubWindowTests(int argc, char** argv);
 int runCurveWindowTests(int argc, char** argv);
+int runKeyboardTests(int argc, char** argv);
 
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -24,5 +25,5 @@ int main(int argc, char** argv) {
     std::fputs("watchdog: a window test hung\n", stderr);
     std::_Exit(1);
   }).detach();
-  return runShellWindowTests(argc, argv) | runSecSubWindowTests(argc, argv) | runCurveWindowTests(argc, argv);
+  return runShellWindowTests(argc, argv) | runSecSubWindowTests(argc, argv) | runCurveWindowTests(argc, argv) | runKeyboardTests(argc, argv);
 }

@@ -137,8 +137,27 @@ void Binder::run(const std::function<void()>& event) {
   if (!model_.isOpen() && onUnload) onUnload();
 }
 
+// The window's buttons and menu bar share one set of letters, each menu has
+// its own; buttons and menu entries choose first, then boxes and options.
+void Binder::markMnemonics() {
+  std::map<std::string, Captioned> scopes;
+  for (int pass = 0; pass < 2; ++pass)
+    for (const ControlEntry& entry : model_.controls()) {
+      if (!controlVisible(entry.control)) continue;
+      if (const auto* button = std::get_if<Button*>(&entry.control); button && pass == 0)
+        scopes[""].emplace_back(entry.name, (*button)->caption);
+      if (const auto* item = std::get_if<MenuItem*>(&entry.control); item && pass == 0)
+        scopes[(*item)->parent].emplace_back(entry.name, (*item)->caption);
+      if (pass == 1 && (std::holds_alternative<CheckBox*>(entry.control) || std::holds_alternative<OptionButton*>(entry.control)))
+        scopes[""].emplace_back(entry.name, controlText(entry.control));
+    }
+  marked_.clear();
+  for (const auto& [scope, captioned] : scopes) marked_.merge(tervalo::markMnemonics(captioned));
+}
+
 void Binder::refresh() {
   root_.setWindowTitle(q(model_.caption));
+  markMnemonics();
   for (const ControlEntry& entry : model_.controls()) {
     const std::string& name = entry.name;
     std::visit(
@@ -167,7 +186,7 @@ void Binder::refresh() {
           } else if constexpr (std::is_same_v<T, CheckBox> || std::is_same_v<T, OptionButton>) {
             if (auto* w = widget<QAbstractButton>(root_, name)) {
               const QSignalBlocker block(w);
-              w->setText(q(mnemonics_.marked("", name, c->caption)));
+              w->setText(q(marked_.count(name) ? marked_.at(name) : c->caption));
               w->setChecked(c->checked);
               // An option group is one tab stop: the chosen option.
               if constexpr (std::is_same_v<T, OptionButton>) w->setFocusPolicy(c->checked ? Qt::StrongFocus : Qt::ClickFocus);
@@ -192,13 +211,12 @@ void Binder::refresh() {
             }
           } else if constexpr (std::is_same_v<T, Button>) {
             if (auto* w = widget<QPushButton>(root_, name)) {
-              w->setText(q(mnemonics_.marked("", name, c->caption)));
+              w->setText(q(marked_.count(name) ? marked_.at(name) : c->caption));
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, MenuItem>) {
             if (auto* a = root_.findChild<QAction*>(q(name))) {
-              // Menu bar entries share the window's letters; each menu has its own.
-              a->setText(q(mnemonics_.marked(c->parent, name, c->caption)));
+              a->setText(q(marked_.count(name) ? marked_.at(name) : c->caption));
               a->setVisible(c->visible);
               a->setEnabled(c->enabled);
             }

@@ -5,6 +5,8 @@
 
 #include <QObject>
 #include <functional>
+#include <map>
+#include <string>
 
 #include "app/mnemonics.h"
 
@@ -38,7 +40,9 @@ class Binder : public QObject {
   FormModel& model_;
   QWidget& root_;
   QtShell& shell_;
-  Mnemonics mnemonics_;  // Alt+letter for each button, box, option and menu entry
+  // Alt+letter for each shown button, box, option and menu entry, by control name.
+  std::map<std::string, std::string> marked_;
+  void markMnemonics();
 };
 
 }  // namespace tervalo
