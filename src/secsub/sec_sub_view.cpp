@@ -169,6 +169,12 @@ class SecSubView : public FormDialog {
     QLabel* caption = label(("lbl" + std::string(stem) + "chain").c_str(), w);
     QLineEdit* field = edit(("txt" + std::string(stem) + "chain").c_str(), w);
     field->setMaximumWidth(80);
+    // Beside the grid in two short lines, so that showing every chain field widens nothing.
+    const bool beside = stem[1] == 'o' && (stem[3] == 'W' || stem[3] == 'E');  // "NofW", "SofE", ...
+    if (beside) {
+      caption->setWordWrap(true);
+      caption->setMaximumWidth(84);
+    }
     caption->setBuddy(field);
     l->addWidget(caption);
     l->addWidget(field);

@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "app/qt/form_dialog.h"
+#include "vcurve/frm_vert_curve.h"
 
 namespace tervalo {
 namespace {
@@ -91,11 +92,39 @@ class VCResultsView : public FormDialog {
     QListWidget* results = list("lstResults", true);
     results->setMinimumSize(QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(66, 'M')), 300);
     outer->addWidget(results, 1);
-    QLayout* files = outputFileRow(true);
-    // Export sits beside Save: the same results, for other programs.
-    static_cast<QHBoxLayout*>(files)->insertWidget(files->count() - 1, button("btnExport"));
-    outer->addLayout(files);
+    // The output file's name on a row of its own, so that it reads whole; the actions below it.
+    auto* file = new QHBoxLayout;
+    QLabel* caption = label("lblOut");
+    QLineEdit* name = edit("txtOut");
+    caption->setBuddy(name);
+    file->addWidget(caption);
+    file->addWidget(name, 1);
+    file->addWidget(button("btnOut"));
+    outer->addLayout(file);
+    auto* actions = new QHBoxLayout;
+    actions->addStretch();
+    for (const char* b : {"btnOutput", "btnExport", "btnReturn"}) actions->addWidget(button(b));
+    outer->addLayout(actions);
     bind();
+    binder_->onRefresh = [this, headings] { headings->setText(numberedHeadings()); };
+    binder_->onRefresh();
+  }
+
+ private:
+  // On screen each profile column says which profile it is ("Profile1"),
+  // in the same width; the report keeps the heading as the results give it.
+  QString numberedHeadings() const {
+    const auto& results = static_cast<const frmVCResults&>(model_);
+    QString text = QString::fromStdString(results.lblHeadings.caption);
+    int from = 0;
+    for (std::size_t k = 0; k < results.profiles.size(); ++k) {
+      if (results.profiles[k] == 0) continue;
+      const int at = text.indexOf("Profile ", from);
+      if (at < 0) break;
+      text.replace(at, 8, QString("Profile%1").arg(k + 1));
+      from = at + 8;
+    }
+    return text;
   }
 };
 

@@ -12,6 +12,8 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <set>
 
@@ -129,6 +131,19 @@ class Keyboard : public QObject {
     // Section, township, range; slot 0's five fields before slot 1's.
     QVERIFY(at("txtSection") < at("txtTwp") && at("txtTwp") < at("txtRange"));
     QVERIFY(at("txt0pn") < at("txt0xc") && at("txt0xc") < at("txt0pd") && at("txt0pd") < at("txt1pn"));
+  }
+
+  // Every chain field shown on a 1366 by 768 screen: nothing is pushed out of sight sideways.
+  void allChainFieldsFitTheLaptopScreen() {
+    auto& form = program->form("frmSecSub");
+    form.setChecked("chkDefaults", false);
+    std::unique_ptr<QDialog> view(shell->makeView(form, nullptr));
+    view->resize(1346, 700);
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    auto* scroll = view->findChild<QScrollArea*>();
+    QVERIFY(view->findChild<QLineEdit*>("txtEofNchain")->isVisible());
+    QVERIFY(!scroll->horizontalScrollBar()->isVisible());
   }
 
   void enterPressesTheNaturalDefaultAndEscapeReturns() {
