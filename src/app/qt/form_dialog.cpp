@@ -98,7 +98,7 @@ std::vector<std::pair<int, int>> readingKey(const QWidget& root, const QWidget* 
 
 }  // namespace
 
-void setReadingTabOrder(QWidget& root) {
+QWidget* setReadingTabOrder(QWidget& root) {
   std::vector<QWidget*> inputs;
   for (QWidget* w : root.findChildren<QWidget*>())
     if (!w->objectName().isEmpty() && (w->focusPolicy() & Qt::TabFocus) &&
@@ -108,6 +108,9 @@ void setReadingTabOrder(QWidget& root) {
   std::stable_sort(inputs.begin(), inputs.end(),
                    [&root](const QWidget* a, const QWidget* b) { return readingKey(root, a) < readingKey(root, b); });
   for (std::size_t i = 1; i < inputs.size(); ++i) QWidget::setTabOrder(inputs[i - 1], inputs[i]);
+  for (QWidget* w : inputs)
+    if (w->isEnabled() && w->isVisibleTo(&root)) return w;
+  return nullptr;
 }
 
 void nameInputsForScreenReaders(QWidget& root) {
@@ -140,7 +143,8 @@ void FormDialog::done(int result) {
 void FormDialog::showEvent(QShowEvent* event) {
   if (!restored_) {
     restored_ = true;
-    setReadingTabOrder(*this);  // once laid out, when positions are known
+    // Once laid out, when positions are known; the cursor starts in the first input.
+    if (QWidget* first = setReadingTabOrder(*this)) first->setFocus(Qt::TabFocusReason);
     const QSettings settings;
     const QString key = "windows/" + objectName();
     if (settings.contains(key + "/geometry")) restoreGeometry(settings.value(key + "/geometry").toByteArray());

@@ -70,7 +70,8 @@ QFont fixedPitchFont();
 
 // Tab runs through a window's inputs in reading order: frame by frame, and
 // in each frame top to bottom, left to right.
-void setReadingTabOrder(QWidget& root);
+// Returns the first input, where the cursor starts.
+QWidget* setReadingTabOrder(QWidget& root);
 
 // Every input named for a screen reader by its caption ("Township"), with
 // its frame's title where the caption alone is ambiguous ("0  NW Cor X").
