@@ -93,14 +93,7 @@ class VCResultsView : public FormDialog {
     results->setMinimumSize(QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(66, 'M')), 300);
     outer->addWidget(results, 1);
     // The output file's name on a row of its own, so that it reads whole; the actions below it.
-    auto* file = new QHBoxLayout;
-    QLabel* caption = label("lblOut");
-    QLineEdit* name = edit("txtOut");
-    caption->setBuddy(name);
-    file->addWidget(caption);
-    file->addWidget(name, 1);
-    file->addWidget(button("btnOut"));
-    outer->addLayout(file);
+    outer->addLayout(outputNameRow());
     auto* actions = new QHBoxLayout;
     actions->addStretch();
     for (const char* b : {"btnOutput", "btnExport", "btnReturn"}) actions->addWidget(button(b));

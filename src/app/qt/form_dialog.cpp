@@ -184,7 +184,7 @@ QListWidget* FormDialog::list(const char* name, bool fixedPitch, QWidget* parent
 }
 QGroupBox* FormDialog::frame(const char* name, QWidget* parent) { return named<QGroupBox>(name, parent, this); }
 
-QLayout* FormDialog::outputFileRow(bool withReturn) {
+QHBoxLayout* FormDialog::outputNameRow() {
   auto* row = new QHBoxLayout;
   QLabel* caption = label("lblOut");
   QLineEdit* name = edit("txtOut");
@@ -192,6 +192,11 @@ QLayout* FormDialog::outputFileRow(bool withReturn) {
   row->addWidget(caption);
   row->addWidget(name, 1);
   row->addWidget(button("btnOut"));
+  return row;
+}
+
+QLayout* FormDialog::outputFileRow(bool withReturn) {
+  QHBoxLayout* row = outputNameRow();
   row->addWidget(button("btnOutput"));
   if (withReturn) row->addWidget(button("btnReturn"));
   return row;

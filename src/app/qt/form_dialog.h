@@ -10,6 +10,7 @@
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
+class QHBoxLayout;
 class QLayout;
 class QLabel;
 class QLineEdit;
@@ -45,6 +46,8 @@ class FormDialog : public QDialog {
   // The output file row: "Output file:" lblOut, txtOut, Browse btnOut, Save
   // btnOutput, and btnReturn when the window has it there.
   QLayout* outputFileRow(bool withReturn);
+  // Only its first part: "Output file:", the name, Browse.
+  QHBoxLayout* outputNameRow();
   // Calculate (the default button), Clear, and Return at the far end.
   QLayout* commandRow(const char* calculate, QWidget* parent = nullptr);
 
