@@ -1,5 +1,7 @@
 #include "hcurve/frm_horz_curve.h"
 
+#include "hcurve/curve_sketch.h"
+
 #include "app/program.h"
 #include "app/shell.h"
 #include "text/angle.h"
@@ -166,6 +168,16 @@ void frmHorzCurve::createHoutFile() {
                                        ""};
   program().writeOutputFile(txtOut.text, lines);
   shell().openInEditor(txtOut.text);
+}
+
+Picture frmHorzCurve::sketch() const {
+  // The results' texts say whether a curve was solved since the last Clear.
+  if (lblTan.caption.empty() || !(elements.radius > 0) || !(elements.delta > 0)) {
+    Picture none;
+    none.hint = "The curve is drawn here to scale after Calculate.";
+    return none;
+  }
+  return curveSketch(elements, {lblPC.caption, lblPI.caption, lblPT.caption, lblDel.caption, lblRad.caption});
 }
 
 void frmHorzCurve::btnClear_Click() {

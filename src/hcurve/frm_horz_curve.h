@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/form_model.h"
+#include "app/picture.h"
 #include "hcurve/curve.h"
 
 namespace tervalo {
@@ -67,6 +68,9 @@ class frmHorzCurve : public FormModel {
   void optDec_Click();
   void chkMetric_Click();
   void chkChordDef_Click();
+
+  // The curve to scale after a Calculate; empty, with a hint, before one and after Clear.
+  Picture sketch() const;
 
   // What the calculation works with, kept between its procedures.
   CurveElements elements;

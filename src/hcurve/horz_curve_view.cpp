@@ -11,6 +11,8 @@
 #include <QVBoxLayout>
 
 #include "app/qt/form_dialog.h"
+#include "app/qt/picture_view.h"
+#include "hcurve/frm_horz_curve.h"
 
 namespace tervalo {
 namespace {
@@ -81,11 +83,17 @@ class HorzCurveView : public FormDialog {
     grid->setColumnMinimumWidth(1, QFontMetrics(fixedPitchFont()).horizontalAdvance(QString(16, '0')));
     grid->setRowStretch(r, 1);
     top->addWidget(results);
+    // The curve to scale, redrawn by every Calculate.
+    auto* sketch = new PictureView(this);
+    sketch->setObjectName("sketch");
+    top->addWidget(sketch, 1);
     outer->addLayout(top);
 
     outer->addLayout(commandRow("btnCalculate"));
     outer->addLayout(outputFileRow(false));
     bind();
+    binder_->onRefresh = [this, sketch] { sketch->showPicture(static_cast<const frmHorzCurve&>(model_).sketch()); };
+    binder_->onRefresh();
   }
 };
 

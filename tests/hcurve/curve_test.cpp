@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "hcurve/curve.h"
+#include "hcurve/curve_sketch.h"
 #include "text/errors.h"
 
 namespace tervalo {
@@ -136,6 +137,27 @@ TEST(Stations, FromPiPcOrPt) {
   const CurveStations fromPt = placeStations(1255.650, GivenPoint::PT, 267.949, 523.599);
   EXPECT_NEAR(fromPt.pc, 732.051, 1e-9);
   EXPECT_NEAR(fromPt.pi, 1000, 1e-9);
+}
+
+TEST(CurveSketch, TheWorkedCurveToScale) {
+  CurveOptions options;
+  options.pi = 4 * std::atan(1.0);
+  CurveElements given;
+  given.delta = 30;
+  given.radius = 1000;
+  const CurveElements e = solveCurve(given, options).e;
+  const Picture p = curveSketch(e, {"7+32.0508", "10+00.0000", "12+55.6496", "30", "1000"});
+  auto length = [](const PictureLine& l) { return std::hypot(l.points.back().x - l.points.front().x, l.points.back().y - l.points.front().y); };
+  ASSERT_EQ(p.lines.size(), 6u);
+  EXPECT_NEAR(length(p.lines[0]), 267.9492, 5e-5);  // PC to PI: the tangent
+  EXPECT_NEAR(length(p.lines[1]), 267.9492, 5e-5);  // PI to PT
+  EXPECT_NEAR(length(p.lines[3]), e.chord, 1e-9);
+  EXPECT_NEAR(length(p.lines[4]), e.external, 1e-9);
+  EXPECT_NEAR(length(p.lines[5]), e.midOrdinate, 1e-9);
+  // The arc runs from the PC to the PT at the radius.
+  EXPECT_NEAR(p.lines[2].points.front().x, 0, 1e-9);
+  EXPECT_NEAR(p.lines[2].points.back().x, p.lines[1].points.back().x, 1e-9);
+  EXPECT_EQ(p.texts[0].text, "PC 7+32.0508");
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/qt/binder.h"
+#include "app/qt/picture_view.h"
 #include "app/qt/views.h"
 #include "qt/scripted_shell.h"
 #include "support/temp_dir.h"
@@ -36,11 +37,14 @@ class CurveWindow : public QObject {
     shell.inDialog = [&](QDialog& d) {
       QVERIFY(QTest::qWaitForWindowExposed(&d));
       QCOMPARE(d.windowTitle(), QString("Horizontal Curve Solution"));
+      auto* sketch = d.findChild<PictureView*>("sketch");
+      QVERIFY(sketch->picture().empty());  // before the first Calculate: the hint alone
       d.findChild<QRadioButton*>("optDec")->click();
       QTest::keyClicks(d.findChild<QLineEdit*>("txtDelta"), "30");
       QTest::keyClicks(d.findChild<QLineEdit*>("txtRadius"), "1000");
       QTest::keyClicks(d.findChild<QLineEdit*>("txtCurvePt"), "10+00");
       QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
+      QVERIFY(!sketch->picture().empty());  // Calculate drew the curve
       radius = d.findChild<QLabel*>("lblTan")->text();
       pc = d.findChild<QLabel*>("lblPC")->text();
       output = d.findChild<QLineEdit*>("txtOut")->text();

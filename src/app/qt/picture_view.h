@@ -1,0 +1,31 @@
+#pragma once
+// The one painter of the program's pictures: true to scale, y up, in the
+// colours of the window's palette (so a dark theme reads as well as a
+// light one), with the labels in the window's own font.
+
+#include <QWidget>
+
+#include "app/picture.h"
+
+class QPainter;
+
+namespace tervalo {
+
+// Paints `picture` fitted into `area`.
+void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font);
+
+// A picture beside a window's results, redrawn whenever its model changes it.
+class PictureView : public QWidget {
+ public:
+  explicit PictureView(QWidget* parent);
+  void showPicture(const Picture& picture);
+  const Picture& picture() const { return picture_; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  Picture picture_;
+};
+
+}  // namespace tervalo
