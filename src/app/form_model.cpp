@@ -86,9 +86,8 @@ namespace {
 
 // The calculator a window belongs to, as job files name it ("secsub").
 std::string calculatorOf(const FormModel& form, const FormRegistry& registry) {
-  for (const auto& c : registry.calculators())
-    if (c.form == form.name()) return c.job;
-  return "";
+  const CalculatorInfo* c = registry.calculatorByForm(form.name());
+  return c ? c->job : "";
 }
 
 }  // namespace

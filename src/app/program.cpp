@@ -32,6 +32,12 @@ const CalculatorInfo* FormRegistry::calculatorByJob(std::string_view job) const 
   return nullptr;
 }
 
+const CalculatorInfo* FormRegistry::calculatorByForm(std::string_view form) const {
+  for (const auto& c : calculators_)
+    if (c.form == form) return &c;
+  return nullptr;
+}
+
 const CalculatorInfo* FormRegistry::calculatorByMenu(std::string_view menu) const {
   for (const auto& c : calculators_)
     if (c.menu == menu) return &c;

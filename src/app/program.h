@@ -45,6 +45,8 @@ class FormRegistry {
 
   const CalculatorInfo* calculatorByJob(std::string_view job) const;
   const CalculatorInfo* calculatorByMenu(std::string_view menu) const;
+  // The calculator whose own window `form` is; none for the other windows.
+  const CalculatorInfo* calculatorByForm(std::string_view form) const;
   const std::vector<CalculatorInfo>& calculators() const { return calculators_; }
 
  private:

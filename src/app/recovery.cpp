@@ -15,8 +15,7 @@ using Json = nlohmann::ordered_json;
 Json inputsJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry, bool reachSection) {
   std::string calculator = "secsub";
   for (const FormModel* form : openForms)
-    for (const auto& c : registry.calculators())
-      if (c.form == form->name()) calculator = c.job;
+    if (const CalculatorInfo* c = registry.calculatorByForm(form->name())) calculator = c->job;
 
   Json steps = Json::array();
   for (const FormModel* form : openForms) {

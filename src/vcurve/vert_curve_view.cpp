@@ -109,10 +109,10 @@ class VCResultsView : public FormDialog {
   QString numberedHeadings() const {
     const auto& results = static_cast<const frmVCResults&>(model_);
     QString text = QString::fromStdString(results.lblHeadings.caption);
-    int from = 0;
+    qsizetype from = 0;
     for (std::size_t k = 0; k < results.profiles.size(); ++k) {
       if (results.profiles[k] == 0) continue;
-      const int at = text.indexOf("Profile ", from);
+      const qsizetype at = text.indexOf("Profile ", from);
       if (at < 0) break;
       text.replace(at, 8, QString("Profile%1").arg(k + 1));
       from = at + 8;

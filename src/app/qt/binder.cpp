@@ -151,8 +151,11 @@ void Binder::markMnemonics() {
       if (pass == 1 && (std::holds_alternative<CheckBox*>(entry.control) || std::holds_alternative<OptionButton*>(entry.control)))
         scopes[""].emplace_back(entry.name, controlText(entry.control));
     }
+  // Letters are matched again only when a caption or what is shown has changed, not at every keystroke.
+  if (scopes == markedFor_) return;
+  markedFor_ = std::move(scopes);
   marked_.clear();
-  for (const auto& [scope, captioned] : scopes) marked_.merge(tervalo::markMnemonics(captioned));
+  for (const auto& [scope, captioned] : markedFor_) marked_.merge(tervalo::markMnemonics(captioned));
 }
 
 void Binder::refresh() {

@@ -42,6 +42,7 @@ class Binder : public QObject {
   QtShell& shell_;
   // Alt+letter for each shown button, box, option and menu entry, by control name.
   std::map<std::string, std::string> marked_;
+  std::map<std::string, Captioned> markedFor_;  // the captions the letters were matched for
   void markMnemonics();
 };
 

@@ -68,10 +68,8 @@ Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon i
 void QtShell::keepPreviousInputs() {
   if (!program_ || ending_) return;
   const FormRegistry& registry = program_->registry();
-  const bool calculator = std::any_of(open_.begin(), open_.end(), [&registry](const FormModel* f) {
-    const auto& all = registry.calculators();
-    return std::any_of(all.begin(), all.end(), [f](const CalculatorInfo& c) { return c.form == f->name(); });
-  });
+  const bool calculator = std::any_of(open_.begin(), open_.end(),
+                                      [&registry](const FormModel* f) { return registry.calculatorByForm(f->name()); });
   if (!calculator) return;
   try {
     writeTextFile(previousInputsFile(program_->userAppData), {recoveryJob(open_, registry).dump(2)});
