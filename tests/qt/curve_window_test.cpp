@@ -20,6 +20,7 @@
 namespace tervalo {
 namespace {
 
+using testing::Desktop;
 using testing::ScriptedShell;
 using testing::TempDir;
 
@@ -29,10 +30,8 @@ class CurveWindow : public QObject {
  private Q_SLOTS:
   void typeTwoElementsAndCalculate() {
     TempDir dir;
-    ScriptedShell shell;
-    registerViews(shell);
-    Program program(shell, dir.folder());
-    shell.setProgram(program);
+    Desktop desktop(dir.folder());
+    auto& [shell, program] = desktop;
     QString radius, pc, output;
     shell.inDialog = [&](QDialog& d) {
       QVERIFY(QTest::qWaitForWindowExposed(&d));
@@ -64,10 +63,8 @@ class CurveWindow : public QObject {
     TempDir dir;
     QString reopened;
     {
-      ScriptedShell shell;
-      registerViews(shell);
-      Program program(shell, dir.folder());
-      shell.setProgram(program);
+      Desktop desktop(dir.folder());
+      auto& [shell, program] = desktop;
       QString afterOpen;
       shell.inDialog = [&](QDialog& d) {
         QTest::keyClicks(d.findChild<QLineEdit*>("txtDelta"), "30");
@@ -86,10 +83,8 @@ class CurveWindow : public QObject {
       QCOMPARE(afterOpen, QString("30/1000"));
       QVERIFY(shell.boxes.empty());
     }
-    ScriptedShell shell;  // the next start
-    registerViews(shell);
-    Program program(shell, dir.folder());
-    shell.setProgram(program);
+    Desktop desktop(dir.folder());  // the next start
+    auto& [shell, program] = desktop;
     auto& main = program.form<frmMain>("frmMain");
     main.setOpen(true);
     MainWindow window(program, shell);
@@ -102,10 +97,8 @@ class CurveWindow : public QObject {
 
   void verticalCurveFromEntryToResults() {
     TempDir dir;
-    ScriptedShell shell;
-    registerViews(shell);
-    Program program(shell, dir.folder());
-    shell.setProgram(program);
+    Desktop desktop(dir.folder());
+    auto& [shell, program] = desktop;
     QStringList seen;
     shell.inDialog = [&](QDialog& d) {
       QVERIFY(QTest::qWaitForWindowExposed(&d));
@@ -134,10 +127,8 @@ class CurveWindow : public QObject {
 
   void proportionThroughTheWindowToThePreview() {
     TempDir dir;
-    ScriptedShell shell;
-    registerViews(shell);
-    Program program(shell, dir.folder());
-    shell.setProgram(program);
+    Desktop desktop(dir.folder());
+    auto& [shell, program] = desktop;
     QStringList preview;
     shell.inDialog = [&](QDialog& d) {
       QVERIFY(QTest::qWaitForWindowExposed(&d));
@@ -167,10 +158,8 @@ class CurveWindow : public QObject {
 
   void gradingSegmentsThroughTheWindow() {
     TempDir dir;
-    ScriptedShell shell;
-    registerViews(shell);
-    Program program(shell, dir.folder());
-    shell.setProgram(program);
+    Desktop desktop(dir.folder());
+    auto& [shell, program] = desktop;
     QString result;
     int reportLines = 0;
     shell.inDialog = [&](QDialog& d) {

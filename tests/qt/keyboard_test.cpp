@@ -87,21 +87,12 @@ void checkTabOrder(QWidget& root, const QString& window) {
   QCOMPARE(seen.size(), expected.size());
 }
 
-class Keyboard : public QObject {
+class Keyboard : public QObject, testing::DesktopFixture {
   Q_OBJECT
 
-  std::unique_ptr<TempDir> dir;
-  std::unique_ptr<ScriptedShell> shell;
-  std::unique_ptr<Program> program;
-
  private Q_SLOTS:
-  void init() {
-    dir = std::make_unique<TempDir>();
-    shell = std::make_unique<ScriptedShell>();
-    registerViews(*shell);
-    program = std::make_unique<Program>(*shell, dir->folder());
-    shell->setProgram(*program);
-  }
+  void init() { start(); }
+  void cleanup() { stop(); }
 
   void everyWindowHasMnemonicsAndOneTabStopPerInput() {
     MainWindow main(*program, *shell);

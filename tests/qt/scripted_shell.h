@@ -9,8 +9,14 @@
 #include <functional>
 #include <optional>
 
+#include <memory>
+#include <string>
+
+#include "app/program.h"
 #include "app/qt/qt_shell.h"
+#include "app/qt/views.h"
 #include "support/recording_shell.h"
+#include "support/temp_dir.h"
 
 namespace tervalo::testing {
 
@@ -47,6 +53,40 @@ class ScriptedShell : public QtShell, public BoxScript {
     editorFiles.insert(editorFiles.end(), files.begin(), files.end());
     ++editorCalls;
     return true;
+  }
+};
+
+// The desktop program's state without its main window: the scripted shell
+// with every view, and the program on `folder`.
+struct Desktop {
+  explicit Desktop(const std::string& folder) : program(shell, folder) {
+    registerViews(shell);
+    shell.setProgram(program);
+  }
+  ScriptedShell shell;
+  Program program;
+};
+
+// A Qt test class's desktop, made afresh for each test (init: start(),
+// cleanup: stop()); start(false) is the next start on the same data folder.
+struct DesktopFixture {
+  std::unique_ptr<TempDir> dir;
+  std::unique_ptr<Desktop> desktop;
+  ScriptedShell* shell = nullptr;
+  Program* program = nullptr;
+
+  void start(bool newFolder = true) {
+    desktop.reset();
+    if (newFolder || !dir) dir = std::make_unique<TempDir>();
+    desktop = std::make_unique<Desktop>(dir->folder());
+    shell = &desktop->shell;
+    program = &desktop->program;
+  }
+  void stop() {
+    desktop.reset();
+    dir.reset();
+    shell = nullptr;
+    program = nullptr;
   }
 };
 

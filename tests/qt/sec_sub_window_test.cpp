@@ -37,12 +37,8 @@ void type(QDialog& d, const char* field, const QString& text, QWidget* next) {
   next->setFocus();
 }
 
-class SecSubWindow : public QObject {
+class SecSubWindow : public QObject, testing::DesktopFixture {
   Q_OBJECT
-
-  std::unique_ptr<TempDir> dir;
-  std::unique_ptr<ScriptedShell> shell;
-  std::unique_ptr<Program> program;
 
   frmMain& openSection() {
     auto& main = program->form<frmMain>("frmMain");
@@ -52,18 +48,8 @@ class SecSubWindow : public QObject {
   }
 
  private Q_SLOTS:
-  void init() {
-    dir = std::make_unique<TempDir>();
-    shell = std::make_unique<ScriptedShell>();
-    registerViews(*shell);
-    program = std::make_unique<Program>(*shell, dir->folder());
-    shell->setProgram(*program);
-  }
-  void cleanup() {
-    program.reset();
-    shell.reset();
-    dir.reset();
-  }
+  void init() { start(); }
+  void cleanup() { stop(); }
 
   void typingAPointNumberShowsItsCoordinates() {
     auto& main = openSection();

@@ -77,31 +77,14 @@ class KindsView : public FormDialog {
   W* get(const char* name) { return findChild<W*>(name); }
 };
 
-class ShellWindows : public QObject {
+class ShellWindows : public QObject, testing::DesktopFixture {
   Q_OBJECT
 
-  std::unique_ptr<TempDir> dir;
-  std::unique_ptr<ScriptedShell> shell;
-  std::unique_ptr<Program> program;
-
-  void fresh() {
-    program.reset();
-    shell = std::make_unique<ScriptedShell>();
-    registerViews(*shell);
-    program = std::make_unique<Program>(*shell, dir->folder());
-    shell->setProgram(*program);
-  }
+  void fresh() { start(false); }
 
  private Q_SLOTS:
-  void init() {
-    dir = std::make_unique<TempDir>();
-    fresh();
-  }
-  void cleanup() {
-    program.reset();
-    shell.reset();
-    dir.reset();
-  }
+  void init() { start(); }
+  void cleanup() { stop(); }
 
   void binderCarriesEveryKindBothWays() {
     frmKinds model(*program);
