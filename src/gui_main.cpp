@@ -87,6 +87,9 @@ int main(int argc, char** argv) {
   } catch (const tervalo::RunTimeError& e) {
     QMessageBox::critical(nullptr, "Run-time Error", QString::fromStdString(e.what()));
     return 3;
+  } catch (const std::filesystem::filesystem_error& e) {
+    QMessageBox::critical(nullptr, "Run-time Error", QString::fromStdString(tervalo::fileSystemFault(e)));
+    return 3;
   }
   tervalo::Program program(shell, folder);
   shell.setProgram(program);

@@ -53,7 +53,9 @@ std::string prepareDataFolder() {
 }
 
 std::string prepareDataFolder(const std::string& folder) {
-  const fs::path path = fs::absolute(folder);
+  std::error_code ec;
+  const fs::path path = fs::absolute(folder, ec);
+  if (ec) throw RunTimeError(fileSystemFault(fs::filesystem_error("the data folder", folder, ec)));
   makeFolder(path, false);
   return withSeparator(path.string());
 }

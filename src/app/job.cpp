@@ -1,5 +1,9 @@
 #include "app/job.h"
 
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -8,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/form_model.h"
+#include "app/json_text.h"
 #include "app/program.h"
 
 namespace tervalo {
@@ -48,8 +53,8 @@ bool settableWith(const ControlRef& control, bool isText) {
 Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
   Json json;
   try {
-    json = Json::parse(jsonText);
-  } catch (const Json::parse_error& e) {
+    json = parseStrictJson(jsonText);
+  } catch (const JsonTextError& e) {
     throw JobError(std::string("the job file is not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw JobError("the job file must hold one JSON object");
@@ -57,12 +62,14 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
 
   Job job;
   if (json.contains("version")) {
-    if (!json["version"].is_number_integer() || json["version"].get<int>() < 1)
+    const Json& version = json["version"];
+    // Unsigned: a whole number from 1 up (the library reads 0 and up as unsigned).
+    if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1)
       throw JobError("job: \"version\" must be a whole number from 1 up");
-    job.version = json["version"].get<int>();
-    if (job.version > kJobVersion)
-      throw JobError("the job was written by a newer Tervalo (job version " + std::to_string(job.version) +
+    if (version.get<std::uint64_t>() > static_cast<std::uint64_t>(kJobVersion))
+      throw JobError("the job was written by a newer Tervalo (job version " + version.dump() +
                      "); this Tervalo reads job version " + std::to_string(kJobVersion) + " and older");
+    job.version = static_cast<int>(version.get<std::uint64_t>());
   }
   if (!json.contains("calculator") || !json["calculator"].is_string()) throw JobError("job: \"calculator\" must be a text");
   job.calculator = json["calculator"].get<std::string>();
@@ -144,10 +151,13 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
 }
 
 Job readJobFile(const std::string& file, const FormRegistry& registry) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(file, ec)) throw JobError("it is a folder, not a job file");
   std::ifstream in(file, std::ios::binary);
-  if (!in) throw JobError("the file cannot be read");
+  if (!in) throw JobError(std::string("the file cannot be read (") + std::strerror(errno) + ")");
   std::stringstream text;
   text << in.rdbuf();
+  if (in.bad()) throw JobError("the file cannot be read to its end");
   return parseJob(text.str(), registry);
 }
 

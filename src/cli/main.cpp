@@ -2,17 +2,25 @@
 // coordinate file, without a display.
 
 #include <CLI/CLI.hpp>
-#include <fstream>
+#include <csignal>
+#include <filesystem>
 #include <iostream>
-#include <sstream>
+#include <nlohmann/json.hpp>
 
 #include "app/data_folder.h"
+#include "app/job.h"
 #include "app/program.h"
 #include "app/runner.h"
 #include "cli/points_command.h"
 #include "text/errors.h"
 
 namespace {
+
+// Exit statuses: 0 a job ran to its end, 1 the result could not be written
+// to standard output, 2 bad arguments or a bad job, 3 the program ended.
+constexpr int kUnwritten = 1;
+constexpr int kUsage = 2;
+constexpr int kEnded = 3;
 
 struct RunOptionsCli {
   std::string job;
@@ -22,34 +30,26 @@ struct RunOptionsCli {
 };
 
 int runCommand(const RunOptionsCli& o) {
-  std::ifstream in(o.job, std::ios::binary);
-  if (!in) {
-    std::cerr << "tervalo-cli: cannot read the job file \"" << o.job << "\"\n";
-    return 2;
-  }
-  std::stringstream text;
-  text << in.rdbuf();
-
   tervalo::RunOptions options;
   if (!o.today.empty()) {
     options.today = tervalo::parseIsoDate(o.today);
     if (!options.today) {
       std::cerr << "tervalo-cli: --today takes a date as YYYY-MM-DD, not \"" << o.today << "\"\n";
-      return 2;
+      return kUsage;
     }
   }
   tervalo::Job job;
   try {
-    job = tervalo::parseJob(text.str(), tervalo::allForms());
+    job = tervalo::readJobFile(o.job, tervalo::allForms());
   } catch (const tervalo::JobError& e) {
     std::cerr << "tervalo-cli: " << o.job << ": " << e.what() << "\n";
-    return 2;
+    return kUsage;
   }
   try {
     options.dataFolder = o.dataDir.empty() ? tervalo::prepareDataFolder() : tervalo::prepareDataFolder(o.dataDir);
   } catch (const tervalo::RunTimeError& e) {
     std::cerr << "Run-time Error: " << e.what() << "\n";
-    return 3;
+    return kEnded;
   }
 
   const auto outcome = tervalo::runJob(job, options, tervalo::allForms(), o.json ? nullptr : &std::cerr);
@@ -60,9 +60,7 @@ int runCommand(const RunOptionsCli& o) {
   return outcome.exitCode;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   CLI::App app{"Tervalo coordinate geometry, without a display."};
   app.require_subcommand(1);
 
@@ -77,8 +75,36 @@ int main(int argc, char** argv) {
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
   pointsCmd->add_option("file", pointsFile, "The coordinate file")->required();
 
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    // Help is asked for and succeeds; every other fault of the arguments is a usage error.
+    return app.exit(e) == 0 ? 0 : kUsage;
+  }
   if (runCmd->parsed()) return runCommand(run);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
-  return 2;
+  return kUsage;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A closed pipe is a failed write, reported below, not a silent death.
+  std::signal(SIGPIPE, SIG_IGN);
+  int status = kEnded;
+  try {
+    status = run(argc, argv);
+  } catch (const std::filesystem::filesystem_error& e) {
+    std::cerr << "Run-time Error: " << tervalo::fileSystemFault(e) << "\n";
+    return kEnded;
+  } catch (const std::exception& e) {
+    std::cerr << "Run-time Error: Internal error: " << e.what() << "\n";
+    return kEnded;
+  }
+  std::cout.flush();
+  if (!std::cout) {
+    std::cerr << "tervalo-cli: the result cannot be written to standard output.\n";
+    return status == 0 ? kUnwritten : status;
+  }
+  return status;
 }

@@ -13,6 +13,10 @@ namespace tervalo {
 
 int pointsCommand(const std::string& file, std::ostream& out, std::ostream& err) {
   std::error_code ec;
+  if (std::filesystem::is_directory(file, ec)) {
+    err << "tervalo-cli: \"" << file << "\" is a folder, not a coordinate file.\n";
+    return 2;
+  }
   if (!std::filesystem::is_regular_file(file, ec)) {
     err << "Input File Error!: File does not exist.\n";
     return 2;

@@ -34,8 +34,18 @@ PointRecord& record(PointList& points, int index, const LineReader& in) {
   return points.records[static_cast<std::size_t>(index)];
 }
 
+// A number fault of the text rules (an Overflow) said with the file and line, as every other fault of a reader is.
+template <class Read>
+auto numberOnLine(Read read, const LineReader& in) -> decltype(read()) {
+  try {
+    return read();
+  } catch (const RunTimeError& e) {
+    in.fail(e.what());
+  }
+}
+
 double strictCoordinate(std::string_view text, const char* which, const LineReader& in) {
-  if (auto v = strictNumber(text)) return *v;
+  if (auto v = numberOnLine([text] { return strictNumber(text); }, in)) return *v;
   in.fail(std::string("Type mismatch: ") + which + " \"" + std::string(text) + "\" is not a number");
 }
 
@@ -51,7 +61,7 @@ double reportCoordinate(std::string_view field, bool commaRequired, const LineRe
   } else {
     text.erase(comma, 1);
   }
-  return Val(trim(text));
+  return numberOnLine([&text] { return Val(trim(text)); }, in);
 }
 
 // The text after the first ":" of a line, trimmed (the whole line without one).

@@ -1,6 +1,7 @@
 #pragma once
 // The ways a procedure stops short.
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -34,5 +35,9 @@ class ProgramEnd : public std::exception {
  public:
   const char* what() const noexcept override { return "program ended"; }
 };
+
+// A file-system fault (a folder that vanished, a name the system refuses)
+// in the program's own words: what failed, and on which name.
+std::string fileSystemFault(const std::filesystem::filesystem_error& e);
 
 }  // namespace tervalo

@@ -94,6 +94,14 @@ std::string refusal(const std::string& json) {
 
 TEST(JobRefusals, SayWhatIsWrong) {
   EXPECT_NE(refusal("{").find("not valid JSON"), std::string::npos);
+  EXPECT_NE(refusal(R"({"calculator":"probe",
+                      "steps":[1e400]})").find("not valid JSON: number overflow parsing '1e400' at line 2, column 32"),
+            std::string::npos);
+  EXPECT_NE(refusal(R"({"calculator":"probe","steps":[{"set":{"txtA":"1","txtA":"2"}}]})").find("\"txtA\" is given twice"),
+            std::string::npos);
+  // A version beyond 32 bits must not wrap round to an accepted one.
+  EXPECT_NE(refusal(R"({"version":4294967297,"calculator":"probe"})").find("job version 4294967297"), std::string::npos);
+  EXPECT_NE(refusal(R"({"version":-1,"calculator":"probe"})").find("whole number from 1 up"), std::string::npos);
   EXPECT_NE(refusal("[]").find("one JSON object"), std::string::npos);
   EXPECT_NE(refusal(R"({"calculator":"planimeter"})").find("unknown calculator \"planimeter\""), std::string::npos);
   EXPECT_NE(refusal(R"({"calculator":"probe","steps":[{"form":"frmNope"}]})").find("step 1: unknown form \"frmNope\""),

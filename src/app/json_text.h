@@ -1,0 +1,24 @@
+#pragma once
+// JSON text as the program reads its own documents (jobs, recovery):
+// strictly, so that what cannot be represented is refused, never thrown
+// past the program.
+
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+
+namespace tervalo {
+
+// Why a text is not a JSON document the program takes, with the line and
+// column where the fault lies.
+class JsonTextError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Parses one JSON value. A syntax fault, a number beyond a double (1e400)
+// or a key given twice in one object is a JsonTextError; nothing else of
+// the JSON library escapes.
+nlohmann::ordered_json parseStrictJson(const std::string& text);
+
+}  // namespace tervalo

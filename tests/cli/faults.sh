@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# faults.sh CLI CASE: one fault of the command line, named after it, with the
+# exit status and the words the user must see. Each case makes its own files.
+set -u
+cli=$1 case=$2
+work=$(mktemp -d)
+trap 'chmod -R u+w "$work" 2>/dev/null; rm -rf "$work"' EXIT
+cd "$work" || exit 1
+hcurve='{"calculator":"hcurve","steps":[{"set":{"txtDelta":"30","txtRadius":"1000","txtCurvePt":"10+00"},"click":["btnCalculate","btnOutput"]}]}'
+
+expect() {  # expect STATUS TEXT: the last command's status and a line of its output
+  if [ "$status" -ne "$1" ] || ! grep -qF -- "$2" out; then
+    echo "case $case: expected status $1 and \"$2\", got status $status:" >&2
+    cat out >&2
+    exit 1
+  fi
+}
+
+case $case in
+  number_beyond_a_double_in_a_job)
+    echo '{"calculator":"hcurve","steps":[1e400]}' >job.json
+    "$cli" run job.json >out 2>&1; status=$?
+    expect 2 "not valid JSON: number overflow parsing '1e400' at line 1" ;;
+  duplicate_key_in_a_job)
+    echo '{"calculator":"hcurve","calculator":"vcurve"}' >job.json
+    "$cli" run job.json >out 2>&1; status=$?
+    expect 2 'the key "calculator" is given twice' ;;
+  folder_as_job_file)
+    "$cli" run "$work" >out 2>&1; status=$?
+    expect 2 "it is a folder, not a job file" ;;
+  folder_as_coordinate_file)
+    "$cli" points "$work" >out 2>&1; status=$?
+    expect 2 "is a folder, not a coordinate file" ;;
+  unknown_option)
+    "$cli" run --no-such-option job.json >out 2>&1; status=$?
+    expect 2 "no-such-option" ;;
+  extra_argument)
+    echo "$hcurve" >job.json
+    "$cli" run job.json extra >out 2>&1; status=$?
+    expect 2 "not expected" ;;
+  help_is_no_error)
+    "$cli" run --help >out 2>&1; status=$?
+    expect 0 "--data-dir" ;;
+  result_to_a_full_disk)
+    echo "$hcurve" >job.json
+    "$cli" run job.json --json --data-dir data >/dev/full 2>out; status=$?
+    expect 1 "cannot be written to standard output" ;;
+  result_to_a_closed_pipe)
+    echo "$hcurve" >job.json
+    # The reader is gone before the result is written.
+    { sleep 0.3; "$cli" run job.json --json --data-dir data 2>out; echo $? >status; } | true
+    status=$(cat status)
+    expect 1 "cannot be written to standard output" ;;
+  working_folder_gone_under_a_relative_data_folder)
+    echo "$hcurve" >job.json
+    mkdir gone && cd gone && rmdir ../gone
+    "$cli" run ../job.json --data-dir data >../out 2>&1; status=$?
+    cd .. && expect 3 "The working folder no longer exists" ;;
+  working_folder_gone_under_a_relative_output_name)
+    echo '{"calculator":"hcurve","steps":[{"set":{"txtDelta":"30","txtRadius":"1000","txtCurvePt":"10+00","txtOut":"out.txt"},"click":["btnCalculate","btnOutput"]}]}' >job.json
+    mkdir -p data gone && cd gone && rmdir ../gone
+    "$cli" run ../job.json --data-dir "$work/data" >../out 2>&1; status=$?
+    cd .. && expect 3 "Run-time Error" && expect 3 "The working folder no longer exists" ;;
+  overflow_in_a_coordinate_file)
+    printf '1001,1e400,5000,IP\r\n' >points.csv
+    "$cli" points points.csv >out 2>&1; status=$?
+    expect 3 "Overflow" && expect 3 "Line: 1" ;;
+  *) echo "no case $case" >&2; exit 1 ;;
+esac
