@@ -1,5 +1,6 @@
 #include "app/form_model.h"
 
+#include "app/json_text.h"
 #include "app/program.h"
 #include "app/recovery.h"
 
@@ -100,7 +101,7 @@ void FormModel::saveInputs() {
   const auto chosen = shell().chooseFile(FileDialog::Save, "Save Inputs", program_.userAppData + calculator + ".tervalo.json",
                                          {"Tervalo inputs (*.tervalo.json)"});
   if (!chosen || chosen->empty()) return;
-  program_.writeOutputFile(*chosen, {savedInputsJob(inputForms(), program_.registry()).dump(2)});
+  program_.writeOutputFile(*chosen, {jsonText(savedInputsJob(inputForms(), program_.registry()))});
   program_.recent.add(*chosen);
 }
 

@@ -86,4 +86,8 @@ nlohmann::ordered_json parseStrictJson(const std::string& text) {
   throw JsonTextError(fault);
 }
 
+std::string jsonText(const nlohmann::ordered_json& value) {
+  return value.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
 }  // namespace tervalo

@@ -21,4 +21,8 @@ class JsonTextError : public std::runtime_error {
 // the JSON library escapes.
 nlohmann::ordered_json parseStrictJson(const std::string& text);
 
+// The value as indented JSON text. Never fails on content: a byte that is
+// not UTF-8 (none should reach here) is written as U+FFFD.
+std::string jsonText(const nlohmann::ordered_json& value);
+
 }  // namespace tervalo

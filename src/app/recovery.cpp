@@ -1,7 +1,5 @@
 #include "app/recovery.h"
 
-#include <fstream>
-#include <sstream>
 
 #include "app/form_model.h"
 #include "app/program.h"
@@ -58,16 +56,27 @@ std::filesystem::path previousInputsFile(const std::string& dataFolder) { return
 
 std::filesystem::path recoveryFile(const std::string& dataFolder) { return dataFolder + "recovery.job.json"; }
 
-std::optional<std::string> takeRecoveryJob(const std::string& dataFolder) {
+RecoveredInputs takeRecoveryJob(const std::string& dataFolder, const FormRegistry& registry) {
   const auto file = recoveryFile(dataFolder);
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return std::nullopt;
-  std::stringstream text;
-  text << in.rdbuf();
-  in.close();
   std::error_code ec;
-  std::filesystem::remove(file, ec);
-  return text.str();
+  if (!std::filesystem::is_regular_file(file, ec)) return {};
+  RecoveredInputs found;
+  try {
+    found.job = readJobFile(file.string(), registry);
+    std::filesystem::remove(file, ec);
+    return found;
+  } catch (const JobError& e) {
+    // Kept for whoever wants to read it; a free name so no earlier one is lost.
+    std::filesystem::path aside;
+    for (int n = 1; aside.empty() || std::filesystem::exists(aside, ec); ++n)
+      aside = file.parent_path() / ("recovery.damaged-" + std::to_string(n) + ".job.json");
+    std::filesystem::rename(file, aside, ec);
+    found.setAside = std::string("The entries kept when Tervalo last ended cannot be read: ") + e.what() + ". " +
+                     (ec ? "They stay in \"" + file.string() + "\" (" + ec.message() + ")"
+                         : "They are set aside as \"" + aside.string() + "\"") +
+                     "; Tervalo starts without them.";
+  }
+  return found;
 }
 
 }  // namespace tervalo

@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/job.h"
+
 namespace tervalo {
 
 class FormModel;
@@ -30,7 +32,16 @@ std::filesystem::path previousInputsFile(const std::string& dataFolder);
 // Where the recovery job is kept in the data folder.
 std::filesystem::path recoveryFile(const std::string& dataFolder);
 
-// Reads and removes the recovery job, if there is one.
-std::optional<std::string> takeRecoveryJob(const std::string& dataFolder);
+// The recovery job found at start-up: the job to offer, or, when the file
+// cannot be played (damaged, or from a newer Tervalo), the words that say it
+// was set aside under another name, never deleted.
+struct RecoveredInputs {
+  std::optional<Job> job;
+  std::string setAside;
+};
+
+// Reads the recovery job, if there is one, and takes it out of the way, so it
+// is offered or reported once.
+RecoveredInputs takeRecoveryJob(const std::string& dataFolder, const FormRegistry& registry);
 
 }  // namespace tervalo

@@ -5,10 +5,10 @@
 #include <csignal>
 #include <filesystem>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "app/data_folder.h"
 #include "app/job.h"
+#include "app/json_text.h"
 #include "app/program.h"
 #include "app/runner.h"
 #include "cli/points_command.h"
@@ -54,7 +54,7 @@ int runCommand(const RunOptionsCli& o) {
 
   const auto outcome = tervalo::runJob(job, options, tervalo::allForms(), o.json ? nullptr : &std::cerr);
   if (o.json)
-    std::cout << outcome.result.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
+    std::cout << tervalo::jsonText(outcome.result) << "\n";
   else
     std::cout << tervalo::summarize(outcome.result);
   return outcome.exitCode;

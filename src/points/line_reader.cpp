@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "text/encoding.h"
 #include "text/errors.h"
 
 namespace tervalo {
@@ -15,8 +16,10 @@ LineReader::LineReader(const std::filesystem::path& path) : path_(path) {
     throw RunTimeError("Bad file name: \"" + path.string() + "\" is a folder, not a file.");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw RunTimeError("File not found or not readable: \"" + path.string() + "\" (" + std::strerror(errno) + ").");
-  const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  const std::string raw{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
   if (in.bad()) throw RunTimeError("Device I/O error while reading \"" + path.string() + "\".");
+  // Other programs write their reports in the Windows code page as often as in UTF-8.
+  const std::string bytes = decodeText(raw);
 
   std::size_t i = bytes.rfind("\xEF\xBB\xBF", 0) == 0 ? 3 : 0;
   std::string line;

@@ -1,7 +1,8 @@
 #pragma once
 // A text file read line by line, as the coordinate readers see it: CR LF,
 // LF or CR end a line, a UTF-8 byte-order mark is dropped, a last line
-// without its end still counts.
+// without its end still counts. A file that is not UTF-8 is read as
+// Windows-1252, so every line is valid UTF-8.
 
 #include <filesystem>
 #include <string>

@@ -5,6 +5,7 @@
 
 #include "points/line_reader.h"
 #include "text/errors.h"
+#include "text/justify.h"
 #include "text/number.h"
 
 namespace tervalo {
@@ -22,10 +23,11 @@ std::string trim(std::string_view s) {
   return std::string(s.substr(first, s.find_last_not_of(" \t") - first + 1));
 }
 
-// Mid$(s, start, length) with a 1-based start, empty past the end.
+// Mid$(s, start, length) with a 1-based start, empty past the end. Columns
+// count characters, so a degree sign in a name does not shift the fields after it.
 std::string_view mid(std::string_view s, std::size_t start, std::size_t length = std::string_view::npos) {
-  if (start - 1 >= s.size()) return {};
-  return s.substr(start - 1, length);
+  const std::string_view rest = s.substr(textPrefix(s, start - 1).size());
+  return textPrefix(rest, length);
 }
 
 PointRecord& record(PointList& points, int index, const LineReader& in) {

@@ -133,6 +133,16 @@ TEST_F(Readers, XYReportFromIndexOne) {
   EXPECT_EQ(ReadNotes{}.message(), "");
 }
 
+TEST_F(Readers, AWindowsCodePageReportIsReadAsUtf8InItsColumns) {
+  // A Latin-1 degree sign in the name takes one column, so X still ends at column 33, its last digit kept.
+  load("xy1252.txt", xyReport("    Point                 X                 Y",
+                              "PT\xB0" "1                  512,313.489       289,841.989\r\n"
+                              "   Feature: CM\r\n   Description: FD STONE 45\xB0 \x80 5\r\n\r\n"));
+  EXPECT_EQ(at(1).name, "PT\u00B01");
+  EXPECT_EQ(at(1).x, 512313.489);
+  EXPECT_EQ(at(1).description, "FD STONE 45\u00B0 \u20AC 5");
+}
+
 TEST_F(Readers, XYReportFaults) {
   EXPECT_FAULT(load("a", xyReport("    Point                 X                 Y", "1001                      313.489       289,841.989\n")),
                "Run-time Error", "Invalid procedure call");

@@ -7,9 +7,12 @@
 #include <QSettings>
 #include <QTest>
 #include <fstream>
+#include <map>
 
 #include "app/frm_main.h"
 #include "app/program.h"
+#include "app/qt/binder.h"
+#include "app/qt/recovery_offer.h"
 #include "app/qt/views.h"
 #include "app/runner.h"
 #include "qt/scripted_shell.h"
@@ -124,6 +127,54 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
     QCOMPARE(outcome.exitCode, 0);
     for (const char* file : {"SecSub.rpt", "SecSub.inp"})
       QVERIFY2(TempDir::read(dir->path() / file) == TempDir::read(runnerDir.path() / file), file);
+  }
+
+  // Every text the section window holds, by field.
+  std::map<std::string, std::string> sectionFields() {
+    std::map<std::string, std::string> fields;
+    for (const auto& entry : program->form("frmSecSub").controls())
+      if (const auto* box = std::get_if<TextBox*>(&entry.control)) fields[entry.name] = (*box)->text;
+    return fields;
+  }
+
+  void aLatin1SourceFileThenAProgramEndKeepsEverySectionField() {
+    // Another program's report, written in the Windows code page: a degree sign is the single byte 0xB0.
+    std::string latin1 = TempDir::read(kExamples + "section14.sdms");
+    for (auto at = latin1.find("PD:"); at != std::string::npos; at = latin1.find("PD:", at + 1))
+      latin1.insert(latin1.find('\n', at), " 45\xB0");
+    const auto source = dir->write("latin1.sdms", latin1);
+    std::map<std::string, std::string> typed, recovered;
+    {
+      MainWindow window(*program, *shell);
+      auto& main = program->form<frmMain>("frmMain");
+      shell->setMainWindow(&window, main);
+      shell->inDialog = [&](QDialog&) {
+        FormModel& form = program->form("frmSecSub");
+        for (auto [field, text] : {std::pair{"txtSection", "14"}, {"txtTwp", "115"}, {"txtRange", "22"}, {"txt1xc", "1"}})
+          form.typeText(field, text);
+        const char* pns[] = {"txt0pn", "txt2pn", "txt4pn", "txt10pn", "txt14pn", "txt20pn", "txt22pn", "txt24pn"};
+        for (int i = 0; i < 8; ++i) form.typeText(pns[i], std::to_string(1001 + i));
+        typed = sectionFields();
+        shell->answers.push_back(Answer::No);  // a held sixteenth, not accepted: the program ends
+        form.click("btnContinue");
+      };
+      window.binder().run([&] {
+        main.click("mnuSecSub");
+        main.typeText("txtInFile", source.string());
+        main.click("btnContinue");
+      });
+      QCOMPARE(shell->endedWith, std::optional<int>(3));
+      QVERIFY(shell->boxes.back().text.find("Your entries are kept") != std::string::npos);
+    }
+    QCOMPARE(typed.at("txt0pd"), std::string("FD STONE NW COR SEC 14 45\u00B0"));
+
+    start(false);  // the next start
+    MainWindow window(*program, *shell);
+    program->form("frmMain").setOpen(true);
+    shell->setMainWindow(&window, program->form("frmMain"));
+    shell->inDialog = [&](QDialog&) { recovered = sectionFields(); };
+    offerRecovery(*program, *shell, window);
+    QCOMPARE(recovered, typed);
   }
 };
 

@@ -266,6 +266,24 @@ class ShellWindows : public QObject, testing::DesktopFixture {
     QCOMPARE(shell->boxes.size(), asked);
   }
 
+  void aDamagedRecoveryJobIsSetAsideAndSaidOnce() {
+    // A number no double holds: once thrown past the start-up, it ended the program before its window.
+    dir->write("recovery.job.json", R"({"calculator":"hcurve","steps":[1e400]})");
+    MainWindow window(*program, *shell);
+    program->form("frmMain").setOpen(true);
+    shell->setMainWindow(&window, program->form("frmMain"));
+    offerRecovery(*program, *shell, window);
+    QCOMPARE(shell->boxes.size(), std::size_t(1));
+    QVERIFY(shell->boxes.back().text.find("cannot be read: the job file is not valid JSON: number overflow") !=
+            std::string::npos);
+    const auto aside = dir->path() / "recovery.damaged-1.job.json";
+    QVERIFY(shell->boxes.back().text.find(aside.string()) != std::string::npos);
+    QCOMPARE(TempDir::read(aside), std::string(R"({"calculator":"hcurve","steps":[1e400]})"));
+    QVERIFY(!std::filesystem::exists(recoveryFile(dir->folder())));
+    offerRecovery(*program, *shell, window);  // said once
+    QCOMPARE(shell->boxes.size(), std::size_t(1));
+  }
+
   void aCalculatorsInputsComeBackAfterAProgramEnd() {
     {
       MainWindow window(*program, *shell);

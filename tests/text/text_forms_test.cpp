@@ -4,6 +4,7 @@
 
 #include "text/angle.h"
 #include "text/date.h"
+#include "text/encoding.h"
 #include "text/errors.h"
 #include "text/justify.h"
 #include "text/station.h"
@@ -25,6 +26,23 @@ TEST(Justify, CountsCharactersNotBytes) {
   EXPECT_EQ(leftJustify("\u00B0\u00B0\u00B0", 2), "\u00B0\u00B0");
   EXPECT_EQ(textLength("30\u00B000'00.00\""), 12u);
   EXPECT_THROW(leftJustify("x", -1), RunTimeError);
+}
+
+TEST(Encoding, Utf8StaysAndAnythingElseIsTheWindowsCodePage) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"N 45\u00B0 E", "N 45\u00B0 E"},            // valid UTF-8 is kept
+      {"N 45\xB0 E", "N 45\u00B0 E"},              // Latin-1 degree sign
+      {"\x80 \x93q\x94 \x81", "\u20AC \u201Cq\u201D \u0081"},  // the code page's own 0x80-0x9F
+      {"\xC0\x80", "\u00C0\u20AC"},                // overlong NUL is not UTF-8
+      {"\xED\xA0\x80", "\u00ED\u00A0\u20AC"},      // a surrogate is not UTF-8
+      {"\xF4\x90\x80\x80", "\u00F4\u0090\u20AC\u20AC"},  // beyond U+10FFFF
+      {"ab\xE2\x82", "ab\u00E2\u201A"},             // cut short at the end
+      {"\xF0\x9F\x93\x90", "\xF0\x9F\x93\x90"},  // four bytes, valid
+  };
+  for (const auto& [bytes, text] : cases) {
+    EXPECT_EQ(decodeText(bytes), text) << bytes;
+    EXPECT_TRUE(isValidUtf8(decodeText(bytes)));
+  }
 }
 
 TEST(StationToNumber, DropsThePlus) {

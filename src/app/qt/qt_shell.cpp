@@ -19,6 +19,7 @@
 #include <exception>
 
 #include "app/form_model.h"
+#include "app/json_text.h"
 #include "app/output_file.h"
 #include "app/program.h"
 #include "app/recovery.h"
@@ -72,8 +73,8 @@ void QtShell::keepPreviousInputs() {
                                       [&registry](const FormModel* f) { return registry.calculatorByForm(f->name()); });
   if (!calculator) return;
   try {
-    writeTextFile(previousInputsFile(program_->userAppData), {recoveryJob(open_, registry).dump(2)});
-  } catch (const RunTimeError&) {
+    writeTextFile(previousInputsFile(program_->userAppData), {jsonText(recoveryJob(open_, registry))});
+  } catch (const std::exception&) {
     // Previous inputs are a convenience; a folder that cannot take them costs nothing typed now.
   }
 }
@@ -85,10 +86,11 @@ void QtShell::endProgram() {
     // it: the user learns that nothing typed is lost, or why it could not be kept.
     try {
       const auto job = recoveryJob(open_, program_->registry());
-      writeTextFile(recoveryFile(program_->userAppData), {job.dump(2)});
+      writeTextFile(recoveryFile(program_->userAppData), {jsonText(job)});
       msgBox("Tervalo", "Tervalo ends here. Your entries are kept and will be offered when you start Tervalo again.",
              Icon::Information, Buttons::Ok);
-    } catch (const RunTimeError& e) {
+    } catch (const std::exception& e) {
+      // Only the file system can refuse them (the text never fails); the box says why.
       msgBox("Tervalo", std::string("Tervalo ends here. Your entries could not be kept: ") + e.what(), Icon::Exclamation,
              Buttons::Ok);
     }

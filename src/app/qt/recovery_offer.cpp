@@ -11,14 +11,10 @@
 namespace tervalo {
 
 void offerRecovery(Program& program, QtShell& shell, MainWindow& window) {
-  const auto text = takeRecoveryJob(program.userAppData);
-  if (!text) return;
-  Job job;
-  try {
-    job = parseJob(*text, program.registry());
-  } catch (const JobError&) {
-    return;  // written by another version of the program: nothing to offer
-  }
+  const RecoveredInputs found = takeRecoveryJob(program.userAppData, program.registry());
+  if (!found.setAside.empty()) shell.msgBox("Tervalo", found.setAside, Icon::Exclamation, Buttons::Ok);
+  if (!found.job) return;
+  const Job& job = *found.job;
   const CalculatorInfo* calculator = program.registry().calculatorByJob(job.calculator);
   // Named as its menu entry names it ("Horizontal Curve").
   const ControlEntry* entry = program.form("frmMain").find(calculator->menu);
