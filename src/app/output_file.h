@@ -1,17 +1,23 @@
 #pragma once
-// Output files are written whole or not at all.
+// Output files are written whole or not at all, and never at the cost of
+// what the name points at.
 
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tervalo {
 
 // Writes each line followed by CR LF to a temporary file in the target's
-// folder and renames it over the target when complete, so a failed write
-// leaves any earlier file untouched. A file that cannot be written is a
-// RunTimeError naming the file and the reason.
+// folder and puts it in place when complete, so a failed write leaves any
+// earlier file untouched. The target is respected: a symbolic link is written
+// through to the file it names; a read-only file is refused ("Permission
+// denied"), as is a name that is not a regular file (a folder, a pipe, a
+// device); a file with other hard links is updated in place so every name
+// sees the new text; an existing file keeps its permissions. A file that
+// cannot be written is a RunTimeError naming the file and the reason.
 void writeTextFile(const std::filesystem::path& file, const std::vector<std::string>& lines);
 
 // The same for a file that a library writes by name: `write` writes the
@@ -19,5 +25,11 @@ void writeTextFile(const std::filesystem::path& file, const std::vector<std::str
 // only then does it replace the target. Anything it throws, or false, leaves
 // the target untouched.
 void writeFileWith(const std::filesystem::path& file, const std::function<bool(const std::filesystem::path&)>& write);
+
+// Files that belong together (a report and its GEOPAK file): every one is
+// written to its temporary file first, and they are put in place only when
+// all are complete. Should putting one in place fail after another was, the
+// RunTimeError names both and says which is new.
+void writeTextFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files);
 
 }  // namespace tervalo

@@ -66,8 +66,12 @@ void Program::openCalculator(std::string_view menu) {
 }
 
 void Program::writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines) {
-  writeTextFile(file, lines);
-  shell_.fileWritten(std::filesystem::absolute(file));
+  writeOutputFiles({{file, lines}});
+}
+
+void Program::writeOutputFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files) {
+  writeTextFiles(files);
+  for (const auto& file : files) shell_.fileWritten(std::filesystem::absolute(file.first));
 }
 
 }  // namespace tervalo

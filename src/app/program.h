@@ -95,6 +95,8 @@ class Program {
   // Writes an output file whole (CRLF lines) and tells the shell;
   // RunTimeError when it cannot be written.
   void writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines);
+  // Files that belong together, put in place only when all are complete.
+  void writeOutputFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files);
 
  private:
   Shell& shell_;

@@ -442,8 +442,7 @@ void frmSecSub::Main() {
   auto& main = program().form<frmMain>("frmMain");
   const auto geopakFile = outputPath(main.txtOutInp, program().userAppData, kGeopakFileName);
   const auto reportFile = outputPath(main.txtReport, program().userAppData, kReportFileName);
-  program().writeOutputFile(geopakFile, geopak);
-  program().writeOutputFile(reportFile, report);
+  program().writeOutputFiles({{geopakFile, geopak}, {reportFile, report}});
   hasRun = true;
   btnSaveDrawing.enabled = btnExport.enabled = true;
   runNaming = naming;

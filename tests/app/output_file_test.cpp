@@ -1,7 +1,10 @@
 // Output files are written whole, with CR LF, or not at all.
 
 #include <gtest/gtest.h>
+#include <functional>
 #include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -66,6 +69,126 @@ TEST(OutputFile, ReadOnlyFolderAndMissingFolderAreRunTimeErrors) {
   EXPECT_THROW(writeTextFile(file, {"later"}), RunTimeError);
   std::filesystem::permissions(dir.path(), std::filesystem::perms::owner_all);
   EXPECT_EQ(TempDir::read(file), "earlier\r\n");
+}
+
+// What the output name points at decides how it may be written; nothing
+// there is ever destroyed. Each case prepares the name, then checks after.
+struct TargetCase {
+  const char* fault;
+  std::function<std::filesystem::path(const TempDir&)> prepare;
+  const char* refusal;  // empty: written
+  std::function<void(const TempDir&)> after;
+};
+
+TEST(OutputFile, TheTargetIsRespected) {
+  namespace fs = std::filesystem;
+  const TargetCase cases[] = {
+      {"symlink_replaced_by_a_plain_file",
+       [](const TempDir& d) {
+         d.write("real.rpt", "earlier");
+         fs::create_symlink("real.rpt", d.path() / "link.rpt");
+         return d.path() / "link.rpt";
+       },
+       "",
+       [](const TempDir& d) {
+         EXPECT_TRUE(fs::is_symlink(d.path() / "link.rpt"));
+         EXPECT_EQ(TempDir::read(d.path() / "real.rpt"), "new\r\n");
+       }},
+      {"dangling_symlink_not_followed",
+       [](const TempDir& d) {
+         fs::create_symlink("made.rpt", d.path() / "link.rpt");
+         return d.path() / "link.rpt";
+       },
+       "", [](const TempDir& d) { EXPECT_EQ(TempDir::read(d.path() / "made.rpt"), "new\r\n"); }},
+      {"read_only_file_replaced",
+       [](const TempDir& d) {
+         const auto f = d.write("kept.rpt", "earlier");
+         fs::permissions(f, fs::perms::owner_read | fs::perms::group_read);
+         return f;
+       },
+       "Permission denied", [](const TempDir& d) { EXPECT_EQ(TempDir::read(d.path() / "kept.rpt"), "earlier"); }},
+      {"fifo_replaced_by_a_file",
+       [](const TempDir& d) {
+         ::mkfifo((d.path() / "pipe").c_str(), 0644);
+         return d.path() / "pipe";
+       },
+       "not a regular file", [](const TempDir& d) { EXPECT_TRUE(fs::is_fifo(d.path() / "pipe")); }},
+      {"device_replaced_by_a_file", [](const TempDir&) { return fs::path("/dev/null"); }, "not a regular file",
+       [](const TempDir&) { EXPECT_TRUE(fs::is_character_file("/dev/null")); }},
+      {"folder_as_output_name",
+       [](const TempDir& d) {
+         fs::create_directory(d.path() / "folder");
+         return d.path() / "folder";
+       },
+       "is a folder", [](const TempDir& d) { EXPECT_TRUE(fs::is_directory(d.path() / "folder")); }},
+      {"hard_link_split_from_its_other_name",
+       [](const TempDir& d) {
+         const auto f = d.write("one.rpt", "earlier");
+         fs::create_hard_link(f, d.path() / "two.rpt");
+         return f;
+       },
+       "",
+       [](const TempDir& d) {
+         EXPECT_EQ(TempDir::read(d.path() / "two.rpt"), "new\r\n");
+         EXPECT_EQ(fs::hard_link_count(d.path() / "one.rpt"), 2u);
+       }},
+      {"name_at_the_length_limit_pushed_over_by_the_temporary_name",
+       [](const TempDir& d) { return d.path() / (std::string(251, 'n') + ".rpt"); }, "",
+       [](const TempDir& d) { EXPECT_EQ(TempDir::read(d.path() / (std::string(251, 'n') + ".rpt")), "new\r\n"); }},
+      {"permissions_of_an_existing_file_lost",
+       [](const TempDir& d) {
+         const auto f = d.write("shared.rpt", "earlier");
+         fs::permissions(f, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+         return f;
+       },
+       "",
+       [](const TempDir& d) {
+         EXPECT_EQ(fs::status(d.path() / "shared.rpt").permissions(),
+                   fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+       }},
+  };
+  for (const TargetCase& c : cases) {
+    SCOPED_TRACE(c.fault);
+    TempDir dir;
+    const fs::path name = c.prepare(dir);
+    const std::size_t before = filesIn(dir.path());
+    try {
+      writeTextFile(name, {"new"});
+      EXPECT_STREQ(c.refusal, "");
+    } catch (const RunTimeError& e) {
+      EXPECT_NE(std::string(e.what()).find(c.refusal), std::string::npos) << e.what();
+      EXPECT_STRNE(c.refusal, "") << e.what();
+    }
+    c.after(dir);
+    EXPECT_LE(filesIn(dir.path()), before + 1);  // no temporary file left behind
+  }
+}
+
+TEST(OutputFile, FilesThatBelongTogetherSayWhichIsNewWhenTheSecondCannotBePutInPlace) {
+  TempDir dir;
+  const auto report = dir.write("SecSub.rpt", "earlier report");
+  // A running program's file cannot be opened for writing, even by root; as a hard
+  // link it is rewritten in place, so it fails only after the report is in place.
+  const auto busy = dir.path() / "busy";
+  std::filesystem::copy_file("/bin/sleep", busy);
+  std::filesystem::create_hard_link(busy, dir.path() / "busy-too");
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::execl(busy.c_str(), "busy", "30", static_cast<char*>(nullptr));
+    ::_exit(127);
+  }
+  ::usleep(200000);
+  try {
+    writeTextFiles({{report, {"new report"}}, {busy, {"new points"}}});
+    ADD_FAILURE() << "written";
+  } catch (const RunTimeError& e) {
+    EXPECT_EQ(std::string(e.what()), "Cannot write the file \"" + busy.string() + "\": Text file busy. \"" + report.string() +
+                                         "\" holds the new results. \"" + busy.string() + "\" is not replaced.");
+  }
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
+  EXPECT_EQ(TempDir::read(report), "new report\r\n");
+  EXPECT_EQ(TempDir::read(busy), TempDir::read("/bin/sleep"));
 }
 
 class DataFolder : public ::testing::Test {

@@ -4,7 +4,6 @@
 #include <QDesktopServices>
 #include <QImage>
 #include <QPainter>
-#include <QSaveFile>
 #include <QSvgRenderer>
 #include <QFileDialog>
 #include <QDir>
@@ -201,10 +200,8 @@ bool QtShell::renderPng(const std::string& svg, const std::filesystem::path& fil
   QPainter painter(&image);
   renderer.render(&painter);
   painter.end();
-  // Written whole, like every output file.
-  QSaveFile out(q(file.string()));
-  if (!out.open(QIODevice::WriteOnly) || !image.save(&out, "PNG") || !out.commit())
-    throw RunTimeError("Cannot write the file \"" + file.string() + "\": " + out.errorString().toStdString() + ".");
+  // Written whole and with the same respect for the target as every output file.
+  writeFileWith(file, [&image](const std::filesystem::path& temp) { return image.save(q(temp.string()), "PNG"); });
   fileWritten(std::filesystem::absolute(file));
   return true;
 }
