@@ -1,5 +1,7 @@
 #include "text/format.h"
 
+#include "text/errors.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -39,7 +41,8 @@ std::string layInteger(std::string digits, std::string_view mask) {
 }  // namespace
 
 std::string Format(double value, std::string_view mask) {
-  if (!std::isfinite(value)) return CStr(value);
+  // A computation that left the doubles has overflowed; it never reaches a label or a file.
+  if (!std::isfinite(value)) throw RunTimeError("Overflow");
   const auto point = mask.find('.');
   const std::string_view intMask = mask.substr(0, point);
   const std::string_view decMask = point == std::string_view::npos ? std::string_view() : mask.substr(point + 1);

@@ -13,7 +13,7 @@ namespace tervalo {
 // rounded half away from zero to the mask's decimals, so 2.675 with "0.00"
 // gives "2.68". Integer digits beyond the mask all go in front; a negative
 // value takes "-" in front; without a forced integer digit a fraction has no
-// leading zero (".500").
+// leading zero (".500"). A value that is not finite is an Overflow.
 std::string Format(double value, std::string_view mask);
 
 }  // namespace tervalo

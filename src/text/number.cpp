@@ -90,8 +90,7 @@ std::optional<double> strictNumber(std::string_view text) {
 }
 
 std::string CStr(double value) {
-  if (std::isnan(value)) return "NaN";
-  if (std::isinf(value)) return value < 0 ? "-Infinity" : "Infinity";
+  if (!std::isfinite(value)) throw RunTimeError("Overflow");
   if (value == 0.0) return "0";
   const detail::Decimal d = detail::toDecimal15(value);
   std::string digits = d.digits;

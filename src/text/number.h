@@ -23,7 +23,8 @@ std::optional<double> strictNumber(std::string_view text);
 
 // Number to text: at most 15 significant digits, no trailing zeros or point,
 // no leading blank, "0.5" for fractions, exponent form ("1E+15", "1E-05")
-// only below 0.0001 or from 1E+15 up.
+// only below 0.0001 or from 1E+15 up. A value that is not finite is an
+// Overflow (RunTimeError), as its computation would have been.
 std::string CStr(double value);
 
 // Whole-number conversions of the 16-bit fields (section, township, range).

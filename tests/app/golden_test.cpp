@@ -72,6 +72,32 @@ INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
                                            GoldenCase{"grading-left", {"GrWidth.txt"}}),
                          [](const auto& named) { return testing::readableName(named.param.job); });
 
+// Inputs whose results leave the doubles: once shown as "Infinity" and as
+// 309-digit fields in the files, now the Overflow box and no file.
+TEST(Overflow, AResultBeyondADoubleEndsWithTheOverflowBoxAndNoFile) {
+  const char* jobs[] = {
+      R"({"calculator":"hcurve","steps":[{"set":{"txtDelta":"30","txtRadius":"1e308","txtCurvePt":"10+00"},
+          "click":["btnCalculate","btnOutput"]}]})",
+      R"({"calculator":"hcurve","steps":[{"set":{"optDec":true,"txtDelta":"1e308","txtRadius":"1000","txtCurvePt":"10+00"},
+          "click":["btnCalculate","btnOutput"]}]})",
+      R"({"calculator":"vcurve","steps":[{"set":{"txtEntryGrade":"-2","txtExitGrade":"2","txtStation":"10+00","optPI":true,
+          "txtElevation":"1e308","txtLength":"1e308","txtStartStation":"7+30","txtEndStation":"13+10","txtIncrement":"50"},
+          "click":"btnCalculate"},{"form":"frmVCResults","click":["btnOutput","btnReturn"]}]})",
+      R"({"calculator":"proportion","steps":[{"set":{"txtBegSta":"10+00","txtBegValue":"-1e308","txtEndSta":"21+00",
+          "txtEndValue":"1e308","txtFirst":"10+00","txtLast":"21+00","txtIncrement":"200"},"click":"btnCalc"},
+          {"form":"frmOutput","click":"btnOutput"}]})",
+  };
+  for (const char* text : jobs) {
+    SCOPED_TRACE(text);
+    TempDir dir;
+    const RunOutcome outcome = runJob(parseJob(text, allForms()), RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+    EXPECT_EQ(outcome.exitCode, 3);
+    EXPECT_EQ(outcome.result["messages"].back()["text"], "Overflow");
+    EXPECT_TRUE(outcome.result["files"].empty());
+    EXPECT_EQ(outcome.result.dump().find("Infinity"), std::string::npos);
+  }
+}
+
 TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   TempDir dir;
   const RunOutcome outcome =
