@@ -115,6 +115,13 @@ int main(int argc, char** argv) {
   // signal), an open calculator's inputs are kept as the previous inputs.
   QObject::connect(&app, &QCoreApplication::aboutToQuit, [&shell] { shell.keepPreviousInputs(); });
   quitOnSignals(app);
-  QTimer::singleShot(0, [&] { tervalo::offerRecovery(program, shell, window); });
+  QTimer::singleShot(0, [&] {
+    // Nothing may leave a Qt event: a fault here is said, and the program goes on without the kept inputs.
+    try {
+      tervalo::offerRecovery(program, shell, window);
+    } catch (const std::exception& e) {
+      QMessageBox::warning(&window, "Tervalo", QString::fromStdString(std::string("The kept entries cannot be offered: ") + e.what()));
+    }
+  });
   return app.exec();
 }

@@ -54,6 +54,9 @@ void FormModel::runEvent(const std::function<void()>& handler) {
   } catch (const std::filesystem::filesystem_error& e) {
     shell().msgBox("Run-time Error", fileSystemFault(e), Icon::Critical, Buttons::Ok);
     shell().endProgram();
+  } catch (const nlohmann::json::exception& e) {
+    shell().msgBox("Run-time Error", std::string("Invalid data: ") + e.what(), Icon::Critical, Buttons::Ok);
+    shell().endProgram();
   } catch (const std::exception& e) {
     // Anything else is a fault of this program: said plainly, never a crash.
     shell().msgBox("Run-time Error", std::string("Internal error: ") + e.what(), Icon::Critical, Buttons::Ok);

@@ -32,8 +32,8 @@ Json inputsJob(const std::vector<FormModel*>& openForms, const FormRegistry& reg
     steps.push_back(std::move(step));
     for (const JobStep& extra : form->recoverySteps()) {
       Json more{{"form", form->name()}, {"set", Json::object()}, {"click", extra.click}};
-      for (const auto& [name, value] : extra.set)
-        std::visit([&](const auto& v) { more["set"][name] = v; }, value);
+      for (const auto& setting : extra.set)
+        std::visit([&](const auto& v) { more["set"][setting.first] = v; }, setting.second);
       steps.push_back(std::move(more));
     }
   }

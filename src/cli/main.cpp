@@ -97,6 +97,9 @@ int main(int argc, char** argv) {
   } catch (const std::filesystem::filesystem_error& e) {
     std::cerr << "Run-time Error: " << tervalo::fileSystemFault(e) << "\n";
     return kEnded;
+  } catch (const nlohmann::json::exception& e) {
+    std::cerr << "Run-time Error: Invalid data: " << e.what() << "\n";
+    return kEnded;
   } catch (const std::exception& e) {
     std::cerr << "Run-time Error: Internal error: " << e.what() << "\n";
     return kEnded;
