@@ -64,7 +64,8 @@ class CurveWindow : public QObject {
     QString reopened;
     {
       Desktop desktop(dir.folder());
-      auto& [shell, program] = desktop;
+      ScriptedShell& shell = desktop.shell;
+      Program& program = desktop.program;
       QString afterOpen;
       shell.inDialog = [&](QDialog& d) {
         QTest::keyClicks(d.findChild<QLineEdit*>("txtDelta"), "30");
@@ -84,7 +85,8 @@ class CurveWindow : public QObject {
       QVERIFY(shell.boxes.empty());
     }
     Desktop desktop(dir.folder());  // the next start
-    auto& [shell, program] = desktop;
+    ScriptedShell& shell = desktop.shell;
+    Program& program = desktop.program;
     auto& main = program.form<frmMain>("frmMain");
     main.setOpen(true);
     MainWindow window(program, shell);

@@ -60,7 +60,7 @@ TEST(ComputeQtrs, RegularSectionEverySixteenthIsAMidpoint) {
   // Block order NW, NE, SE, SW; nothing is computed twice.
   EXPECT_EQ(written, (std::vector<int>{1, 7, 11, 5, 6, 3, 9, 13, 8, 19, 23, 17, 18, 21, 15, 16}));
   const double q[] = {10000, 11320, 12640, 13960, 15280};
-  for (int s = 0; s < 25; ++s) EXPECT_AT(r, s, q[s % 5], q[4 - s / 5]);
+  for (std::size_t s = 0; s < 25; ++s) EXPECT_AT(r, s, q[s % 5], q[4 - s / 5]);
 }
 
 TEST(ComputeQtrs, RecordChainsProportionTheMeasuredLine) {
