@@ -1,5 +1,7 @@
 #include "grading/frm_grade.h"
 
+#include "grading/grade_sketch.h"
+
 #include "app/forms_misc.h"
 #include "app/program.h"
 #include "app/shell.h"
@@ -128,6 +130,7 @@ void frmGrade::btnCalculate_Click() {
   in.finished = fin.segments;
   in.subgrade = sub.segments;
   const GradingResult r = computeGrading(in);
+  calculated = std::pair{in, r};
 
   // The wording goes with these tests on purpose; none of them stops the calculation.
   if (r.subgradeWider)
@@ -168,6 +171,15 @@ std::vector<JobStep> frmGrade::recoverySteps() const {
   return steps;
 }
 
+Picture frmGrade::sketch() const {
+  if (!calculated) {
+    Picture none;
+    none.hint = "The cross-section is drawn here after Calculate.";
+    return none;
+  }
+  return gradingSketch(calculated->first, calculated->second).picture;
+}
+
 void frmGrade::clearForInputs() {
   for (SegmentList* list : {&fin, &sub}) {
     list->segments.clear();
@@ -176,6 +188,7 @@ void frmGrade::clearForInputs() {
 }
 
 void frmGrade::btnClear_Click() {
+  calculated.reset();
   for (TextBox* box : {&txtSta, &txtFinElev, &txtTopSoil, &txtSubElev, &txtSubThick, &fin.width, &sub.width})
     box->text.clear();
   for (SegmentList* list : {&fin, &sub}) {

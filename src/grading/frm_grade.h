@@ -5,7 +5,11 @@
 #include <optional>
 #include <vector>
 
+#include <optional>
+#include <utility>
+
 #include "app/form_model.h"
+#include "app/picture.h"
 #include "grading/grading.h"
 
 namespace tervalo {
@@ -56,6 +60,9 @@ class frmGrade : public FormModel {
 
   // The segments, added again one by one.
   std::vector<JobStep> recoverySteps() const override;
+  // The section of the last Calculate, redrawn by each; a hint before one and after Clear.
+  Picture sketch() const;
+  std::optional<std::pair<GradingInput, GradingResult>> calculated;
   // Saved inputs rebuild the segment lists with Add, into emptied lists.
   bool rebuildsInputs(std::string_view control) const override { return control == "btnFinAdd" || control == "btnSubAdd"; }
   void clearForInputs() override;

@@ -12,6 +12,8 @@
 #include <QVBoxLayout>
 
 #include "app/qt/form_dialog.h"
+#include "app/qt/picture_view.h"
+#include "grading/frm_grade.h"
 
 namespace tervalo {
 namespace {
@@ -19,7 +21,13 @@ namespace {
 class GradeView : public FormDialog {
  public:
   GradeView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
-    auto* outer = new QVBoxLayout(this);
+    auto* window = new QHBoxLayout(this);
+    auto* outer = new QVBoxLayout;
+    window->addLayout(outer);
+    // The cross-section, redrawn by every Calculate, beside the entries.
+    auto* sketch = new PictureView(this);
+    sketch->setObjectName("sketch");
+    window->addWidget(sketch, 1);
     auto* top = new QGridLayout;
     int r = 0;
     auto row = [&](const char* caption, const char* field) {
@@ -55,6 +63,8 @@ class GradeView : public FormDialog {
     outer->addLayout(commandRow("btnCalculate"));
     findChild<QPushButton*>("btnCalculate")->setDefault(false);  // Enter belongs to the segment fields
     bind();
+    binder_->onRefresh = [this, sketch] { sketch->showPicture(static_cast<const frmGrade&>(model_).sketch()); };
+    binder_->onRefresh();
   }
 
  private:

@@ -6,6 +6,7 @@
 #include "app/forms_misc.h"
 #include "app/program.h"
 #include "grading/frm_grade.h"
+#include "grading/grade_sketch.h"
 #include "grading/grading.h"
 #include "support/recording_shell.h"
 #include "support/temp_dir.h"
@@ -34,6 +35,30 @@ TEST(GradingComputation, WorkedSection) {
   EXPECT_FALSE(r.subgradeWider || r.subgradeAbove || r.inside || r.parallel);
   EXPECT_NEAR(r.grdElev, 97.673, 5e-4);
   EXPECT_NEAR(r.grdOffset, 18.348, 5e-4);
+}
+
+TEST(GradingSketch, TheWorkedSectionMarksItsPiAndDrawsTheLeftSideToTheLeft) {
+  GradingInput in;
+  in.side = "Left";
+  in.clElev = 100;
+  in.topSoil = 0.5;
+  in.subElevGiven = true;
+  in.subElev = 98;
+  in.finished = {{12, -0.02}, {4, -0.25}};
+  in.subgrade = {{14, -0.02}};
+  const GradingResult r = computeGrading(in);
+  const GradeSketch s = gradingSketch(in, r);
+  ASSERT_EQ(s.picture.marks.size(), 1u);
+  EXPECT_EQ(s.picture.texts.back().text, "P.I. 18.348 / 97.673");
+  EXPECT_NEAR(s.picture.marks[0].at.x, -18.348, 5e-4);  // left of the centerline
+  // Every line lies on the left; the finished shoulder is above the P.I., drawn exaggerated.
+  for (const auto& line : s.picture.lines)
+    for (const auto& p : line.points) EXPECT_LE(p.x, 0);
+  EXPECT_EQ(s.exaggeration, 5);
+  EXPECT_NEAR(s.picture.lines[0].points.back().y - s.picture.marks[0].at.y, (98.76 - r.grdElev) * 5, 1e-9);
+  EXPECT_NE(s.picture.caption.find("Left side, vertical scale 5 times"), std::string::npos);
+  in.subgrade = {{14, -0.25}};  // parallel to the finished slope: no P.I. to mark
+  EXPECT_TRUE(gradingSketch(in, computeGrading(in)).picture.marks.empty());
 }
 
 TEST(GradingComputation, LevelWithTheShoulderAndParallelSlopes) {

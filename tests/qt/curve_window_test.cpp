@@ -188,8 +188,13 @@ class CurveWindow : public QObject {
       d.findChild<QComboBox*>("cmbFinSlope")->setCurrentText("1:4");
       QTest::mouseClick(d.findChild<QPushButton*>("btnFinChange"), Qt::LeftButton);
       QCOMPARE(d.findChild<QListWidget*>("lstFin")->item(1)->text(), QString("  2       4.000      -0.250"));
+      auto* sketch = d.findChild<PictureView*>("sketch");
+      QVERIFY(sketch->picture().empty());  // nothing drawn before Calculate
       QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
       result = d.findChild<QLabel*>("lblResults")->text();
+      QCOMPARE(sketch->picture().texts.back().text, std::string("P.I. 18.348 / 97.673"));  // Calculate drew the section
+      QTest::mouseClick(d.findChild<QPushButton*>("btnClear"), Qt::LeftButton);
+      QVERIFY(sketch->picture().empty());
     };
     program.form<frmMain>("frmMain").click("mnuMgrade");
     QCOMPARE(result, QString("Computed Grading P.I.   Elev: 97.673   Offset: 18.348"));

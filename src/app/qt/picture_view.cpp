@@ -62,15 +62,35 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
     painter.setBrush(palette.color(QPalette::Base));
     painter.drawEllipse(at(m.at), 4, 4);
   }
+  // Labels never overprint: each takes its own place when that is free, else
+  // the first free one of the others, moved further out step by step.
+  std::vector<QRectF> taken;
   for (const auto& t : picture.texts) {
     painter.setPen(inkColor(t.ink, palette));
     const QString text = QString::fromStdString(t.text);
     const QPointF p = at(t.at);
-    const double width = metrics.horizontalAdvance(text);
-    const QPointF corner = t.place == Place::Above ? QPointF(p.x() - width / 2, p.y() - 8)
-                           : t.place == Place::Below ? QPointF(p.x() - width / 2, p.y() + 8 + metrics.ascent())
-                                                     : QPointF(p.x() + 8, p.y() + metrics.ascent() / 2);
-    painter.drawText(corner, text);
+    const double width = metrics.horizontalAdvance(text), height = metrics.height();
+    auto box = [&](Place place, double gap) {
+      switch (place) {
+        case Place::Above: return QRectF(p.x() - width / 2, p.y() - gap - height, width, height);
+        case Place::Below: return QRectF(p.x() - width / 2, p.y() + gap, width, height);
+        case Place::Right: break;
+      }
+      return QRectF(p.x() + gap, p.y() - height / 2, width, height);
+    };
+    QRectF chosen = box(t.place, 6);
+    bool found = false;
+    for (double gap = 6; !found && gap < 6 + 6 * height; gap += height / 2)
+      for (Place place : {t.place, Place::Above, Place::Below, Place::Right}) {
+        const QRectF candidate = box(place, gap);
+        if (std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(candidate); })) {
+          chosen = candidate;
+          found = true;
+          break;
+        }
+      }
+    taken.push_back(chosen);
+    painter.drawText(chosen, Qt::AlignLeft | Qt::AlignVCenter, text);
   }
   painter.setPen(palette.color(QPalette::Text));
   painter.drawText(QRectF(area.left(), area.bottom() - metrics.height() - 6, area.width(), metrics.height() + 4),
