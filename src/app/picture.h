@@ -29,7 +29,7 @@ struct PictureMark {
 };
 
 // Where a label stands from its anchor.
-enum class Place { Above, Below, Right };
+enum class Place { Above, Below, Right, Left };
 
 struct PictureText {
   PicturePoint at;  // the label's anchor, beside which it is written
@@ -47,5 +47,10 @@ struct Picture {
 
   bool empty() const { return lines.empty() && marks.empty(); }
 };
+
+// How many times taller than the horizontal a profile or cross-section
+// `run` long and `rise` high is drawn so that it fills a picture about
+// 2.5 times as wide as high: 1, 2, 5, 10, 20, 50, ...
+double verticalExaggeration(double run, double rise);
 
 }  // namespace tervalo

@@ -7,17 +7,6 @@
 #include "text/number.h"
 
 namespace tervalo {
-namespace {
-
-// 1, 2, 5, 10, 20, 50, ...: the first at or above `wanted`.
-double niceFactor(double wanted) {
-  double f = 1;
-  for (int i = 0; f < wanted && i < 30; ++i) f *= (i % 3 == 1) ? 2.5 : 2;
-  return f;
-}
-
-}  // namespace
-
 GradeSketch gradingSketch(const GradingInput& in, const GradingResult& r) {
   GradeSketch s;
   const double hand = in.side == "Left" ? -1 : 1;
@@ -41,7 +30,7 @@ GradeSketch gradingSketch(const GradingInput& in, const GradingResult& r) {
   for (const auto& p : subgrade) extent(p);
   if (!r.parallel) extent(pi);
   // Elevations drawn taller, so that a section some feet deep and many wide fills the picture.
-  s.exaggeration = niceFactor((maxX - minX) / 2.5 / std::max(maxY - minY, 1e-6));
+  s.exaggeration = verticalExaggeration(maxX - minX, maxY - minY);
   auto drawn = [&](PicturePoint p) { return PicturePoint{hand * p.x, (p.y - minY) * s.exaggeration}; };
   auto line = [&](std::vector<PicturePoint> points, Ink ink, bool dashed) {
     for (auto& p : points) p = drawn(p);

@@ -1,5 +1,7 @@
 #include "vcurve/frm_vert_curve.h"
 
+#include "vcurve/profile_sketch.h"
+
 #include "app/program.h"
 #include "app/shell.h"
 #include "app/version.h"
@@ -207,6 +209,7 @@ void frmVertCurve::readInput() {
   results.curve = curve;
   results.metric = chkMetric.checked;
   results.profiles = listing.profiles;
+  results.equation = listing.equation;
   // After "End station is not larger than start station." the listing is made all the same.
   if (increments) {
     if (listing.start / listing.increment > 1e8) {
@@ -230,6 +233,8 @@ void frmVertCurve::readInput() {
   }
   shell().showModal(results);
 }
+
+Picture frmVCResults::sketch() const { return profileSketch({curve, metric, profiles, listingRows, equation}).picture; }
 
 void frmVertCurve::txtEndStation_Change() {
   const bool listing = !txtEndStation.text.empty();

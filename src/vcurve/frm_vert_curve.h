@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/form_model.h"
+#include "app/picture.h"
 #include "vcurve/listing.h"
 #include "vcurve/vertical_curve.h"
 
@@ -40,6 +41,10 @@ class frmVCResults : public FormModel {
   bool metric = false;
   std::array<double, 3> profiles{};
   std::vector<ListingRow> listingRows;
+  std::optional<std::pair<double, double>> equation;
+
+  // The profile of what Calculate left, drawn beside the list.
+  Picture sketch() const;
 
   void createVoutFile();
   // The profile as LandXML or the listing as CSV, as the chosen name's ending says.

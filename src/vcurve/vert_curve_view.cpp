@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "app/qt/form_dialog.h"
+#include "app/qt/picture_view.h"
 #include "vcurve/frm_vert_curve.h"
 
 namespace tervalo {
@@ -68,7 +69,14 @@ class VertCurveView : public FormDialog {
 class VCResultsView : public FormDialog {
  public:
   VCResultsView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
-    auto* outer = new QVBoxLayout(this);
+    auto* window = new QHBoxLayout(this);
+    auto* outer = new QVBoxLayout;
+    window->addLayout(outer);
+    // The profile beside the list, so a wrong grade sign shows at a glance.
+    auto* sketch = new PictureView(this);
+    sketch->setObjectName("sketch");
+    sketch->setMinimumWidth(420);
+    window->addWidget(sketch, 1);
     QGroupBox* curveData = frame("frameCurve");
     curveData->setFont(fixedPitchFont());
     auto* grid = new QGridLayout(curveData);
@@ -99,7 +107,10 @@ class VCResultsView : public FormDialog {
     for (const char* b : {"btnOutput", "btnExport", "btnReturn"}) actions->addWidget(button(b));
     outer->addLayout(actions);
     bind();
-    binder_->onRefresh = [this, headings] { headings->setText(numberedHeadings()); };
+    binder_->onRefresh = [this, headings, sketch] {
+      headings->setText(numberedHeadings());
+      sketch->showPicture(static_cast<const frmVCResults&>(model_).sketch());
+    };
     binder_->onRefresh();
   }
 

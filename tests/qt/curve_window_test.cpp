@@ -108,6 +108,10 @@ class CurveWindow : public QObject {
         seen << d.findChild<QLabel*>("lblSta")->text();
         const auto* list = d.findChild<QListWidget*>("lstResults");
         seen << QString::number(list->count()) << list->item(0)->text();
+        // The profile beside the list, drawn from this Calculate.
+        const Picture& profile = d.findChild<PictureView*>("sketch")->picture();
+        QVERIFY(std::any_of(profile.texts.begin(), profile.texts.end(),
+                            [](const PictureText& t) { return t.text == "Low 10+00.000 / 102.000"; }));
         QTest::mouseClick(d.findChild<QPushButton*>("btnOutput"), Qt::LeftButton);
         return;
       }

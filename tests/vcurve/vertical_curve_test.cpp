@@ -6,6 +6,8 @@
 #include <algorithm>
 
 #include "vcurve/listing.h"
+#include "text/number.h"
+#include "vcurve/profile_sketch.h"
 #include "vcurve/vertical_curve.h"
 
 namespace tervalo {
@@ -201,6 +203,45 @@ TEST(ListLines, LayoutMasksAndProfiles) {
   EXPECT_EQ(addItemTstr("10+00.000", "PVC", "12345.678", {}), "   10+00.000  PVC  12345.67  ");
   EXPECT_EQ(addItemTstr("10+00.000", "C", "102.000", {-0.5, 1.25, 10}),
             "   10+00.000  C     102.000   101.500  103.250  112.000");
+}
+
+}  // namespace
+}  // namespace tervalo
+
+namespace tervalo {
+namespace {
+
+std::vector<std::string> labels(const Picture& p, Ink ink) {
+  std::vector<std::string> out;
+  for (const auto& t : p.texts)
+    if (t.ink == ink) out.push_back(t.text);
+  return out;
+}
+
+TEST(ProfileSketch, SagAndCrestMarkTheirKeyPointsAndTurningPoint) {
+  VerticalCurve sag = makeCurve(-0.02, 0.02, 400, KnownPoint::PVI, 1000, 100);
+  minMaxCalc(sag);
+  const ProfileSketch s = profileSketch({sag, false, {}, {}, {}});
+  EXPECT_EQ(labels(s.picture, Ink::Main),
+            (std::vector<std::string>{"PVC 8+00.000 / 104.000", "PVI 10+00.000 / 100.000", "PVT 12+00.000 / 104.000"}));
+  EXPECT_EQ(labels(s.picture, Ink::Accent), std::vector<std::string>{"Low 10+00.000 / 102.000"});
+  // The low point's mark lies on the parabola's lowest drawn point, exaggerated as the caption says.
+  const PictureMark& low = s.picture.marks.back();
+  EXPECT_EQ(low.at.x, 1000);
+  const auto& parabola = s.picture.lines[2].points;
+  EXPECT_NEAR(std::min_element(parabola.begin(), parabola.end(), [](auto a, auto b) { return a.y < b.y; })->y, low.at.y, 1e-9);
+  EXPECT_NE(s.picture.caption.find("Sag curve, vertical scale " + CStr(s.exaggeration)), std::string::npos);
+
+  VerticalCurve crest = makeCurve(0.03, -0.01, 600, KnownPoint::PVC, 500, 50);
+  minMaxCalc(crest);
+  const ProfileSketch c = profileSketch({crest, false, {0, 1.5, 0}, {}, std::pair{700.0, 900.0}});
+  EXPECT_EQ(labels(c.picture, Ink::Accent), std::vector<std::string>{"High 11+50.000 / 56.750"});
+  // Beyond the equation at 7+00 (the high point and the PVT), stations read in the OUT stationing.
+  EXPECT_EQ(labels(c.picture, Ink::Main)[2], "PVT 13+00.000 / 56.000");
+  const auto quiet = labels(c.picture, Ink::Quiet);
+  EXPECT_NE(std::find(quiet.begin(), quiet.end(), "Equation 7+00.000 = 9+00.000"), quiet.end());
+  EXPECT_NE(std::find(quiet.begin(), quiet.end(), "Profile 2"), quiet.end());
+  EXPECT_EQ(std::count_if(c.picture.lines.begin(), c.picture.lines.end(), [](const PictureLine& l) { return l.dashed; }), 3);
 }
 
 }  // namespace

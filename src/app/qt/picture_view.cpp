@@ -74,6 +74,7 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
       switch (place) {
         case Place::Above: return QRectF(p.x() - width / 2, p.y() - gap - height, width, height);
         case Place::Below: return QRectF(p.x() - width / 2, p.y() + gap, width, height);
+        case Place::Left: return QRectF(p.x() - gap - width, p.y() - height / 2, width, height);
         case Place::Right: break;
       }
       return QRectF(p.x() + gap, p.y() - height / 2, width, height);
@@ -83,12 +84,16 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
     for (double gap = 6; !found && gap < 6 + 6 * height; gap += height / 2)
       for (Place place : {t.place, Place::Above, Place::Below, Place::Right}) {
         const QRectF candidate = box(place, gap);
-        if (std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(candidate); })) {
+        if (area.contains(candidate) &&
+            std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(candidate); })) {
           chosen = candidate;
           found = true;
           break;
         }
       }
+    // Never cut at the picture's edge.
+    chosen.moveLeft(std::clamp(chosen.left(), area.left(), std::max(area.left(), area.right() - chosen.width())));
+    chosen.moveTop(std::clamp(chosen.top(), area.top(), std::max(area.top(), area.bottom() - chosen.height())));
     taken.push_back(chosen);
     painter.drawText(chosen, Qt::AlignLeft | Qt::AlignVCenter, text);
   }
