@@ -25,8 +25,7 @@ class GradeView : public FormDialog {
     auto* outer = new QVBoxLayout;
     window->addLayout(outer);
     // The cross-section, redrawn by every Calculate, beside the entries.
-    auto* sketch = new PictureView(this);
-    sketch->setObjectName("sketch");
+    auto* sketch = picture("sketch");
     window->addWidget(sketch, 1);
     auto* top = new QGridLayout;
     int r = 0;

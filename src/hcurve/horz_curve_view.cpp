@@ -84,8 +84,7 @@ class HorzCurveView : public FormDialog {
     grid->setRowStretch(r, 1);
     top->addWidget(results);
     // The curve to scale, redrawn by every Calculate.
-    auto* sketch = new PictureView(this);
-    sketch->setObjectName("sketch");
+    auto* sketch = picture("sketch");
     top->addWidget(sketch, 1);
     outer->addLayout(top);
 

@@ -73,8 +73,7 @@ class VCResultsView : public FormDialog {
     auto* outer = new QVBoxLayout;
     window->addLayout(outer);
     // The profile beside the list, so a wrong grade sign shows at a glance.
-    auto* sketch = new PictureView(this);
-    sketch->setObjectName("sketch");
+    auto* sketch = picture("sketch");
     sketch->setMinimumWidth(420);
     window->addWidget(sketch, 1);
     QGroupBox* curveData = frame("frameCurve");

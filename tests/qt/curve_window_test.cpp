@@ -7,6 +7,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QImage>
+#include <QSvgRenderer>
 #include <QTest>
 
 #include "app/frm_main.h"
@@ -44,6 +46,20 @@ class CurveWindow : public QObject {
       QTest::keyClicks(d.findChild<QLineEdit*>("txtCurvePt"), "10+00");
       QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
       QVERIFY(!sketch->picture().empty());  // Calculate drew the curve
+      // Saved from its context menu as each kind, by the one painter; an unknown ending is said.
+      for (const char* name : {"curve.svg", "curve.png", "curve.pdf", "curve.bmp"}) {
+        shell.chosenFiles.push_back((dir.path() / name).string());
+        sketch->save(sketch->picture());
+      }
+      QVERIFY(QSvgRenderer(QString::fromStdString((dir.path() / "curve.svg").string())).isValid());
+      QCOMPARE(QImage(QString::fromStdString((dir.path() / "curve.png").string())).size(), QSize(1500, 1000));
+      const std::string pdf = TempDir::read(dir.path() / "curve.pdf");
+      QVERIFY(pdf.rfind("%PDF-", 0) == 0);
+      QCOMPARE(pdf.find("/Count 1"), pdf.rfind("/Count 1"));  // one page
+      QVERIFY(pdf.find("/Count 1") != std::string::npos);
+      QCOMPARE(shell.boxes.back().text.find("name it with .svg, .png or .pdf") != std::string::npos, true);
+      QVERIFY(!std::filesystem::exists(dir.path() / "curve.bmp"));
+      shell.boxes.clear();
       radius = d.findChild<QLabel*>("lblTan")->text();
       pc = d.findChild<QLabel*>("lblPC")->text();
       output = d.findChild<QLineEdit*>("txtOut")->text();

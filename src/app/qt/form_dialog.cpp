@@ -1,5 +1,10 @@
 #include "app/qt/form_dialog.h"
 
+#include "app/qt/picture_files.h"
+#include "app/qt/qt_shell.h"
+#include "app/qt/picture_view.h"
+#include "text/errors.h"
+
 #include <QCheckBox>
 #include <QScrollArea>
 #include <QSettings>
@@ -163,6 +168,25 @@ void FormDialog::keepLayout() {
 }
 
 QLineEdit* FormDialog::edit(const char* name, QWidget* parent) { return named<QLineEdit>(name, parent, this); }
+PictureView* FormDialog::picture(const char* name) {
+  auto* view = new PictureView(this);
+  view->setObjectName(name);
+  view->setContextMenuPolicy(Qt::DefaultContextMenu);
+  view->setFocusPolicy(Qt::ClickFocus);
+  view->save = [this](const Picture& shown) {
+    const auto file = shell_.chooseFile(FileDialog::Save, "Save Picture As", "picture.svg",
+                                        {kPictureFilters[0], kPictureFilters[1], kPictureFilters[2]});
+    if (!file || file->empty()) return;
+    try {
+      writePictureFile(shown, *file, font());
+      shell_.fileWritten(std::filesystem::absolute(*file));
+    } catch (const RunTimeError& e) {
+      shell_.msgBox("Save Picture As", e.what(), Icon::Exclamation, Buttons::Ok);
+    }
+  };
+  return view;
+}
+
 QLabel* FormDialog::label(const char* name, QWidget* parent) { return named<QLabel>(name, parent, this); }
 QPushButton* FormDialog::button(const char* name, QWidget* parent) {
   auto* b = named<QPushButton>(name, parent, this);

@@ -23,6 +23,8 @@ namespace tervalo {
 class FormModel;
 class QtShell;
 
+class PictureView;
+
 class FormDialog : public QDialog {
  public:
   FormDialog(FormModel& model, QtShell& shell, QWidget* parent);
@@ -42,6 +44,8 @@ class FormDialog : public QDialog {
   QComboBox* combo(const char* name, bool editable, QWidget* parent = nullptr);
   QListWidget* list(const char* name, bool fixedPitch, QWidget* parent = nullptr);
   QGroupBox* frame(const char* name, QWidget* parent = nullptr);
+  // The window's picture, saved from its context menu through the shell's file dialog.
+  PictureView* picture(const char* name);
 
   // The output file row: "Output file:" lblOut, txtOut, Browse btnOut, Save
   // btnOutput, and btnReturn when the window has it there.

@@ -1,5 +1,7 @@
 #include "app/qt/picture_view.h"
 
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
 #include <algorithm>
@@ -111,6 +113,13 @@ PictureView::PictureView(QWidget* parent) : QWidget(parent) {
 void PictureView::showPicture(const Picture& picture) {
   picture_ = picture;
   update();
+}
+
+void PictureView::contextMenuEvent(QContextMenuEvent* event) {
+  if (picture_.empty() || !save) return;
+  QMenu menu(this);
+  menu.addAction("&Save Picture As...", [this] { save(picture_); });
+  menu.exec(event->globalPos());
 }
 
 void PictureView::paintEvent(QPaintEvent*) {

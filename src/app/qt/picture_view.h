@@ -4,6 +4,7 @@
 // light one), with the labels in the window's own font.
 
 #include <QWidget>
+#include <functional>
 
 #include "app/picture.h"
 
@@ -14,15 +15,19 @@ namespace tervalo {
 // Paints `picture` fitted into `area`.
 void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font);
 
-// A picture beside a window's results, redrawn whenever its model changes it.
+// A picture beside a window's results, redrawn whenever its model changes
+// it. Its context menu (or Shift+F10, or the menu key) saves it as SVG, PNG
+// or PDF through `save`.
 class PictureView : public QWidget {
  public:
   explicit PictureView(QWidget* parent);
   void showPicture(const Picture& picture);
   const Picture& picture() const { return picture_; }
+  std::function<void(const Picture&)> save;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   Picture picture_;

@@ -1,0 +1,68 @@
+#include "app/qt/picture_files.h"
+
+#include <QImage>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QSvgGenerator>
+
+#include "app/output_file.h"
+#include "app/qt/picture_view.h"
+#include "text/errors.h"
+
+namespace tervalo {
+namespace {
+
+// Black on white, with the accent a printer renders as a clear blue.
+QPalette paperPalette() {
+  QPalette paper;
+  paper.setColor(QPalette::Base, Qt::white);
+  paper.setColor(QPalette::Text, Qt::black);
+  paper.setColor(QPalette::Highlight, QColor(0x1f, 0x5f, 0xbf));
+  paper.setColor(QPalette::PlaceholderText, QColor(0x60, 0x60, 0x60));
+  return paper;
+}
+
+constexpr int kWidth = 1500, kHeight = 1000;  // pixels of an SVG or PNG picture
+
+}  // namespace
+
+void writePictureFile(const Picture& picture, const std::filesystem::path& file, const QFont& font) {
+  const std::string ending = file.extension().string();
+  std::function<bool(const std::filesystem::path&)> write;
+  if (ending == ".svg") {
+    write = [&](const std::filesystem::path& temp) {
+      QSvgGenerator svg;
+      svg.setFileName(QString::fromStdString(temp.string()));
+      svg.setSize(QSize(kWidth, kHeight));
+      svg.setViewBox(QRect(0, 0, kWidth, kHeight));
+      svg.setTitle(QString::fromStdString(picture.caption));
+      QPainter painter(&svg);
+      paintPicture(painter, picture, QRectF(0, 0, kWidth, kHeight), paperPalette(), font);
+      return painter.end();
+    };
+  } else if (ending == ".png") {
+    write = [&](const std::filesystem::path& temp) {
+      QImage image(kWidth, kHeight, QImage::Format_ARGB32);
+      QPainter painter(&image);
+      paintPicture(painter, picture, QRectF(0, 0, kWidth, kHeight), paperPalette(), font);
+      painter.end();
+      return image.save(QString::fromStdString(temp.string()), "PNG");
+    };
+  } else if (ending == ".pdf") {
+    write = [&](const std::filesystem::path& temp) {
+      QPdfWriter pdf(QString::fromStdString(temp.string()));
+      pdf.setPageSize(QPageSize(QPageSize::A4));
+      pdf.setPageOrientation(QPageLayout::Landscape);
+      pdf.setTitle(QString::fromStdString(picture.caption));
+      QPainter painter(&pdf);
+      paintPicture(painter, picture, QRectF(painter.viewport()), paperPalette(), font);
+      return painter.end();
+    };
+  } else {
+    throw RunTimeError("Cannot write the picture \"" + file.string() + "\": name it with .svg, .png or .pdf.");
+  }
+  writeFileWith(file, write);
+}
+
+}  // namespace tervalo
