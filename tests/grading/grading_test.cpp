@@ -17,15 +17,21 @@ namespace {
 using testing::RecordingShell;
 using testing::TempDir;
 
-TEST(GradingComputation, WorkedSection) {
+// The left side of the worked example: two finished segments, one subgrade segment.
+GradingInput workedSection() {
   GradingInput in;
+  in.side = "Left";
   in.clElev = 100;
   in.topSoil = 0.5;
   in.subElevGiven = true;
   in.subElev = 98;
   in.finished = {{12, -0.02}, {4, -0.25}};
   in.subgrade = {{14, -0.02}};
-  const GradingResult r = computeGrading(in);
+  return in;
+}
+
+TEST(GradingComputation, WorkedSection) {
+  const GradingResult r = computeGrading(workedSection());
   EXPECT_DOUBLE_EQ(r.ptAoffset, 16);
   EXPECT_NEAR(r.ptAelev, 98.76, 1e-12);
   EXPECT_NEAR(r.ptBelev, 98.26, 1e-12);
@@ -38,14 +44,7 @@ TEST(GradingComputation, WorkedSection) {
 }
 
 TEST(GradingSketch, TheWorkedSectionMarksItsPiAndDrawsTheLeftSideToTheLeft) {
-  GradingInput in;
-  in.side = "Left";
-  in.clElev = 100;
-  in.topSoil = 0.5;
-  in.subElevGiven = true;
-  in.subElev = 98;
-  in.finished = {{12, -0.02}, {4, -0.25}};
-  in.subgrade = {{14, -0.02}};
+  GradingInput in = workedSection();
   const GradingResult r = computeGrading(in);
   const GradeSketch s = gradingSketch(in, r);
   ASSERT_EQ(s.picture.marks.size(), 1u);
