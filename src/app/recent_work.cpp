@@ -7,6 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/json_text.h"
 #include "app/output_file.h"
 #include "text/errors.h"
 
@@ -36,7 +37,7 @@ void RecentWork::add(const std::string& file) {
   if (files_.size() > kMost) files_.resize(kMost);
   if (folder_.empty()) return;
   try {
-    writeTextFile(listFile(folder_), {nlohmann::json(files_).dump(2)});
+    writeTextFile(listFile(folder_), {jsonText(nlohmann::ordered_json(files_))});
   } catch (const RunTimeError&) {
   }
 }

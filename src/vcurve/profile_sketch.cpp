@@ -99,26 +99,26 @@ ProfileSketch profileSketch(const ProfileInput& in) {
   const double tick = (high - low) * 0.04 + 1e-6;
   for (double x : ticks) s.picture.lines.push_back({{at(x, grade(x) - tick), at(x, grade(x) + tick)}, Ink::Quiet, false});
 
-  // The axes: stations along the bottom, elevations up the left.
+  // The axes: stations along the bottom, elevations up the left. Their
+  // labels take their places first; the curve's labels find room around them.
+  std::vector<PictureText> axisTexts;
   s.picture.lines.push_back({{at(first, base), at(last, base)}, Ink::Quiet, false});
   s.picture.lines.push_back({{at(first, base), at(first, high)}, Ink::Quiet, false});
   const double stationStep = roundStep(last - first, 5);
   for (double x = std::ceil(first / stationStep) * stationStep; x <= last; x += stationStep) {
     s.picture.lines.push_back({{at(x, base), at(x, base + tick)}, Ink::Quiet, false});
-    s.picture.texts.push_back({at(x, base), stationText(x), Ink::Quiet, Place::Below});
+    axisTexts.push_back({at(x, base), stationText(x), Ink::Quiet, Place::Below});
   }
   const double elevStep = roundStep(high - base, 4);
   for (double e = std::ceil(base / elevStep) * elevStep; e <= high; e += elevStep)
-    s.picture.texts.push_back({at(first, e), Format(e, "#0.0##"), Ink::Quiet, Place::Left});
+    axisTexts.push_back({at(first, e), Format(e, "#0.0##"), Ink::Quiet, Place::Left});
   if (in.equation) {
     const double x = in.equation->first;
     s.picture.lines.push_back({{at(x, base), at(x, high)}, Ink::Quiet, true});
-    s.picture.texts.push_back({at(x, high), "Equation " + Format(in.equation->first, mask) + " = " + Format(in.equation->second, mask),
-                               Ink::Quiet, Place::Above});
+    axisTexts.push_back({at(x, high), "Equation " + Format(in.equation->first, mask) + " = " + Format(in.equation->second, mask),
+                         Ink::Quiet, Place::Above});
   }
-  // The axes' labels take their places first; the curve's labels find room around them.
-  std::stable_partition(s.picture.texts.begin(), s.picture.texts.end(),
-                        [](const PictureText& t) { return t.ink == Ink::Quiet && t.text.rfind("Profile", 0) != 0; });
+  s.picture.texts.insert(s.picture.texts.begin(), axisTexts.begin(), axisTexts.end());
   s.picture.caption = std::string(sag ? "Sag" : "Crest") + " curve, vertical scale " + CStr(s.exaggeration) +
                       " times the horizontal";
   return s;
