@@ -1,6 +1,7 @@
 #include "app/picture.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tervalo {
 
@@ -9,6 +10,14 @@ double verticalExaggeration(double run, double rise) {
   double f = 1;
   for (int i = 0; f < wanted && i < 30; ++i) f *= (i % 3 == 1) ? 2.5 : 2;
   return f;
+}
+
+double scaleBarLength(double width) {
+  const double most = std::max(width, 1e-9) / 4;
+  const double decade = std::pow(10.0, std::floor(std::log10(most)));
+  for (double step : {5.0, 2.0, 1.0})
+    if (step * decade <= most * (1 + 1e-12)) return step * decade;
+  return decade;
 }
 
 }  // namespace tervalo

@@ -14,36 +14,58 @@ struct PicturePoint {
   double y = 0;
 };
 
-// What a stroke or label is for; the painter picks its colour from the palette.
-enum class Ink { Main, Accent, Quiet };
+// What a stroke or label is for; the painter picks its colour from the
+// palette (Alert: something the user must look at twice).
+enum class Ink { Main, Accent, Quiet, Alert };
 
 struct PictureLine {
   std::vector<PicturePoint> points;  // a polyline
   Ink ink = Ink::Main;
   bool dashed = false;
+  bool heavy = false;  // a boundary, drawn thicker than the lines inside it
 };
+
+enum class Shape { Circle, Square };
 
 struct PictureMark {
   PicturePoint at;
   Ink ink = Ink::Main;
+  Shape shape = Shape::Circle;
+  bool filled = false;
+  double radius = 4;  // pixels, whatever the scale
+  std::string tip;    // what the mark is, shown when the pointer rests on it
 };
 
+// A plain round mark.
+inline PictureMark markAt(PicturePoint at, Ink ink = Ink::Main) {
+  PictureMark m;
+  m.at = at;
+  m.ink = ink;
+  return m;
+}
+
 // Where a label stands from its anchor.
-enum class Place { Above, Below, Right, Left };
+enum class Place { Above, Below, Right, Left, AboveRight };
 
 struct PictureText {
   PicturePoint at;  // the label's anchor, beside which it is written
   std::string text;
   Ink ink = Ink::Main;
   Place place = Place::Above;
+  // Written along a line at this bearing (degrees counter-clockwise from
+  // +x), on the side `place` names (Above or Below); 0 writes level.
+  double along = 0;
 };
 
 struct Picture {
   std::vector<PictureLine> lines;
   std::vector<PictureMark> marks;
   std::vector<PictureText> texts;
-  std::string caption;  // under the picture ("Δ 30°00'00.00"  R 1000.0000")
+  std::string caption;  // under the picture ("Δ 30°00'00.00"  R 1000.0000"); lines split at '\n'
   std::string hint;     // shown instead of an empty picture
+  // A map rather than a sketch: true to scale with north up, so it carries
+  // a north arrow and a scale bar in these units ("ft").
+  std::string mapUnits;
 
   bool empty() const { return lines.empty() && marks.empty(); }
 };
@@ -52,5 +74,9 @@ struct Picture {
 // `run` long and `rise` high is drawn so that it fills a picture about
 // 2.5 times as wide as high: 1, 2, 5, 10, 20, 50, ...
 double verticalExaggeration(double run, double rise);
+
+// The length of a map's scale bar for a map `width` long: the longest round
+// length (1, 2 or 5 times a power of ten) not beyond a quarter of it.
+double scaleBarLength(double width);
 
 }  // namespace tervalo

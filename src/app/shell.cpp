@@ -16,4 +16,8 @@ const char* iconName(Icon icon) {
 
 void Shell::endProgram() { throw ProgramEnd(); }
 
+void Shell::savePicture(const Picture&, const std::filesystem::path&) {
+  throw RunTimeError("Pictures are drawn by the desktop program; save this one there.");
+}
+
 }  // namespace tervalo

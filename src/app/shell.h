@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/picture.h"
 #include "text/date.h"
 
 namespace tervalo {
@@ -51,13 +52,10 @@ class Shell {
     for (const auto& f : files) openInEditor(f);
   }
 
-  // Renders an SVG drawing to a PNG file, written whole; false where this
-  // shell cannot draw (the headless runner).
-  virtual bool renderPng(const std::string& svg, const std::filesystem::path& file) {
-    (void)svg;
-    (void)file;
-    return false;
-  }
+  // Writes a picture as an SVG, PNG or PDF file, by the name's ending,
+  // whole. Pictures are painted by the desktop program; the headless
+  // runner says so with a RunTimeError.
+  virtual void savePicture(const Picture& picture, const std::filesystem::path& file);
 
   // Opens a calculator again with a job's inputs, in the windows a user
   // sees, as the desktop program does for a saved or previous job; the

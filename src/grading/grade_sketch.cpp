@@ -51,7 +51,7 @@ GradeSketch gradingSketch(const GradingInput& in, const GradingResult& r) {
   if (!r.parallel) {
     line({shoulder, pi}, Ink::Main, true);
     line({subgrade.back(), pi}, Ink::Accent, true);
-    s.picture.marks.push_back({drawn(pi), Ink::Main});
+    s.picture.marks.push_back(markAt(drawn(pi)));
     s.picture.texts.push_back({drawn(pi), "P.I. " + Format(std::fabs(r.grdOffset), "#0.000") + " / " + Format(r.grdElev, "#0.000"),
                                Ink::Main, Place::Below});
   }

@@ -36,7 +36,7 @@ Picture curveSketch(const CurveElements& e, const SketchLabels& labels) {
   };
   for (const Key& k : {Key{pc, "PC", labels.pc, Place::Below}, Key{pi, "PI", labels.pi, Place::Above},
                        Key{pt, "PT", labels.pt, Place::Below}}) {
-    p.marks.push_back({k.at, Ink::Main});
+    p.marks.push_back(markAt(k.at));
     p.texts.push_back({k.at, k.station.empty() ? std::string(k.name) : std::string(k.name) + " " + k.station, Ink::Main, k.place});
   }
   p.texts.push_back({{(pi.x + middle.x) / 2, (pi.y + middle.y) / 2}, "E", Ink::Quiet, Place::Right});

@@ -87,6 +87,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
   addInputFileButtons();
+  add("chkLengths", chkLengths);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
 }
@@ -203,36 +204,34 @@ void frmSecSub::btnClear_Click() {
   btnSaveDrawing.enabled = btnExport.enabled = false;
 }
 
-std::string frmSecSub::drawing() const {
-  if (!hasRun) return "";
+Picture frmSecSub::drawing() const {
   std::array<std::string, slot::count> labels;
   for (int s = 0; s < slot::count; ++s) labels[static_cast<std::size_t>(s)] = record.slots[static_cast<std::size_t>(s)].pointNumber;
-  SectionDrawing picture = sectionDrawing(record, computed, labels);
-  picture.coincidences = notices.coincidences;
-  return drawingSvg(picture,
-                    "Section " + CStr(record.section) + ", T" + CStr(record.township) + "N, R" +
-                        CStr(record.range < 0 ? -record.range : record.range) + record.direction);
+  if (!hasRun) {
+    Picture empty;
+    empty.hint = "The drawing of the section appears here after Continue.";
+    return empty;
+  }
+  return sectionDrawing({.record = record,
+                         .computed = computed,
+                         .labels = labels,
+                         .tips = {},
+                         .coincidences = notices.coincidences,
+                         .title = "Section " + CStr(record.section) + ", T" + CStr(record.township) + "N, R" +
+                                  CStr(record.range < 0 ? -record.range : record.range) + record.direction,
+                         .lengths = chkLengths.checked});
 }
 
 void frmSecSub::btnSaveDrawing_Click() {
   if (!hasRun) return;
   const auto chosen = shell().chooseFile(FileDialog::Save, "Save the Drawing",
                                          program().userAppData + "Section" + CStr(record.section) + ".svg",
-                                         {"SVG drawing (*.svg)", "PNG picture (*.png)"});
+                                         {"SVG drawing (*.svg)", "PNG picture (*.png)", "PDF document (*.pdf)"});
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
-  std::string extension = file.extension().string();
-  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  if (extension == ".png") {
-    if (!shell().renderPng(drawing(), file))
-      shell().msgBox("Save the Drawing", "A PNG drawing is made by the desktop program; save the drawing as SVG here.",
-                     Icon::Information);
-    return;
-  }
-  std::vector<std::string> lines;
-  std::istringstream svg(drawing());
-  for (std::string line; std::getline(svg, line);) lines.push_back(line);
-  program().writeOutputFile(file, lines);
+  const Picture picture = drawing();
+  const auto save = [&] { shell().savePicture(picture, file); };
+  exportFile(shell(), "Save the Drawing", file, {{".svg", save}, {".png", save}, {".pdf", save}});
 }
 
 std::vector<FormModel*> frmSecSub::inputForms() { return {&program().form("frmMain"), this}; }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/form_model.h"
+#include "app/picture.h"
 #include "secsub/notices.h"
 #include "secsub/section_record.h"
 #include "secsub/township_rules.h"
@@ -68,6 +69,7 @@ class frmSecSub : public FormModel {
   Button btnContinue{"Continue"};
   Button btnReturn{"Return"};
   Button btnClear{"Clear"};
+  CheckBox chkLengths{false, "Show Line Lengths"};       // each line's length along it in the drawing
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
   Button btnExport{"Export...", true, false};            // once there are corners to export
 
@@ -95,8 +97,8 @@ class frmSecSub : public FormModel {
   void btnExport_Click();
   void Main();
 
-  // The drawing of the last run as SVG; empty before a run and after Clear.
-  std::string drawing() const;
+  // The drawing of the last run; empty (with a hint) before a run and after Clear.
+  Picture drawing() const;
 
   // The run's procedures, in their order.
   bool checkHeld16ths();

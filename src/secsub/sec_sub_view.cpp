@@ -7,54 +7,20 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QSplitter>
-#include <QSvgRenderer>
 #include <QVBoxLayout>
 
 #include "app/qt/form_dialog.h"
+#include "app/qt/picture_view.h"
 #include "app/qt/qt_shell.h"
 #include "secsub/frm_sec_sub.h"
 
 namespace tervalo {
 namespace {
-
-// The drawing of the last run, scaled to the widget.
-class DrawingView : public QWidget {
- public:
-  explicit DrawingView(QWidget* parent) : QWidget(parent) {
-    setObjectName("drawing");
-    setMinimumSize(340, 340);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-  }
-  void show(const std::string& svg) {
-    if (svg == svg_) return;
-    svg_ = svg;
-    renderer_.load(QByteArray::fromStdString(svg));
-    update();
-  }
-
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter p(this);
-    p.fillRect(rect(), Qt::white);
-    if (svg_.empty()) {
-      p.setPen(Qt::gray);
-      p.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, "The drawing of the section appears here after Continue.");
-      return;
-    }
-    const int side = std::min(width(), height());
-    renderer_.render(&p, QRectF((width() - side) / 2.0, (height() - side) / 2.0, side, side));
-  }
-
- private:
-  std::string svg_;
-  QSvgRenderer renderer_;
-};
 
 // The corner each slot holds, for its frame's title.
 const char* const kSlotTitles[25] = {"NW Cor",  "N 1/16",   "N 1/4",  "N 1/16",   "NE Cor",  "W 1/16",   "C NW 1/4",
@@ -87,8 +53,10 @@ class SecSubView : public FormDialog {
     auto* side = new QVBoxLayout(sidePanel);
     side->setContentsMargins(0, 0, 0, 0);
     side->addWidget(noticeLabel("lblNotice", this));
-    drawing_ = new DrawingView(this);
+    drawing_ = picture("drawing");
+    drawing_->setMinimumSize(340, 340);
     side->addWidget(drawing_, 1);
+    side->addWidget(check("chkLengths", sidePanel));
     auto* files = new QHBoxLayout;
     files->addWidget(button("btnOpenInputs"));
     files->addWidget(button("btnSaveInputs"));
@@ -106,7 +74,7 @@ class SecSubView : public FormDialog {
     split->setStretchFactor(0, 5);
     split->setStretchFactor(1, 3);
     bind();
-    binder_->onRefresh = [this] { drawing_->show(static_cast<frmSecSub&>(model_).drawing()); };
+    binder_->onRefresh = [this] { drawing_->showPicture(static_cast<frmSecSub&>(model_).drawing()); };
     binder_->onRefresh();
 
     // As large as the content wants, within the screen: it scrolls, never clips.
@@ -186,8 +154,9 @@ class SecSubView : public FormDialog {
     auto* box = new QGroupBox(QString("%1  %2").arg(s).arg(kSlotTitles[s]), parent);
     box->setObjectName(QString("slot%1").arg(s));
     // Section and quarter corners stand out from the sixteenths and centers.
-    box->setStyleSheet(pls ? "QGroupBox { background: #e8eef8; font-weight: bold; }"
-                           : s == 12 ? "QGroupBox { background: #f4efe2; }" : "");
+    // (in the palette's own alternate ground, so a dark theme stays dark).
+    box->setStyleSheet(pls ? "QGroupBox { background: palette(alternate-base); font-weight: bold; }"
+                           : s == 12 ? "QGroupBox { background: palette(alternate-base); }" : "");
     auto* grid = new QGridLayout(box);
     grid->setContentsMargins(4, 4, 4, 4);
     grid->setSpacing(2);
@@ -235,7 +204,7 @@ class SecSubView : public FormDialog {
     return box;
   }
 
-  DrawingView* drawing_ = nullptr;
+  PictureView* drawing_ = nullptr;
   QSplitter* split = nullptr;
 };
 

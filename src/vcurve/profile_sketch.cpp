@@ -86,11 +86,11 @@ ProfileSketch profileSketch(const ProfileInput& in) {
   const bool sag = c.g1 < c.g2;
   for (const Key& k : {Key{"PVC", c.pvc, c.pvcElev, Place::Left}, Key{"PVI", c.pvi, c.pviElev, sag ? Place::Below : Place::Above},
                        Key{"PVT", c.pvt, c.pvtElev, Place::Right}}) {
-    s.picture.marks.push_back({at(k.x, k.elev), Ink::Main});
+    s.picture.marks.push_back(markAt(at(k.x, k.elev)));
     s.picture.texts.push_back({at(k.x, k.elev), label(k.name, k.x, k.elev), Ink::Main, k.place});
   }
   if (c.hasMin || c.hasMax) {
-    s.picture.marks.push_back({at(c.turningStation, c.turningElev), Ink::Accent});
+    s.picture.marks.push_back(markAt(at(c.turningStation, c.turningElev), Ink::Accent));
     s.picture.texts.push_back({at(c.turningStation, c.turningElev), label(c.hasMin ? "Low" : "High", c.turningStation, c.turningElev),
                                Ink::Accent, c.hasMin ? Place::Above : Place::Below});
   }

@@ -16,6 +16,7 @@
 #include "app/qt/views.h"
 #include "app/runner.h"
 #include "qt/scripted_shell.h"
+#include "app/qt/picture_view.h"
 #include "secsub/frm_sec_sub.h"
 #include "support/temp_dir.h"
 
@@ -105,9 +106,16 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
       type(d, "txtIncr", "2001", go);
       QTest::mouseClick(d.findChild<QPushButton*>("btnContinue"), Qt::LeftButton);
       QCOMPARE(d.findChild<QLineEdit*>("txt12xc")->text(), QString("514967.4257"));
-      const std::string svg = static_cast<frmSecSub&>(*program->madeForms().back()).drawing();
-      for (const char* mark : {"class=\"entered\"", "class=\"computed\""})
-        for (auto at = svg.find(mark); at != std::string::npos; at = svg.find(mark, at + 1)) ++markers;
+      auto* drawing = d.findChild<PictureView*>("drawing");
+      markers = static_cast<int>(drawing->picture().marks.size());
+      // Lengths on demand redraw the picture; Save Drawing writes it by the one painter, one PDF page.
+      const auto labels = drawing->picture().texts.size();
+      d.findChild<QCheckBox*>("chkLengths")->click();
+      QCOMPARE(drawing->picture().texts.size(), labels + drawing->picture().lines.size());  // one length per line
+      shell->chosenFiles.push_back((dir->path() / "s14.pdf").string());
+      QTest::mouseClick(d.findChild<QPushButton*>("btnSaveDrawing"), Qt::LeftButton);
+      const std::string pdf = TempDir::read(dir->path() / "s14.pdf");
+      QVERIFY(pdf.rfind("%PDF-", 0) == 0 && pdf.find("/Count 1") != std::string::npos);
       QVERIFY(d.findChild<QPushButton*>("btnSaveDrawing")->isEnabled());
       shell->chosenFiles.push_back((dir->path() / "s14.dxf").string());
       QTest::mouseClick(d.findChild<QPushButton*>("btnExport"), Qt::LeftButton);

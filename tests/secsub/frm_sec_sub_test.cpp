@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <tuple>
 
@@ -240,91 +241,45 @@ TEST_F(SectionForm, AZeroHalfMileEndsTheRunWithItsFaultAndWritesNothing) {
 namespace tervalo {
 namespace {
 
-TEST_F(SectionForm, TheDrawingFollowsTheRunAndIsSavedAsSvg) {
-  EXPECT_EQ(form.drawing(), "");
+TEST_F(SectionForm, TheDrawingFollowsTheRun) {
+  EXPECT_TRUE(form.drawing().empty());
   EXPECT_FALSE(form.btnSaveDrawing.enabled);
   location("14", "115", "22");
   corners({0, 20});  // the NW and SW corners missing
   regularChains();
   form.click("btnContinue");
-  const std::string svg = form.drawing();
-  auto count = [&svg](const std::string& what) {
-    int n = 0;
-    for (auto at = svg.find(what); at != std::string::npos; at = svg.find(what, at + 1)) ++n;
-    return n;
-  };
-  const int present = static_cast<int>(std::count_if(form.record.slots.begin(), form.record.slots.end(),
-                                                      [](const CornerSlot& c) { return c.x != 0; }));
-  EXPECT_EQ(count("class=\"entered\""), 6);
-  EXPECT_EQ(count("class=\"computed\""), present - 6);
+  Picture d = form.drawing();
+  const auto present = static_cast<std::size_t>(std::count_if(form.record.slots.begin(), form.record.slots.end(),
+                                                               [](const CornerSlot& c) { return c.x != 0; }));
+  const auto entered = std::count_if(d.marks.begin(), d.marks.end(), [](const PictureMark& m) { return m.filled; });
+  EXPECT_EQ(entered, 6);
+  EXPECT_EQ(d.marks.size(), present);
   // A line needs both ends: with the west corners missing, slots 1, 5, 6, 15, 16 and 21
   // are not computed either, which leaves 24 of the 42 lines (no bridges: 7 and 11 exist).
-  EXPECT_EQ(count("<line "), 24);
-  EXPECT_NE(svg.find(">1002<"), std::string::npos);
+  EXPECT_EQ(d.lines.size(), 24u);
+  EXPECT_EQ(std::count_if(d.lines.begin(), d.lines.end(), [](const PictureLine& l) { return l.heavy; }), 8);
+  EXPECT_EQ(d.texts.size(), present);
+  EXPECT_EQ(d.texts[0].text, "1002");
+  EXPECT_EQ(d.mapUnits, "ft");
+  EXPECT_EQ(d.caption.rfind("Section 14, T115N, R22W", 0), 0u);
 
-  shell.chosenFiles.push_back((dir.path() / "s14.svg").string());
-  form.click("btnSaveDrawing");
-  EXPECT_EQ(TempDir::read(dir.path() / "s14.svg").rfind("<svg ", 0), 0u);
+  // Lengths on demand, along their lines: the north line's east quarter mile, level.
+  form.setChecked("chkLengths", true);
+  d = form.drawing();
+  ASSERT_EQ(d.texts.size(), present + 24);
+  const PictureText& north = d.texts[present];
+  EXPECT_NEAR(std::stod(north.text), std::hypot(form.record.slots[3].x - form.record.slots[2].x,
+                                                form.record.slots[3].y - form.record.slots[2].y), 0.005);
+  EXPECT_NEAR(north.along, 0, 1);
+
+  // This shell draws nothing; it says so and nothing ends.
   shell.chosenFiles.push_back((dir.path() / "s14.png").string());
-  form.click("btnSaveDrawing");  // this shell cannot draw: it says so
+  form.click("btnSaveDrawing");
   EXPECT_EQ(shell.boxes.back().title, "Save the Drawing");
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "s14.png"));
 
   form.click("btnClear");
-  EXPECT_EQ(form.drawing(), "");
-}
-
-}  // namespace
-}  // namespace tervalo
-
-namespace tervalo {
-namespace {
-
-TEST_F(SectionForm, AnInteriorSectionIsRegularWithoutTouchingAChainField) {
-  location("14", "115", "22");
-  for (const ChainField& c : form.chains) {
-    EXPECT_EQ(c.text.text, "20") << c.name;
-    EXPECT_FALSE(c.text.visible || c.caption.visible) << c.name;
-  }
-  corners();
-  form.click("btnContinue");
-  EXPECT_EQ(titles(), (std::vector<std::string>{"Program Complete"}));
-  EXPECT_FALSE(form.lblNotice.visible);
-  // Every sixteenth corner is the midpoint of its half-mile: {slot, one end, other end}.
-  const std::tuple<int, int, int> halves[] = {{1, 0, 2},    {3, 2, 4},    {5, 0, 10},   {9, 4, 14},
-                                              {15, 10, 20}, {19, 14, 24}, {21, 20, 22}, {23, 22, 24},
-                                              {7, 2, 12},   {11, 10, 12}, {13, 12, 14}, {17, 12, 22}};
-  const auto& r = form.record.slots;
-  for (const auto& [s, a, b] : halves) {
-    const auto i = static_cast<std::size_t>(s), ia = static_cast<std::size_t>(a), ib = static_cast<std::size_t>(b);
-    EXPECT_NEAR(r[i].x, (r[ia].x + r[ib].x) / 2, 1e-6) << s;
-    EXPECT_NEAR(r[i].y, (r[ia].y + r[ib].y) / 2, 1e-6) << s;
-  }
-}
-
-TEST_F(SectionForm, ChainFieldsFollowTheSectionTheyBelongTo) {
-  auto shown = [this] {
-    std::string names;
-    for (const ChainField& c : form.chains) names += c.text.visible ? std::string(c.name) + "=" + c.text.text + " " : "";
-    return names;
-  };
-  location("6", "115", "22");  // needs N and S of the W line and N of the E line: left for the user
-  EXPECT_EQ(shown(), "NofW= SofW= NofE= ");
-  EXPECT_EQ(form.chain("EofS").text.text, "20");
-  form.typeText("txtNofWchain", "19.87");
-  form.typeText("txtSection", "14");  // needs none: the 20s hide, a typed value stays in sight
-  EXPECT_EQ(shown(), "NofW=19.87 ");
-  form.typeText("txtSection", "6");  // the 20s the program put there are taken back
-  EXPECT_EQ(shown(), "NofW=19.87 SofW= NofE= ");
-  form.typeText("txtSofWchain", "20");  // a 20 the user types is the user's own
-  form.typeText("txtSection", "14");
-  form.typeText("txtSection", "7");
-  EXPECT_EQ(form.chain("SofW").text.text, "20");
-  form.setChecked("chkDefaults", false);
-  EXPECT_EQ(std::count_if(form.chains.begin(), form.chains.end(), [](const ChainField& c) { return c.text.visible; }), 8);
-  form.click("btnClear");
-  EXPECT_EQ(shown(), "");
-  EXPECT_EQ(form.chain("EofS").text.text, "");
-  EXPECT_EQ(form.txtSection.text, "");
+  EXPECT_TRUE(form.drawing().empty());
 }
 
 TEST_F(SectionForm, AnEmptyRequiredChainWarnsAndTheNoticeNamesItsCorner) {
@@ -340,7 +295,11 @@ TEST_F(SectionForm, AnEmptyRequiredChainWarnsAndTheNoticeNamesItsCorner) {
                                         "(NE 13-115-23): \"S 1/4 mile on W line\" is empty."),
             std::string::npos)
       << form.lblNotice.caption;
-  EXPECT_NE(form.drawing().find("Coincident corners: 15 on 20"), std::string::npos);
+  const Picture d = form.drawing();
+  EXPECT_NE(d.caption.find("\nCoincident corners: 15 on 20"), std::string::npos);
+  // The two corners share one label naming both; a ring marks the pair.
+  EXPECT_EQ(std::count_if(d.texts.begin(), d.texts.end(), [&](const PictureText& t) { return t.text == form.record.slots[15].pointNumber + " = " + form.record.slots[20].pointNumber; }), 1);
+  EXPECT_EQ(std::count_if(d.marks.begin(), d.marks.end(), [](const PictureMark& m) { return m.radius > 6; }), 1);
   EXPECT_EQ(form.notices.coincidences.size(), 1u);
   form.click("btnClear");
   EXPECT_FALSE(form.lblNotice.visible);

@@ -41,7 +41,8 @@ QLabel* noticeLabel(const char* name, QWidget* parent) {
   l->setWordWrap(true);
   l->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   l->setFocusPolicy(Qt::StrongFocus);  // reachable by Tab, so a keyboard user reads and copies it too
-  l->setStyleSheet("QLabel { background: #fff3cd; color: #4d3400; border: 1px solid #d39e00; padding: 6px; }");
+  // The window's own ground and text, an amber frame: no tint of its own to fight a dark theme.
+  l->setStyleSheet("QLabel { border: 1px solid #d39e00; border-left: 6px solid #d39e00; padding: 6px; }");
   l->setVisible(false);
   return l;
 }
@@ -172,7 +173,6 @@ PictureView* FormDialog::picture(const char* name) {
   auto* view = new PictureView(this);
   view->setObjectName(name);
   view->setContextMenuPolicy(Qt::DefaultContextMenu);
-  view->setFocusPolicy(Qt::ClickFocus);
   view->save = [this](const Picture& shown) {
     const auto file = shell_.chooseFile(FileDialog::Save, "Save Picture As", "picture.svg",
                                         {kPictureFilters[0], kPictureFilters[1], kPictureFilters[2]});

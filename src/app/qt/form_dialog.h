@@ -84,9 +84,9 @@ QWidget* setReadingTabOrder(QWidget& root);
 // its frame's title where the caption alone is ambiguous ("0  NW Cor X").
 void nameInputsForScreenReaders(QWidget& root);
 
-// A notice the user must not miss but need not answer: wrapped text on an
-// amber ground, its own colours so that it reads alike in light and dark
-// themes. Named after its control; hidden while the model's label is.
+// A notice the user must not miss but need not answer: wrapped text in an
+// amber frame, in the window's own colours so that it reads alike in light
+// and dark themes. Named after its control; hidden while the model's label is.
 QLabel* noticeLabel(const char* name, QWidget* parent);
 
 }  // namespace tervalo

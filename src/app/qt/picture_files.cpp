@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSvgGenerator>
+#include <cctype>
 
 #include "app/output_file.h"
 #include "app/qt/picture_view.h"
@@ -28,7 +29,8 @@ constexpr int kWidth = 1500, kHeight = 1000;  // pixels of an SVG or PNG picture
 }  // namespace
 
 void writePictureFile(const Picture& picture, const std::filesystem::path& file, const QFont& font) {
-  const std::string ending = file.extension().string();
+  std::string ending = file.extension().string();
+  for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   std::function<bool(const std::filesystem::path&)> write;
   if (ending == ".svg") {
     write = [&](const std::filesystem::path& temp) {

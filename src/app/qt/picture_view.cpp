@@ -1,25 +1,120 @@
 #include "app/qt/picture_view.h"
 
 #include <QContextMenuEvent>
+#include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
+#include <QStyleOptionFocusRect>
+#include <QStylePainter>
+#include <QToolTip>
 #include <algorithm>
+#include <cmath>
 #include <limits>
+#include <optional>
 
 namespace tervalo {
 namespace {
+
+bool darkGround(const QPalette& palette) { return palette.color(QPalette::Base).lightness() < 128; }
 
 QColor inkColor(Ink ink, const QPalette& palette) {
   switch (ink) {
     case Ink::Accent: return palette.color(QPalette::Highlight);
     case Ink::Quiet: return palette.color(QPalette::PlaceholderText);
+    // Amber, lighter on a dark ground so that it reads on either.
+    case Ink::Alert: return darkGround(palette) ? QColor(0xff, 0xa0, 0x40) : QColor(0xc0, 0x4a, 0x00);
     case Ink::Main: break;
   }
   return palette.color(QPalette::Text);
 }
 
+std::vector<QString> captionLines(const Picture& picture) {
+  std::vector<QString> lines;
+  for (const QString& line : QString::fromStdString(picture.caption).split('\n'))
+    if (!line.isEmpty()) lines.push_back(line);
+  return lines;
+}
+
+// The label's box turned about its anchor, as much room as it takes.
+QRectF turnedBox(const QRectF& box, const QPointF& about, double degrees) {
+  QTransform turn;
+  turn.translate(about.x(), about.y());
+  turn.rotate(degrees);
+  turn.translate(-about.x(), -about.y());
+  return turn.mapRect(box);
+}
+
+// A north arrow in the top right corner; returns the room it takes.
+QRectF paintNorthArrow(QPainter& painter, const QRectF& area, const QFontMetricsF& metrics, const QColor& ink) {
+  const double h = metrics.height();
+  const QRectF room(area.right() - 2.2 * h, area.top() + 4, 2 * h, 3.2 * h);
+  const QPointF tip(room.center().x(), room.top() + h + 2);
+  QPainterPath arrow;
+  arrow.moveTo(tip);
+  arrow.lineTo(tip + QPointF(-0.5 * h, 1.8 * h));
+  arrow.lineTo(tip + QPointF(0, 1.3 * h));
+  arrow.closeSubpath();
+  painter.setPen(QPen(ink, 1));
+  painter.setBrush(ink);
+  painter.drawPath(arrow);
+  painter.setBrush(Qt::NoBrush);
+  QPainterPath other;
+  other.moveTo(tip);
+  other.lineTo(tip + QPointF(0.5 * h, 1.8 * h));
+  other.lineTo(tip + QPointF(0, 1.3 * h));
+  other.closeSubpath();
+  painter.drawPath(other);
+  painter.drawText(QRectF(room.left(), room.top(), room.width(), h), Qt::AlignCenter, "N");
+  return room;
+}
+
+// A scale bar of round length in the bottom left corner, above the caption,
+// its length written after it; returns the room it takes.
+QRectF paintScaleBar(QPainter& painter, const QRectF& area, double bottom, double scale, double mapWidth,
+                     const std::string& units, const QFontMetricsF& metrics, const QColor& ink) {
+  const double length = scaleBarLength(mapWidth), pixels = length * scale, h = metrics.height();
+  const QPointF start(area.left() + 12, bottom - h / 2 - 4);
+  painter.setPen(QPen(ink, 1.5));
+  painter.drawLine(start, start + QPointF(pixels, 0));
+  for (double at : {0.0, pixels / 2, pixels})
+    painter.drawLine(start + QPointF(at, -(at == pixels / 2 ? 3 : 5)), start + QPointF(at, at == pixels / 2 ? 0 : 5));
+  const QString text = QString::number(length, 'g', 12) + " " + QString::fromStdString(units);
+  const QRectF label(start.x() + pixels + 6, start.y() - h / 2, metrics.horizontalAdvance(text) + 2, h);
+  painter.drawText(label, Qt::AlignLeft | Qt::AlignVCenter, text);
+  return QRectF(start.x(), label.top(), label.right() - start.x(), h);
+}
+
 }  // namespace
+
+PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFont& font) {
+  const QFontMetricsF metrics(font);
+  double minX = std::numeric_limits<double>::max(), maxX = -minX, minY = minX, maxY = -minX;
+  auto take = [&](const PicturePoint& p) {
+    minX = std::min(minX, p.x), maxX = std::max(maxX, p.x), minY = std::min(minY, p.y), maxY = std::max(maxY, p.y);
+  };
+  for (const auto& l : picture.lines)
+    for (const auto& p : l.points) take(p);
+  for (const auto& m : picture.marks) take(m.at);
+  PictureFrame f;
+  if (picture.empty()) return f;
+  // Room for labels on every side and the caption (and scale bar) below;
+  // one scale for both axes.
+  const double side = metrics.height() * 1.5 + 8 + metrics.horizontalAdvance("PT 000+00.0000") / 2;
+  const double captionRoom = metrics.height() * (static_cast<double>(captionLines(picture).size()) + (picture.mapUnits.empty() ? 0 : 1.6));
+  const double top = metrics.height() * (picture.mapUnits.empty() ? 1.5 : 2.0) + 8;
+  const QRectF inner = area.adjusted(side, top, -side, -(metrics.height() * 1.5 + 8) - captionRoom);
+  const double span = std::max({maxX - minX, maxY - minY, 1e-9});
+  f.scale = std::max(1e-12, std::min(inner.width() / std::max(maxX - minX, span * 1e-3),
+                                     inner.height() / std::max(maxY - minY, span * 1e-3)));
+  f.minX = minX;
+  f.maxY = maxY;
+  f.width = maxX - minX;
+  f.offsetX = inner.left() + (inner.width() - (maxX - minX) * f.scale) / 2;
+  f.offsetY = inner.top() + (inner.height() - (maxY - minY) * f.scale) / 2;
+  return f;
+}
 
 void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font) {
   painter.save();
@@ -29,54 +124,80 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
   const QFontMetricsF metrics(font);
   if (picture.empty()) {
     painter.setPen(palette.color(QPalette::PlaceholderText));
-    painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, QString::fromStdString(picture.hint));
+    painter.drawText(area.adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap, QString::fromStdString(picture.hint));
     painter.restore();
     return;
   }
-  double minX = std::numeric_limits<double>::max(), maxX = -minX, minY = minX, maxY = -minX;
-  auto take = [&](const PicturePoint& p) {
-    minX = std::min(minX, p.x), maxX = std::max(maxX, p.x), minY = std::min(minY, p.y), maxY = std::max(maxY, p.y);
-  };
-  for (const auto& l : picture.lines)
-    for (const auto& p : l.points) take(p);
-  for (const auto& m : picture.marks) take(m.at);
-  // Room for labels on every side and the caption below; one scale for both axes.
-  const double margin = metrics.height() * 1.5 + 8;
-  const QRectF inner = area.adjusted(margin + metrics.horizontalAdvance("PT 000+00.0000") / 2, margin,
-                                     -margin - metrics.horizontalAdvance("PT 000+00.0000") / 2, -margin - metrics.height());
-  const double span = std::max({maxX - minX, maxY - minY, 1e-9});
-  const double scale = std::min(inner.width() / std::max(maxX - minX, span * 1e-3), inner.height() / std::max(maxY - minY, span * 1e-3));
-  const double offsetX = inner.left() + (inner.width() - (maxX - minX) * scale) / 2;
-  const double offsetY = inner.top() + (inner.height() - (maxY - minY) * scale) / 2;
-  auto at = [&](const PicturePoint& p) { return QPointF(offsetX + (p.x - minX) * scale, offsetY + (maxY - p.y) * scale); };
+  const PictureFrame frame = pictureFrame(picture, area, font);
 
   for (const auto& l : picture.lines) {
-    QPen pen(inkColor(l.ink, palette), l.ink == Ink::Accent ? 2.5 : 1.5);
+    QPen pen(inkColor(l.ink, palette), l.heavy ? 2.5 : l.ink == Ink::Accent ? 2 : 1.25);
     if (l.dashed) pen.setStyle(Qt::DashLine);
     painter.setPen(pen);
     QPainterPath path;
     for (std::size_t i = 0; i < l.points.size(); ++i)
-      i == 0 ? path.moveTo(at(l.points[i])) : path.lineTo(at(l.points[i]));
+      i == 0 ? path.moveTo(frame.at(l.points[i])) : path.lineTo(frame.at(l.points[i]));
     painter.drawPath(path);
   }
   for (const auto& m : picture.marks) {
-    painter.setPen(QPen(inkColor(m.ink, palette), 1.5));
-    painter.setBrush(palette.color(QPalette::Base));
-    painter.drawEllipse(at(m.at), 4, 4);
+    const QColor ink = inkColor(m.ink, palette);
+    painter.setPen(QPen(ink, 1.5));
+    painter.setBrush(m.filled ? ink : palette.color(QPalette::Base));
+    if (m.radius > 6) painter.setBrush(Qt::NoBrush);  // a ring round another mark
+    const QPointF p = frame.at(m.at);
+    if (m.shape == Shape::Square)
+      painter.drawRect(QRectF(p.x() - m.radius, p.y() - m.radius, 2 * m.radius, 2 * m.radius));
+    else
+      painter.drawEllipse(p, m.radius, m.radius);
+  }
+  std::vector<QRectF> taken;  // room already written on
+  const QColor mainInk = palette.color(QPalette::Text);
+  const auto caption = captionLines(picture);
+  const double captionTop = area.bottom() - 6 - metrics.height() * static_cast<double>(caption.size());
+  if (!picture.mapUnits.empty()) {
+    painter.save();
+    taken.push_back(paintNorthArrow(painter, area, metrics, mainInk));
+    taken.push_back(paintScaleBar(painter, area, captionTop, frame.scale, frame.width, picture.mapUnits, metrics, mainInk));
+    painter.restore();
   }
   // Labels never overprint: each takes its own place when that is free, else
   // the first free one of the others, moved further out step by step.
-  std::vector<QRectF> taken;
   for (const auto& t : picture.texts) {
     painter.setPen(inkColor(t.ink, palette));
     const QString text = QString::fromStdString(t.text);
-    const QPointF p = at(t.at);
+    const QPointF p = frame.at(t.at);
     const double width = metrics.horizontalAdvance(text), height = metrics.height();
+    if (t.along != 0) {
+      // Along its line and upright: turned no further than a quarter turn.
+      double degrees = -t.along;
+      while (degrees > 90) degrees -= 180;
+      while (degrees <= -90) degrees += 180;
+      std::optional<QRectF> free;
+      const double first = t.place == Place::Below ? 1 : -1;
+      for (double side : {first, -first}) {
+        const QRectF box(p.x() - width / 2, side < 0 ? p.y() - 3 - height : p.y() + 3, width, height);
+        const QRectF room = turnedBox(box, p, degrees);
+        if (area.contains(room) && std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(room); })) {
+          free = box;
+          taken.push_back(room);
+          break;
+        }
+      }
+      if (!free) continue;  // a length with no free room is left out rather than written over a name
+      painter.save();
+      painter.translate(p);
+      painter.rotate(degrees);
+      painter.translate(-p);
+      painter.drawText(*free, Qt::AlignCenter, text);
+      painter.restore();
+      continue;
+    }
     auto box = [&](Place place, double gap) {
       switch (place) {
         case Place::Above: return QRectF(p.x() - width / 2, p.y() - gap - height, width, height);
         case Place::Below: return QRectF(p.x() - width / 2, p.y() + gap, width, height);
         case Place::Left: return QRectF(p.x() - gap - width, p.y() - height / 2, width, height);
+        case Place::AboveRight: return QRectF(p.x() + gap * 0.7, p.y() - gap * 0.7 - height, width, height);
         case Place::Right: break;
       }
       return QRectF(p.x() + gap, p.y() - height / 2, width, height);
@@ -84,7 +205,7 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
     QRectF chosen = box(t.place, 6);
     bool found = false;
     for (double gap = 6; !found && gap < 6 + 6 * height; gap += height / 2)
-      for (Place place : {t.place, Place::Above, Place::Below, Place::Right}) {
+      for (Place place : {t.place, Place::AboveRight, Place::Above, Place::Below, Place::Right, Place::Left}) {
         const QRectF candidate = box(place, gap);
         if (area.contains(candidate) &&
             std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(candidate); })) {
@@ -97,17 +218,26 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
     chosen.moveLeft(std::clamp(chosen.left(), area.left(), std::max(area.left(), area.right() - chosen.width())));
     chosen.moveTop(std::clamp(chosen.top(), area.top(), std::max(area.top(), area.bottom() - chosen.height())));
     taken.push_back(chosen);
+    // On a ground of its own, so a line running under a label does not cross out its figures.
+    QColor ground = palette.color(QPalette::Base);
+    ground.setAlpha(210);
+    painter.fillRect(chosen.adjusted(-1, 0, 1, 0), ground);
     painter.drawText(chosen, Qt::AlignLeft | Qt::AlignVCenter, text);
   }
-  painter.setPen(palette.color(QPalette::Text));
-  painter.drawText(QRectF(area.left(), area.bottom() - metrics.height() - 6, area.width(), metrics.height() + 4),
-                   Qt::AlignCenter, QString::fromStdString(picture.caption));
+  painter.setPen(mainInk);
+  double y = captionTop;
+  for (const QString& line : caption) {
+    painter.drawText(QRectF(area.left(), y, area.width(), metrics.height()), Qt::AlignCenter, line);
+    y += metrics.height();
+  }
   painter.restore();
 }
 
 PictureView::PictureView(QWidget* parent) : QWidget(parent) {
   setMinimumSize(300, 300);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  // Reachable by Tab, so that the menu key or Shift+F10 opens its menu.
+  setFocusPolicy(Qt::StrongFocus);
 }
 
 void PictureView::showPicture(const Picture& picture) {
@@ -119,12 +249,45 @@ void PictureView::contextMenuEvent(QContextMenuEvent* event) {
   if (picture_.empty() || !save) return;
   QMenu menu(this);
   menu.addAction("&Save Picture As...", [this] { save(picture_); });
-  menu.exec(event->globalPos());
+  menu.exec(event->reason() == QContextMenuEvent::Mouse ? event->globalPos() : mapToGlobal(rect().center()));
+}
+
+void PictureView::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+    QContextMenuEvent menu(QContextMenuEvent::Keyboard, rect().center(), mapToGlobal(rect().center()));
+    contextMenuEvent(&menu);
+    return;
+  }
+  QWidget::keyPressEvent(event);
+}
+
+bool PictureView::event(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+  const auto* help = static_cast<QHelpEvent*>(event);
+  const PictureFrame frame = pictureFrame(picture_, rect(), font());
+  const PictureMark* nearest = nullptr;
+  double best = 10;  // pixels from the mark's centre that still count as on it
+  for (const auto& m : picture_.marks) {
+    const QPointF d = frame.at(m.at) - QPointF(help->pos());
+    const double distance = std::hypot(d.x(), d.y());
+    if (!m.tip.empty() && distance <= best) best = distance, nearest = &m;
+  }
+  if (nearest)
+    QToolTip::showText(help->globalPos(), QString::fromStdString(nearest->tip), this);
+  else
+    QToolTip::hideText();
+  return true;
 }
 
 void PictureView::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   paintPicture(painter, picture_, rect(), palette(), font());
+  if (hasFocus()) {
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    option.rect = rect().adjusted(2, 2, -2, -2);
+    style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+  }
 }
 
 }  // namespace tervalo

@@ -4,6 +4,7 @@
 // light one), with the labels in the window's own font.
 
 #include <QWidget>
+#include <QPointF>
 #include <functional>
 
 #include "app/picture.h"
@@ -11,6 +12,14 @@
 class QPainter;
 
 namespace tervalo {
+
+// Where a picture's world lands in a painted area: one scale for both axes,
+// centred, with room for the labels, caption and scale bar.
+struct PictureFrame {
+  double minX = 0, maxY = 0, width = 0, scale = 1, offsetX = 0, offsetY = 0;
+  QPointF at(const PicturePoint& p) const { return {offsetX + (p.x - minX) * scale, offsetY + (maxY - p.y) * scale}; }
+};
+PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFont& font);
 
 // Paints `picture` fitted into `area`.
 void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font);
@@ -28,6 +37,8 @@ class PictureView : public QWidget {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  bool event(QEvent* event) override;  // a mark's tip as its tooltip
 
  private:
   Picture picture_;

@@ -1,10 +1,9 @@
 #include "app/qt/qt_shell.h"
 
+#include "app/qt/picture_files.h"
+
 #include <QApplication>
 #include <QDesktopServices>
-#include <QImage>
-#include <QPainter>
-#include <QSvgRenderer>
 #include <QFileDialog>
 #include <QDir>
 #include <QFileInfo>
@@ -192,18 +191,8 @@ void QtShell::openInEditor(const std::vector<std::filesystem::path>& files) {
          Icon::Information, Buttons::Ok);
 }
 
-bool QtShell::renderPng(const std::string& svg, const std::filesystem::path& file) {
-  QSvgRenderer renderer(QByteArray::fromStdString(svg));
-  if (!renderer.isValid()) return false;
-  QImage image(renderer.defaultSize() * 2, QImage::Format_ARGB32);
-  image.fill(Qt::white);
-  QPainter painter(&image);
-  renderer.render(&painter);
-  painter.end();
-  // Written whole and with the same respect for the target as every output file.
-  writeFileWith(file, [&image](const std::filesystem::path& temp) { return image.save(q(temp.string()), "PNG"); });
-  fileWritten(std::filesystem::absolute(file));
-  return true;
+void QtShell::savePicture(const Picture& picture, const std::filesystem::path& file) {
+  writePictureFile(picture, file, QApplication::font());
 }
 
 Date QtShell::today() { return localToday(); }

@@ -35,7 +35,7 @@ class QtShell : public Shell {
                                         const std::vector<std::string>& filters) override;
   void openInEditor(const std::filesystem::path& file) override;
   void openInEditor(const std::vector<std::filesystem::path>& files) override;
-  bool renderPng(const std::string& svg, const std::filesystem::path& file) override;
+  void savePicture(const Picture& picture, const std::filesystem::path& file) override;
   Date today() override;
 
   // Reopens the recovery job's calculator with its inputs, in the windows a

@@ -1,5 +1,6 @@
 #include "app/qt/render.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QPixmap>
@@ -17,6 +18,7 @@
 #include "proportion/frm_prop.h"
 #include "vcurve/frm_vert_curve.h"
 #include "secsub/frm_sec_sub.h"
+#include "text/errors.h"
 
 namespace tervalo {
 namespace {
@@ -86,6 +88,32 @@ void fillExamples(Program& program) {
   proportion.click("btnCalc");
 }
 
+// A dark theme as a desktop's dark colour scheme gives one.
+QPalette darkPalette() {
+  QPalette p;
+  const QColor window(0x2d, 0x2d, 0x30), base(0x1e, 0x1e, 0x1e), text(0xe8, 0xe8, 0xe8);
+  p.setColor(QPalette::Window, window);
+  p.setColor(QPalette::WindowText, text);
+  p.setColor(QPalette::Base, base);
+  p.setColor(QPalette::AlternateBase, QColor(0x35, 0x35, 0x3a));
+  p.setColor(QPalette::Text, text);
+  p.setColor(QPalette::Button, window);
+  p.setColor(QPalette::ButtonText, text);
+  p.setColor(QPalette::Highlight, QColor(0x3d, 0x8e, 0xe0));
+  p.setColor(QPalette::HighlightedText, Qt::white);
+  p.setColor(QPalette::PlaceholderText, QColor(0x9a, 0x9a, 0x9a));
+  p.setColor(QPalette::ToolTipBase, window);
+  p.setColor(QPalette::ToolTipText, text);
+  p.setColor(QPalette::Light, QColor(0x50, 0x50, 0x55));
+  p.setColor(QPalette::Midlight, QColor(0x40, 0x40, 0x44));
+  p.setColor(QPalette::Mid, QColor(0x25, 0x25, 0x28));
+  p.setColor(QPalette::Dark, QColor(0x18, 0x18, 0x1a));
+  p.setColor(QPalette::Disabled, QPalette::Text, QColor(0x80, 0x80, 0x80));
+  p.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x80, 0x80, 0x80));
+  p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x80));
+  return p;
+}
+
 // The example section typed into its form, as the example job does.
 void typeExampleSection(Program& program, const char* section = "14") {
   // Read as Continue in the main window reads it, without showing the form modally.
@@ -131,7 +159,12 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     form.click("btnContinue");
     failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-after-run", laptop) ? 0 : 1;
     const QString drawing = QDir(dir).filePath("section-drawing.png");
-    const bool drawn = shell.renderPng(form.drawing(), drawing.toStdString());
+    bool drawn = true;
+    try {
+      shell.savePicture(form.drawing(), drawing.toStdString());
+    } catch (const RunTimeError&) {
+      drawn = false;
+    }
     std::cout << (drawn ? "rendered " : "could not render ") << drawing.toStdString() << "\n";
     failures += drawn ? 0 : 1;
     // Section 7 with its "S 1/4 mile on W line" left empty: the notice and the ringed corner.
@@ -140,6 +173,14 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     form.typeText("txtNofWchain", "20");
     form.click("btnContinue");
     failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-notice", laptop) ? 0 : 1;
+    // The same in a dark theme, with the line lengths shown: nothing keeps a light tint of its own.
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(darkPalette());
+    form.setChecked("chkLengths", true);
+    failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-dark", laptop) ? 0 : 1;
+    failures += saveView(program, shell, main, dir, "frmVCResults", "frmVCResults-dark") ? 0 : 1;
+    QApplication::setPalette(light);
+    form.setChecked("chkLengths", false);
     // Every chain field shown: the form's widest content, still within the laptop screen.
     form.setChecked("chkDefaults", false);
     failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-all-chains", laptop) ? 0 : 1;
