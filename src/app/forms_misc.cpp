@@ -104,6 +104,7 @@ frmOutput::frmOutput(Program& program, std::string name, std::string windowCapti
   add("txtOut", txtOut);
   add("btnOut", btnOut).click([this] { btnOut_Click(); });
   add("btnOutput", btnOutput).click([this] { btnOutput_Click(); });
+  add("btnPrint", btnPrint).click([this] { shell().print({caption, lstOutput.items, std::nullopt}); });
   add("btnReturn", btnReturn).click([this] { unload(); });
 }
 

@@ -98,6 +98,7 @@ class frmOutput : public FormModel {
   TextBox txtOut;
   Button btnOut{"Browse"};
   Button btnOutput{"Save"};
+  Button btnPrint{"Print..."};  // the lines as they would be saved, on paper or in a PDF
   Button btnReturn{"Return"};
 
   void btnOut_Click();

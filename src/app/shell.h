@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/picture.h"
+#include "app/print_job.h"
 #include "text/date.h"
 
 namespace tervalo {
@@ -56,6 +57,10 @@ class Shell {
   // whole. Pictures are painted by the desktop program; the headless
   // runner says so with a RunTimeError.
   virtual void savePicture(const Picture& picture, const std::filesystem::path& file);
+
+  // Prints a text (and its picture) as it stands, through the print dialog,
+  // which also offers a PDF file; the headless runner says it cannot.
+  virtual void print(const PrintJob& job);
 
   // Opens a calculator again with a job's inputs, in the windows a user
   // sees, as the desktop program does for a saved or previous job; the

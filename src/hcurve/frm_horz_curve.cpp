@@ -55,6 +55,7 @@ frmHorzCurve::frmHorzCurve(Program& program) : FormModel(program, "frmHorzCurve"
   add("txtOut", txtOut);
   add("btnOut", btnOut).click([this] { browseForOutput(txtOut); });
   add("btnOutput", btnOutput).click([this] { createHoutFile(); });
+  add("btnPrint", btnPrint).click([this] { shell().print({"Horizontal Curve", houtLines(), sketch()}); });
 }
 
 void frmHorzCurve::Main() {
@@ -151,8 +152,13 @@ void frmHorzCurve::fillResults() {
 
 void frmHorzCurve::createHoutFile() {
   program().outputFileName = txtOut.text;
+  program().writeOutputFile(txtOut.text, houtLines());
+  shell().openInEditor(txtOut.text);
+}
+
+std::vector<std::string> frmHorzCurve::houtLines() const {
   auto line = [](const char* title, const Label& value) { return std::string(title) + rightJustify(value.caption, 12); };
-  const std::vector<std::string> lines{"      HORIZONTAL CURVE",
+  return {"      HORIZONTAL CURVE",
                                        "   Del:   " + lblDel.caption,
                                        "   Deg:   " + lblDeg.caption + "  " + lblDef.caption,
                                        line("   Tan:  ", lblTan),
@@ -166,8 +172,6 @@ void frmHorzCurve::createHoutFile() {
                                        line("    PT:  ", lblPT),
                                        "===============================",
                                        ""};
-  program().writeOutputFile(txtOut.text, lines);
-  shell().openInEditor(txtOut.text);
 }
 
 Picture frmHorzCurve::sketch() const {

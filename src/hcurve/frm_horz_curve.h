@@ -52,9 +52,12 @@ class frmHorzCurve : public FormModel {
   TextBox txtOut;
   Button btnOut{"Browse"};
   Button btnOutput{"Save"};
+  Button btnPrint{"Print..."};  // the file's lines, on paper or in a PDF
 
   // The program's procedures, in the order Main runs them.
   void Main();
+  // The lines Save writes, from the results shown.
+  std::vector<std::string> houtLines() const;
   bool tooManyOrFew();
   void verifyData();
   bool readInput();

@@ -90,6 +90,9 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("chkLengths", chkLengths);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
+  add("btnPrint", btnPrint).click([this] {
+    if (hasRun) shell().print({"Section Subdivision Report", report, drawing()});
+  });
 }
 
 ChainField& frmSecSub::chain(const std::string& name) {
@@ -201,7 +204,8 @@ void frmSecSub::btnClear_Click() {
   notices = {};
   showNotices({});
   hasRun = false;
-  btnSaveDrawing.enabled = btnExport.enabled = false;
+  btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = false;
+  report.clear();
 }
 
 Picture frmSecSub::drawing() const {
@@ -418,7 +422,7 @@ void frmSecSub::Main() {
   input.dataFile = program().inputFileName.empty() ? "" : std::filesystem::absolute(program().inputFileName).string();
   input.today = shell().today();
   input.chains = record.chains;
-  std::vector<std::string> report = printReportHeader(record, input);
+  std::vector<std::string> lines = printReportHeader(record, input);
 
   computed = {};
   const CornerPresence& p = record.present;
@@ -436,14 +440,15 @@ void frmSecSub::Main() {
 
   const std::vector<std::string> geopak = printPoints(record, naming);
   for (auto& page : {printReport(record, naming, computed), print3rdPage(record, input)})
-    report.insert(report.end(), page.begin(), page.end());
+    lines.insert(lines.end(), page.begin(), page.end());
 
   auto& main = program().form<frmMain>("frmMain");
   const auto geopakFile = outputPath(main.txtOutInp, program().userAppData, kGeopakFileName);
   const auto reportFile = outputPath(main.txtReport, program().userAppData, kReportFileName);
-  program().writeOutputFiles({{geopakFile, geopak}, {reportFile, report}});
+  program().writeOutputFiles({{geopakFile, geopak}, {reportFile, lines}});
+  report = lines;
   hasRun = true;
-  btnSaveDrawing.enabled = btnExport.enabled = true;
+  btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = true;
   runNaming = naming;
   notices = coincidenceNotices(record, computed);
   for (int s : unnamed)

@@ -72,8 +72,10 @@ class frmSecSub : public FormModel {
   CheckBox chkLengths{false, "Show Line Lengths"};       // each line's length along it in the drawing
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
   Button btnExport{"Export...", true, false};            // once there are corners to export
+  Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page
 
   SectionRecord record;   // lives as long as the form
+  std::vector<std::string> report;  // the last run's report, as written
   bool pointFound = false;  // whether the last point-number lookup matched
   // After a run: which slots the run computed (the rest were held).
   std::array<bool, slot::count> computed{};

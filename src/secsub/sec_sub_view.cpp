@@ -62,6 +62,7 @@ class SecSubView : public FormDialog {
     files->addWidget(button("btnSaveInputs"));
     files->addWidget(button("btnSaveDrawing"));
     files->addWidget(button("btnExport"));
+    files->addWidget(button("btnPrint"));
     side->addLayout(files);
     auto* buttons = new QHBoxLayout;
     QPushButton* go = button("btnContinue");

@@ -92,6 +92,10 @@ TEST(OutputPreview, SaveWritesTheListAndOpensIt) {
   form.txtOut.text = (dir.path() / "out.txt").string();
   form.click("btnOutput");
   EXPECT_EQ(TempDir::read(dir.path() / "out.txt"), "  A  \r\n\r\n");
+  form.click("btnPrint");
+  ASSERT_EQ(shell.printed.size(), 1u);
+  EXPECT_EQ(shell.printed[0].lines, form.lstOutput.items);
+  EXPECT_FALSE(shell.printed[0].picture);
   EXPECT_EQ(program.outputFileName, form.txtOut.text);
   ASSERT_EQ(shell.editorFiles.size(), 1u);
   shell.chosenFiles.push_back("/x/chosen.txt");

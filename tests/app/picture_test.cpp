@@ -1,4 +1,5 @@
 #include "app/picture.h"
+#include "app/print_job.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +15,22 @@ TEST(Picture, RoundScaleBarsAndExaggerations) {
   for (const auto& [run, rise, factor] : {std::tuple{400.0, 4.0, 50.0}, {400.0, 160.0, 1.0}, {400.0, 80.0, 2.0},
                                           {100.0, 10.0, 5.0}, {1000.0, 0.0, 5e8}})
     EXPECT_DOUBLE_EQ(verticalExaggeration(run, rise), factor) << run << " " << rise;
+}
+
+// Pages break at form feeds (alone or inside a line) and when full; no
+// empty page is made, except for an empty text.
+TEST(PrintJob, PagesBreakAtFormFeedsAndWhenFull) {
+  using Pages = std::vector<std::vector<std::string>>;
+  const std::tuple<std::vector<std::string>, int, Pages> cases[] = {
+      {{}, 60, {{}}},
+      {{"a", "\f", "b", "\f"}, 60, {{"a"}, {"b"}}},
+      {{"\f", "a", "\f", "\f", "b"}, 60, {{"a"}, {"b"}}},
+      {{"a\fb", "c"}, 60, {{"a"}, {"b", "c"}}},
+      {{"a", "b", "c", "", "d"}, 2, {{"a", "b"}, {"c", ""}, {"d"}}},
+      {{"a", "b", "\f", "c"}, 2, {{"a", "b"}, {"c"}}},
+  };
+  for (const auto& [lines, perPage, pages] : cases) EXPECT_EQ(textPages(lines, perPage), pages) << lines.size();
+  EXPECT_EQ(widestLine({"abc", "\u00B0\u00B0\u00B0\u00B0", ""}), 4);
 }
 
 }  // namespace

@@ -137,6 +137,12 @@ TEST_F(CurveForm, SavingBeforeCalculateWritesTheCaptionsAsTheyStand) {
   EXPECT_EQ(file.substr(0, 48), "      HORIZONTAL CURVE\r\n   Del:   \r\n   Deg:     ");
   EXPECT_NE(file.find("   Tan:              \r\n"), std::string::npos);
   EXPECT_EQ(shell.editorFiles.size(), 1u);
+  // Print prints what Save writes, line for line.
+  form.click("btnPrint");
+  ASSERT_EQ(shell.printed.size(), 1u);
+  std::string printed;
+  for (const std::string& line : shell.printed[0].lines) printed += line + "\r\n";
+  EXPECT_EQ(printed, file);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <string>
 
 #include "app/program.h"
+#include "app/qt/printing.h"
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
 #include "support/recording_shell.h"
@@ -31,6 +32,7 @@ class ScriptedShell : public QtShell, public BoxScript {
   std::optional<int> endedWith;
   // Acts in a modal window while it is open; the window closes after.
   std::function<void(QDialog&)> inDialog;
+  std::vector<PrintJob> printed;
 
   Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
     return record(title, text, icon, buttons);
@@ -48,6 +50,13 @@ class ScriptedShell : public QtShell, public BoxScript {
     dialog.show();
     if (inDialog) inDialog(dialog);
     dialog.hide();
+  }
+  // The print dialog answered with the next chosen file as its PDF, or cancelled.
+  std::optional<std::filesystem::path> runPrintDialog(const PrintJob& job) override {
+    printed.push_back(job);
+    const auto file = chooseFile(FileDialog::Save, "Print", "", {});
+    if (file) writePrintPdf(job, *file);
+    return file;
   }
   bool startEditor(const std::vector<std::filesystem::path>& files) override {
     editorFiles.insert(editorFiles.end(), files.begin(), files.end());

@@ -116,6 +116,13 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
       QTest::mouseClick(d.findChild<QPushButton*>("btnSaveDrawing"), Qt::LeftButton);
       const std::string pdf = TempDir::read(dir->path() / "s14.pdf");
       QVERIFY(pdf.rfind("%PDF-", 0) == 0 && pdf.find("/Count 1") != std::string::npos);
+      // Print Report into a PDF: a page per form feed of the report, then the drawing's page.
+      shell->chosenFiles.push_back((dir->path() / "report.pdf").string());
+      QTest::mouseClick(d.findChild<QPushButton*>("btnPrint"), Qt::LeftButton);
+      const auto& report = shell->printed.back().lines;
+      const auto feeds = std::count(report.begin(), report.end(), "\f");
+      const std::string printed = TempDir::read(dir->path() / "report.pdf");
+      QVERIFY2(printed.find("/Count " + std::to_string(feeds + 1)) != std::string::npos, printed.substr(0, 400).c_str());
       QVERIFY(d.findChild<QPushButton*>("btnSaveDrawing")->isEnabled());
       shell->chosenFiles.push_back((dir->path() / "s14.dxf").string());
       QTest::mouseClick(d.findChild<QPushButton*>("btnExport"), Qt::LeftButton);

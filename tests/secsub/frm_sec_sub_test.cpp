@@ -272,6 +272,15 @@ TEST_F(SectionForm, TheDrawingFollowsTheRun) {
                                                 form.record.slots[3].y - form.record.slots[2].y), 0.005);
   EXPECT_NEAR(north.along, 0, 1);
 
+  // Print Report: the report as written, then the drawing.
+  form.click("btnPrint");
+  ASSERT_EQ(shell.printed.size(), 1u);
+  std::string report;
+  for (const std::string& line : shell.printed[0].lines) report += line + "\r\n";
+  EXPECT_EQ(report, TempDir::read(dir.path() / "SecSub.rpt"));
+  ASSERT_TRUE(shell.printed[0].picture);
+  EXPECT_EQ(shell.printed[0].picture->marks.size(), present);
+
   // This shell draws nothing; it says so and nothing ends.
   shell.chosenFiles.push_back((dir.path() / "s14.png").string());
   form.click("btnSaveDrawing");
@@ -280,6 +289,7 @@ TEST_F(SectionForm, TheDrawingFollowsTheRun) {
 
   form.click("btnClear");
   EXPECT_TRUE(form.drawing().empty());
+  EXPECT_FALSE(form.btnPrint.enabled);
 }
 
 TEST_F(SectionForm, AnEmptyRequiredChainWarnsAndTheNoticeNamesItsCorner) {

@@ -63,6 +63,8 @@ class RecordingShell : public Shell, public BoxScript {
   }
   void openInEditor(const std::filesystem::path& file) override { editorFiles.push_back(file); }
   void fileWritten(const std::filesystem::path& file) override { writtenFiles.push_back(file); }
+  void print(const PrintJob& job) override { printed.push_back(job); }
+  std::vector<PrintJob> printed;
   Date today() override { return date; }
 };
 

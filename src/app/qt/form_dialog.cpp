@@ -212,6 +212,7 @@ QHBoxLayout* FormDialog::outputNameRow() {
   auto* row = new QHBoxLayout;
   QLabel* caption = label("lblOut");
   QLineEdit* name = edit("txtOut");
+  name->setMinimumWidth(280);  // room to read the folder as well as the name
   caption->setBuddy(name);
   row->addWidget(caption);
   row->addWidget(name, 1);
@@ -222,6 +223,7 @@ QHBoxLayout* FormDialog::outputNameRow() {
 QLayout* FormDialog::outputFileRow(bool withReturn) {
   QHBoxLayout* row = outputNameRow();
   row->addWidget(button("btnOutput"));
+  if (model_.find("btnPrint")) row->addWidget(button("btnPrint"));
   if (withReturn) row->addWidget(button("btnReturn"));
   return row;
 }

@@ -28,6 +28,17 @@ constexpr int kWidth = 1500, kHeight = 1000;  // pixels of an SVG or PNG picture
 
 }  // namespace
 
+void paintOnPaper(QPainter& painter, const Picture& picture, const QRectF& area, double points) {
+  // Painted in units of a 96-dot inch, so that strokes keep their weight on a fine-grained page.
+  const double k = painter.device()->logicalDpiX() / 96.0;
+  QFont font;
+  font.setPixelSize(static_cast<int>(points * 96 / 72 + 0.5));
+  painter.save();
+  painter.scale(k, k);
+  paintPicture(painter, picture, QRectF(area.topLeft() / k, area.size() / k), paperPalette(), font);
+  painter.restore();
+}
+
 void writePictureFile(const Picture& picture, const std::filesystem::path& file, const QFont& font) {
   std::string ending = file.extension().string();
   for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -58,7 +69,7 @@ void writePictureFile(const Picture& picture, const std::filesystem::path& file,
       pdf.setPageOrientation(QPageLayout::Landscape);
       pdf.setTitle(QString::fromStdString(picture.caption));
       QPainter painter(&pdf);
-      paintPicture(painter, picture, QRectF(painter.viewport()), paperPalette(), font);
+      paintOnPaper(painter, picture, QRectF(painter.viewport()), font.pointSizeF() > 0 ? font.pointSizeF() : 9);
       return painter.end();
     };
   } else {

@@ -4,6 +4,7 @@
 // a document, whatever the window's theme).
 
 #include <QFont>
+#include <QPainter>
 #include <filesystem>
 
 #include "app/picture.h"
@@ -12,6 +13,11 @@ namespace tervalo {
 
 // The picture's file kinds, as the save dialog lists them.
 inline const char* const kPictureFilters[] = {"SVG drawing (*.svg)", "PNG image (*.png)", "PDF document (*.pdf)"};
+
+// Paints `picture` into `area` of a page (device pixels) black on white,
+// its lines and labels sized for paper whatever the device's resolution:
+// labels of `points` points.
+void paintOnPaper(QPainter& painter, const Picture& picture, const QRectF& area, double points = 9);
 
 // Writes `picture` to `file` (whole, like every output file); the ending
 // chooses the kind and an unknown one is a RunTimeError saying which exist.

@@ -88,8 +88,8 @@ QRectF paintScaleBar(QPainter& painter, const QRectF& area, double bottom, doubl
 
 }  // namespace
 
-PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFont& font) {
-  const QFontMetricsF metrics(font);
+PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFont& font, const QPaintDevice* device) {
+  const QFontMetricsF metrics(font, device);
   double minX = std::numeric_limits<double>::max(), maxX = -minX, minY = minX, maxY = -minX;
   auto take = [&](const PicturePoint& p) {
     minX = std::min(minX, p.x), maxX = std::max(maxX, p.x), minY = std::min(minY, p.y), maxY = std::max(maxY, p.y);
@@ -101,7 +101,8 @@ PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFon
   if (picture.empty()) return f;
   // Room for labels on every side and the caption (and scale bar) below;
   // one scale for both axes.
-  const double side = metrics.height() * 1.5 + 8 + metrics.horizontalAdvance("PT 000+00.0000") / 2;
+  // (labels are kept inside the picture anyway, so a narrow one spends less on them)
+  const double side = metrics.height() * 1.5 + 8 + std::min(metrics.horizontalAdvance("PT 000+00.0000") / 2, area.width() * 0.06);
   const double captionRoom = metrics.height() * (static_cast<double>(captionLines(picture).size()) + (picture.mapUnits.empty() ? 0 : 1.6));
   const double top = metrics.height() * (picture.mapUnits.empty() ? 1.5 : 2.0) + 8;
   const QRectF inner = area.adjusted(side, top, -side, -(metrics.height() * 1.5 + 8) - captionRoom);
@@ -121,14 +122,15 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
   painter.setRenderHint(QPainter::Antialiasing);
   painter.fillRect(area, palette.color(QPalette::Base));
   painter.setFont(font);
-  const QFontMetricsF metrics(font);
+  // Measured on the device painted: a PDF page has many more dots to the inch than a screen.
+  const QFontMetricsF metrics(font, painter.device());
   if (picture.empty()) {
     painter.setPen(palette.color(QPalette::PlaceholderText));
     painter.drawText(area.adjusted(12, 12, -12, -12), Qt::AlignCenter | Qt::TextWordWrap, QString::fromStdString(picture.hint));
     painter.restore();
     return;
   }
-  const PictureFrame frame = pictureFrame(picture, area, font);
+  const PictureFrame frame = pictureFrame(picture, area, font, painter.device());
 
   for (const auto& l : picture.lines) {
     QPen pen(inkColor(l.ink, palette), l.heavy ? 2.5 : l.ink == Ink::Accent ? 2 : 1.25);
@@ -264,7 +266,7 @@ void PictureView::keyPressEvent(QKeyEvent* event) {
 bool PictureView::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip) return QWidget::event(event);
   const auto* help = static_cast<QHelpEvent*>(event);
-  const PictureFrame frame = pictureFrame(picture_, rect(), font());
+  const PictureFrame frame = pictureFrame(picture_, rect(), font(), this);
   const PictureMark* nearest = nullptr;
   double best = 10;  // pixels from the mark's centre that still count as on it
   for (const auto& m : picture_.marks) {

@@ -19,7 +19,7 @@ struct PictureFrame {
   double minX = 0, maxY = 0, width = 0, scale = 1, offsetX = 0, offsetY = 0;
   QPointF at(const PicturePoint& p) const { return {offsetX + (p.x - minX) * scale, offsetY + (maxY - p.y) * scale}; }
 };
-PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFont& font);
+PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFont& font, const QPaintDevice* device = nullptr);
 
 // Paints `picture` fitted into `area`.
 void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font);

@@ -1,6 +1,7 @@
 #include "app/qt/qt_shell.h"
 
 #include "app/qt/picture_files.h"
+#include "app/qt/printing.h"
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -193,6 +194,18 @@ void QtShell::openInEditor(const std::vector<std::filesystem::path>& files) {
 
 void QtShell::savePicture(const Picture& picture, const std::filesystem::path& file) {
   writePictureFile(picture, file, QApplication::font());
+}
+
+std::optional<std::filesystem::path> QtShell::runPrintDialog(const PrintJob& job) {
+  return printWithDialog(job, QApplication::activeWindow());
+}
+
+void QtShell::print(const PrintJob& job) {
+  try {
+    if (const auto file = runPrintDialog(job)) fileWritten(std::filesystem::absolute(*file));
+  } catch (const RunTimeError& e) {
+    msgBox("Print", e.what(), Icon::Critical, Buttons::Ok);
+  }
 }
 
 Date QtShell::today() { return localToday(); }

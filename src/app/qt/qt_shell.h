@@ -36,6 +36,8 @@ class QtShell : public Shell {
   void openInEditor(const std::filesystem::path& file) override;
   void openInEditor(const std::vector<std::filesystem::path>& files) override;
   void savePicture(const Picture& picture, const std::filesystem::path& file) override;
+  // The print dialog; a fault of the chosen file is said in a box.
+  void print(const PrintJob& job) override;
   Date today() override;
 
   // Reopens the recovery job's calculator with its inputs, in the windows a
@@ -61,6 +63,8 @@ class QtShell : public Shell {
  protected:
   // Shows a window modally; returns when it has closed.
   virtual void runDialog(QDialog& dialog) { dialog.exec(); }
+  // Shows the print dialog and prints; the file written, if it went to one.
+  virtual std::optional<std::filesystem::path> runPrintDialog(const PrintJob& job);
   // Starts the editor on the files in one call where it can; false when it cannot.
   virtual bool startEditor(const std::vector<std::filesystem::path>& files);
   QWidget* activeWindow() const;
