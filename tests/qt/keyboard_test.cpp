@@ -19,6 +19,7 @@
 
 #include "app/frm_main.h"
 #include "app/program.h"
+#include "app/qt/picture_view.h"
 #include "app/qt/binder.h"
 #include "app/qt/views.h"
 #include "qt/scripted_shell.h"
@@ -73,7 +74,7 @@ void checkTabOrder(QWidget& root, const QString& window) {
   for (QWidget* w : root.findChildren<QWidget*>()) {
     if (w->objectName().isEmpty() || !w->isVisible() || !w->isEnabled()) continue;
     const bool input = qobject_cast<QLineEdit*>(w) || qobject_cast<QComboBox*>(w) || qobject_cast<QListWidget*>(w) ||
-                       qobject_cast<QAbstractButton*>(w);
+                       qobject_cast<QAbstractButton*>(w) || dynamic_cast<PictureView*>(w);  // a picture, for its menu
     if (!input || !(w->focusPolicy() & Qt::TabFocus)) continue;
     if (auto* r = qobject_cast<QRadioButton*>(w)) QVERIFY2(r->isChecked(), qPrintable(window + ": unchosen option " + r->objectName() + " is a tab stop"));
     expected.insert(w);
