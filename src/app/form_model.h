@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include <nlohmann/json_fwd.hpp>
+
 #include "app/controls.h"
 #include "app/job.h"
 
@@ -62,6 +64,10 @@ class FormModel {
 
   // Each time the window opens, before it is shown.
   virtual void opened() {}
+
+  // What the runner's result carries of this window beyond its controls
+  // (the section's "explain"); nothing by default.
+  virtual void addToResult(nlohmann::ordered_json& result) const { (void)result; }
 
   // The control the window should put the cursor in after this event
   // (scrolled into sight), "" for none; the view takes it and clears it.

@@ -162,6 +162,7 @@ RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry&
   outcome.result = Json{{"messages", std::move(shell.messages)}, {"ended", ended},       {"forms", std::move(forms)},
                         {"files", std::move(shell.files)},       {"opened", std::move(shell.opened)},
                         {"skipped", std::move(shell.skipped)}};
+  for (const FormModel* form : program.madeForms()) form->addToResult(outcome.result);
   outcome.exitCode = ended ? 3 : 0;
   return outcome;
 }

@@ -63,18 +63,36 @@ PlanePoint proportion(PlanePoint near, PlanePoint far, double chains) {
           near.y + divide((far.y - near.y) * 20.0, chains, "a record half-mile of 0 chains")};
 }
 
-void computeQtrs(SectionRecord& r, const HalfMiles& h, const std::function<void(int)>& written) {
+CornerRule sectionCenterRule() {
+  CornerRule rule;
+  rule.kind = CornerRule::Kind::Intersection;
+  rule.ends = {slot::N4, slot::S4, slot::W4, slot::E4};
+  return rule;
+}
+
+void computeQtrs(SectionRecord& r, const HalfMiles& h, const std::function<void(int, const CornerRule&)>& written) {
   auto& slots = r.slots;
   const CornerPresence& p = r.present;
   auto blank = [&](int s) { return slots[static_cast<std::size_t>(s)].blank(); };
-  auto set = [&](int s, PlanePoint v) {
+  auto set = [&](int s, PlanePoint v, const CornerRule& rule) {
     slots[static_cast<std::size_t>(s)].x = v.x;
     slots[static_cast<std::size_t>(s)].y = v.y;
-    written(s);
+    written(s, rule);
+  };
+  auto proportionRule = [](CornerRule::Kind kind, int nearSlot, int farSlot, double chains, const char* halfMile) {
+    CornerRule rule;
+    rule.kind = kind;
+    rule.nearSlot = nearSlot;
+    rule.farSlot = farSlot;
+    rule.chains = chains;
+    rule.halfMile = halfMile;
+    return rule;
   };
   // A sixteenth corner, when its slot is blank and its quarter corner present.
-  auto sixteenth = [&](int target, bool quarterPresent, int nearSlot, int farSlot, double chains) {
-    if (blank(target) && quarterPresent) set(target, proportion(at(r, nearSlot), at(r, farSlot), chains));
+  auto sixteenth = [&](int target, bool quarterPresent, int nearSlot, int farSlot, double chains, const char* halfMile) {
+    if (blank(target) && quarterPresent)
+      set(target, proportion(at(r, nearSlot), at(r, farSlot), chains),
+          proportionRule(CornerRule::Kind::Proportion, nearSlot, farSlot, chains, halfMile));
   };
   // A quarter-quarter center, when its slot is blank and all eight
   // coordinates of its four sixteenth corners are positive.
@@ -82,35 +100,44 @@ void computeQtrs(SectionRecord& r, const HalfMiles& h, const std::function<void(
     if (!blank(target)) return;
     for (int k : {n, s, w, e})
       if (!(slots[static_cast<std::size_t>(k)].x > 0 && slots[static_cast<std::size_t>(k)].y > 0)) return;
-    set(target, computeCtr(at(r, n), at(r, s), at(r, w), at(r, e)));
+    CornerRule rule;
+    rule.kind = CornerRule::Kind::Intersection;
+    rule.ends = {n, s, w, e};
+    set(target, computeCtr(at(r, n), at(r, s), at(r, w), at(r, e)), rule);
   };
+  const char* const northLine[] = {"west half of the north line", "east half of the north line"};
+  const char* const southLine[] = {"west half of the south line", "east half of the south line"};
+  const char* const westLine[] = {"north half of the west line", "south half of the west line"};
+  const char* const eastLine[] = {"north half of the east line", "south half of the east line"};
+  const char* const centerNS[] = {"north half of the center line", "south half of the center line"};
+  const char* const centerEW[] = {"west half of the east-west center line", "east half of the east-west center line"};
 
   if (p.nw) {
-    sixteenth(1, p.n4, slot::N4, slot::NW, h.westOfNorth);
-    sixteenth(7, p.n4, slot::C, slot::N4, h.northOfCenter);
-    sixteenth(11, p.w4, slot::C, slot::W4, h.westOfCenter);
-    sixteenth(5, p.w4, slot::W4, slot::NW, h.northOfWest);
+    sixteenth(1, p.n4, slot::N4, slot::NW, h.westOfNorth, northLine[0]);
+    sixteenth(7, p.n4, slot::C, slot::N4, h.northOfCenter, centerNS[0]);
+    sixteenth(11, p.w4, slot::C, slot::W4, h.westOfCenter, centerEW[0]);
+    sixteenth(5, p.w4, slot::W4, slot::NW, h.northOfWest, westLine[0]);
     center(6, 1, 11, 5, 7);
   }
   if (p.ne) {
-    sixteenth(3, p.n4, slot::N4, slot::NE, h.eastOfNorth);
-    sixteenth(9, p.e4, slot::E4, slot::NE, h.northOfEast);
-    sixteenth(13, p.e4, slot::C, slot::E4, h.eastOfCenter);
-    sixteenth(7, p.n4, slot::C, slot::N4, h.northOfCenter);  // again, for a missing NW corner
+    sixteenth(3, p.n4, slot::N4, slot::NE, h.eastOfNorth, northLine[1]);
+    sixteenth(9, p.e4, slot::E4, slot::NE, h.northOfEast, eastLine[0]);
+    sixteenth(13, p.e4, slot::C, slot::E4, h.eastOfCenter, centerEW[1]);
+    sixteenth(7, p.n4, slot::C, slot::N4, h.northOfCenter, centerNS[0]);  // again, for a missing NW corner
     center(8, 3, 13, 7, 9);
   }
   if (p.se) {
-    sixteenth(19, p.e4, slot::E4, slot::SE, h.southOfEast);
-    sixteenth(23, p.s4, slot::S4, slot::SE, h.eastOfSouth);
-    sixteenth(17, p.s4, slot::C, slot::S4, h.southOfCenter);
-    sixteenth(13, p.e4, slot::C, slot::E4, h.eastOfCenter);
+    sixteenth(19, p.e4, slot::E4, slot::SE, h.southOfEast, eastLine[1]);
+    sixteenth(23, p.s4, slot::S4, slot::SE, h.eastOfSouth, southLine[1]);
+    sixteenth(17, p.s4, slot::C, slot::S4, h.southOfCenter, centerNS[1]);
+    sixteenth(13, p.e4, slot::C, slot::E4, h.eastOfCenter, centerEW[1]);
     center(18, 13, 23, 17, 19);
   }
   if (p.sw) {
-    sixteenth(21, p.s4, slot::S4, slot::SW, h.westOfSouth);
-    sixteenth(15, p.w4, slot::W4, slot::SW, h.southOfWest);
-    sixteenth(17, p.s4, slot::C, slot::S4, h.southOfCenter);
-    sixteenth(11, p.w4, slot::C, slot::W4, h.westOfCenter);
+    sixteenth(21, p.s4, slot::S4, slot::SW, h.westOfSouth, southLine[0]);
+    sixteenth(15, p.w4, slot::W4, slot::SW, h.southOfWest, westLine[1]);
+    sixteenth(17, p.s4, slot::C, slot::S4, h.southOfCenter, centerNS[1]);
+    sixteenth(11, p.w4, slot::C, slot::W4, h.westOfCenter, centerEW[0]);
     center(16, 11, 21, 15, 17);
   }
 
@@ -122,7 +149,9 @@ void computeQtrs(SectionRecord& r, const HalfMiles& h, const std::function<void(
   if (c.x == 0 || c.y == 0) return;
   const double L = h.eastOfCenter;
   auto finalStep = [&](int target, bool quarterPresent, int nearSlot, int farSlot) {
-    if (quarterPresent && slots[static_cast<std::size_t>(target)].x == 0) set(target, proportion(at(r, nearSlot), at(r, farSlot), L));
+    if (quarterPresent && slots[static_cast<std::size_t>(target)].x == 0)
+      set(target, proportion(at(r, nearSlot), at(r, farSlot), L),
+          proportionRule(CornerRule::Kind::FinalPass, nearSlot, farSlot, L, centerEW[1]));
   };
   const int s = r.section;
   finalStep(13, p.e4, slot::C, slot::E4);

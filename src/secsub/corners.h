@@ -5,6 +5,7 @@
 // ratios. A zero half-mile or parallel lines are a division by zero
 // (RunTimeError), as they always were; nothing is guarded beyond that.
 
+#include <array>
 #include <functional>
 
 #include "secsub/section_record.h"
@@ -31,10 +32,29 @@ PlanePoint sectionCenter(const SectionRecord& record);
 // length `chains`, proportioned to the measured line.
 PlanePoint proportion(PlanePoint near, PlanePoint far, double chains);
 
+// By which rule, from which corners, a computed position was placed.
+struct CornerRule {
+  enum class Kind { Proportion, Intersection, FinalPass };
+  Kind kind = Kind::Proportion;
+  // A proportion: 20 chains from `nearSlot` toward `farSlot` on a half-mile
+  // of `chains` chains of record (`halfMile` says which), factor 20 / chains.
+  int nearSlot = -1, farSlot = -1;
+  double chains = 0;
+  const char* halfMile = "";
+  // An intersection: the line north end to south end with the line west end to east end.
+  std::array<int, 4> ends{};
+
+  double factor() const { return 20.0 / chains; }
+};
+
+// The section center's rule: the N 1/4 to S 1/4 line with the W 1/4 to E 1/4 line.
+CornerRule sectionCenterRule();
+
 // Fills every blank sixteenth corner and quarter-quarter center it can, in
-// the blocks NW, NE, SE, SW and a final pass; `written(slot)` is told of
-// each slot as it is computed.
-void computeQtrs(SectionRecord& record, const HalfMiles& halfMiles, const std::function<void(int)>& written);
+// the blocks NW, NE, SE, SW and a final pass; `written(slot, rule)` is told
+// of each slot as it is computed, with the rule that placed it.
+void computeQtrs(SectionRecord& record, const HalfMiles& halfMiles,
+                 const std::function<void(int, const CornerRule&)>& written);
 
 // Lengths and azimuths of the lines between grid neighbours: horizontal
 // ones kept with the east slot, vertical ones with the lower slot.

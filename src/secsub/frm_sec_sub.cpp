@@ -1,5 +1,7 @@
 #include "secsub/frm_sec_sub.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
@@ -88,6 +90,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("btnClear", btnClear).click([this] { btnClear_Click(); });
   addInputFileButtons();
   add("chkLengths", chkLengths);
+  add("chkWhy", chkWhy);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
   add("btnPrint", btnPrint).click([this] {
@@ -119,6 +122,7 @@ void frmSecSub::pointNumberChanged(int s) {
     f.yc.text = coordinateText(p.y);
     f.pf.text = p.feature;
     f.pd.text = p.description;
+    lookups[static_cast<std::size_t>(s)] = std::array<std::string, 3>{p.name, f.xc.text, f.yc.text};
     pointFound = true;
     return;
   }
@@ -201,11 +205,49 @@ void frmSecSub::btnClear_Click() {
     c.defaulted = false;
   }
   computed = {};
+  placedBy = {};
+  origins = {};
+  lookups = {};
   notices = {};
   showNotices({});
   hasRun = false;
   btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = false;
   report.clear();
+}
+
+std::string frmSecSub::drawingTitle() const {
+  return "Section " + CStr(record.section) + ", T" + CStr(record.township) + "N, R" +
+         CStr(record.range < 0 ? -record.range : record.range) + record.direction;
+}
+
+std::string frmSecSub::why(int s) const {
+  if (!hasRun) return "";
+  return explainCorner(record, origins, s);
+}
+
+void frmSecSub::addToResult(nlohmann::ordered_json& result) const {
+  if (!hasRun) return;
+  auto explain = nlohmann::ordered_json::array();
+  for (int s = 0; s < slot::count; ++s) {
+    const auto i = static_cast<std::size_t>(s);
+    const CornerOrigin& o = origins[i];
+    if (o.kind == CornerOrigin::Kind::Absent) continue;
+    nlohmann::ordered_json entry{{"slot", s}, {"corner", kSlotTitles[i]}, {"point", record.slots[i].pointNumber},
+                                 {"rule", originName(o)}};
+    if (o.kind == CornerOrigin::Kind::LookedUp) entry["from_file"] = o.point;
+    if (o.kind == CornerOrigin::Kind::Computed && o.rule.kind == CornerRule::Kind::Intersection) {
+      entry["lines"] = {{o.rule.ends[0], o.rule.ends[1]}, {o.rule.ends[2], o.rule.ends[3]}};
+    } else if (o.kind == CornerOrigin::Kind::Computed) {
+      entry["from"] = o.rule.nearSlot;
+      entry["toward"] = o.rule.farSlot;
+      entry["chains"] = o.rule.chains;
+      entry["factor"] = o.rule.factor();
+      entry["along"] = o.rule.halfMile;
+    }
+    entry["text"] = why(s);
+    explain.push_back(std::move(entry));
+  }
+  result["explain"] = std::move(explain);
 }
 
 Picture frmSecSub::drawing() const {
@@ -216,13 +258,14 @@ Picture frmSecSub::drawing() const {
     empty.hint = "The drawing of the section appears here after Continue.";
     return empty;
   }
+  std::array<std::string, slot::count> tips;
+  for (int s = 0; s < slot::count; ++s) tips[static_cast<std::size_t>(s)] = labels[static_cast<std::size_t>(s)] + ": " + why(s);
   return sectionDrawing({.record = record,
                          .computed = computed,
                          .labels = labels,
-                         .tips = {},
+                         .tips = tips,
                          .coincidences = notices.coincidences,
-                         .title = "Section " + CStr(record.section) + ", T" + CStr(record.township) + "N, R" +
-                                  CStr(record.range < 0 ? -record.range : record.range) + record.direction,
+                         .title = drawingTitle(),
                          .lengths = chkLengths.checked});
 }
 
@@ -425,16 +468,36 @@ void frmSecSub::Main() {
   std::vector<std::string> lines = printReportHeader(record, input);
 
   computed = {};
+  placedBy = {};
   const CornerPresence& p = record.present;
   if (p.n4 && p.s4 && p.w4 && p.e4 && slots[slot::C].xc.text.empty()) {
     const PlanePoint center = sectionCenter(record);
     record.slots[slot::C].x = center.x;
     record.slots[slot::C].y = center.y;
     writeSlotFields(slot::C);
+    placedBy[slot::C] = sectionCenterRule();
   }
-  computeQtrs(record, halfMiles, [this](int s) { writeSlotFields(s); });
+  computeQtrs(record, halfMiles, [this](int s, const CornerRule& rule) {
+    writeSlotFields(s);
+    placedBy[static_cast<std::size_t>(s)] = rule;
+  });
   labelBlankPts(naming);
   const std::vector<int> unnamed = nameOutputPositions(naming);
+  for (int s = 0; s < slot::count; ++s) {
+    const auto i = static_cast<std::size_t>(s);
+    CornerOrigin& o = origins[i];
+    o = {};
+    if (record.slots[i].x == 0) continue;
+    if (computed[i] && placedBy[i]) {
+      o.kind = CornerOrigin::Kind::Computed;
+      o.rule = *placedBy[i];
+    } else if (lookups[i] && (*lookups[i])[1] == slots[i].xc.text && (*lookups[i])[2] == slots[i].yc.text) {
+      o.kind = CornerOrigin::Kind::LookedUp;
+      o.point = (*lookups[i])[0];
+    } else {
+      o.kind = CornerOrigin::Kind::Typed;
+    }
+  }
   getLengthHor(record);
   getLengthVert(record);
 
@@ -445,7 +508,12 @@ void frmSecSub::Main() {
   auto& main = program().form<frmMain>("frmMain");
   const auto geopakFile = outputPath(main.txtOutInp, program().userAppData, kGeopakFileName);
   const auto reportFile = outputPath(main.txtReport, program().userAppData, kReportFileName);
-  program().writeOutputFiles({{geopakFile, geopak}, {reportFile, lines}});
+  std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> files{{geopakFile, geopak}, {reportFile, lines}};
+  // The corner record, on demand, beside the report and written with it.
+  if (chkWhy.checked)
+    files.emplace_back(reportFile.parent_path() / (reportFile.stem().string() + ".why.txt"),
+                       cornerRecordLines(record, origins, drawingTitle()));
+  program().writeOutputFiles(files);
   report = lines;
   hasRun = true;
   btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = true;

@@ -4,10 +4,12 @@
 // computes every missing corner and writes the report and the GEOPAK file.
 
 #include <array>
+#include <optional>
 #include <string>
 
 #include "app/form_model.h"
 #include "app/picture.h"
+#include "secsub/corner_record.h"
 #include "secsub/notices.h"
 #include "secsub/section_record.h"
 #include "secsub/township_rules.h"
@@ -70,6 +72,7 @@ class frmSecSub : public FormModel {
   Button btnReturn{"Return"};
   Button btnClear{"Clear"};
   CheckBox chkLengths{false, "Show Line Lengths"};       // each line's length along it in the drawing
+  CheckBox chkWhy{false, "Write Corner Record"};         // a third file: why each corner is where it is
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
   Button btnExport{"Export...", true, false};            // once there are corners to export
   Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page
@@ -79,6 +82,10 @@ class frmSecSub : public FormModel {
   bool pointFound = false;  // whether the last point-number lookup matched
   // After a run: which slots the run computed (the rest were held).
   std::array<bool, slot::count> computed{};
+  std::array<std::optional<CornerRule>, slot::count> placedBy;  // how the run placed each computed slot
+  CornerOrigins origins;  // after a run: where every position came from
+  // Each slot's last lookup in the point file: its name and the X and Y texts it gave.
+  std::array<std::optional<std::array<std::string, 3>>, slot::count> lookups;
   RunNotices notices;
   CornerNaming runNaming;  // the last run's names and descriptions, for the exports
   bool hasRun = false;
@@ -98,6 +105,12 @@ class frmSecSub : public FormModel {
   // or DXF, as the chosen name's ending says.
   void btnExport_Click();
   void Main();
+
+  // Why slot `s` is where the last run left it; empty before a run.
+  std::string why(int s) const;
+  std::string drawingTitle() const;  // "Section 14, T115N, R22W"
+  // "explain": for every present position of the last run, its rule and why in words.
+  void addToResult(nlohmann::ordered_json& result) const override;
 
   // The drawing of the last run; empty (with a hint) before a run and after Clear.
   Picture drawing() const;

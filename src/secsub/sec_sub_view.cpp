@@ -22,12 +22,6 @@
 namespace tervalo {
 namespace {
 
-// The corner each slot holds, for its frame's title.
-const char* const kSlotTitles[25] = {"NW Cor",  "N 1/16",   "N 1/4",  "N 1/16",   "NE Cor",  "W 1/16",   "C NW 1/4",
-                                     "C-N 1/16", "C NE 1/4", "E 1/16", "W 1/4",    "C-W 1/16", "Center",   "C-E 1/16",
-                                     "E 1/4",   "W 1/16",   "C SW 1/4", "C-S 1/16", "C SE 1/4", "E 1/16",  "SW Cor",
-                                     "S 1/16",  "S 1/4",    "S 1/16",   "SE Cor"};
-
 class SecSubView : public FormDialog {
  public:
   SecSubView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
@@ -56,7 +50,10 @@ class SecSubView : public FormDialog {
     drawing_ = picture("drawing");
     drawing_->setMinimumSize(340, 340);
     side->addWidget(drawing_, 1);
-    side->addWidget(check("chkLengths", sidePanel));
+    auto* options = new QHBoxLayout;
+    options->addWidget(check("chkLengths", sidePanel));
+    options->addWidget(check("chkWhy", sidePanel));
+    side->addLayout(options);
     auto* files = new QHBoxLayout;
     files->addWidget(button("btnOpenInputs"));
     files->addWidget(button("btnSaveInputs"));
@@ -75,7 +72,13 @@ class SecSubView : public FormDialog {
     split->setStretchFactor(0, 5);
     split->setStretchFactor(1, 3);
     bind();
-    binder_->onRefresh = [this] { drawing_->showPicture(static_cast<frmSecSub&>(model_).drawing()); };
+    binder_->onRefresh = [this] {
+      const auto& form = static_cast<frmSecSub&>(model_);
+      drawing_->showPicture(form.drawing());
+      // Each slot tells why it is where it is, as its tooltip.
+      for (int k = 0; k < slot::count; ++k)
+        if (auto* box = findChild<QGroupBox*>(QString("slot%1").arg(k))) box->setToolTip(QString::fromStdString(form.why(k)));
+    };
     binder_->onRefresh();
 
     // As large as the content wants, within the screen: it scrolls, never clips.
@@ -152,7 +155,7 @@ class SecSubView : public FormDialog {
 
   QGroupBox* slotFrame(int s, QWidget* parent) {
     const bool pls = s == 0 || s == 2 || s == 4 || s == 10 || s == 14 || s == 20 || s == 22 || s == 24;
-    auto* box = new QGroupBox(QString("%1  %2").arg(s).arg(kSlotTitles[s]), parent);
+    auto* box = new QGroupBox(QString("%1  %2").arg(s).arg(kSlotTitles[static_cast<std::size_t>(s)]), parent);
     box->setObjectName(QString("slot%1").arg(s));
     // Section and quarter corners stand out from the sixteenths and centers.
     // (in the palette's own alternate ground, so a dark theme stays dark).

@@ -103,9 +103,16 @@ TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   const RunOutcome outcome =
       runJob(parseJob(jobText("secsub-regular-14"), allForms()), RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
   const auto& controls = outcome.result["forms"]["frmSecSub"]["controls"];
-  EXPECT_EQ(controls.size(), 23u + 125u + 16u + 9u);  // with the notice, drawing, export, print and inputs controls
+  EXPECT_EQ(controls.size(), 23u + 125u + 16u + 10u);  // with the notice, drawing, record, export, print and inputs controls
   EXPECT_EQ(controls["txt12xc"]["text"], "514967.4257");
   EXPECT_EQ(controls["txt1pn"]["text"], "2001");
+  // Why each of the 25 positions is where it is.
+  const auto& explain = outcome.result["explain"];
+  ASSERT_EQ(explain.size(), 25u);
+  EXPECT_EQ(explain[0]["rule"], "looked up");
+  EXPECT_EQ(explain[12]["rule"], "intersection");
+  EXPECT_EQ(explain[1]["factor"], 0.5);
+  EXPECT_EQ(explain[1]["text"].get<std::string>().rfind("Proportion from N 1/4 (1002) toward NW Cor (1001)", 0), 0u);
   EXPECT_EQ(outcome.result["files"].size(), 2u);
   EXPECT_EQ(outcome.result["opened"].size(), 2u);
   EXPECT_TRUE(outcome.result["forms"].contains("frmHeader"));

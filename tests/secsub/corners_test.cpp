@@ -56,7 +56,7 @@ TEST(ComputeQtrs, RegularSectionEverySixteenthIsAMidpoint) {
   computeCenter(r);
   EXPECT_AT(r, 12, 12640, 12640);
   std::vector<int> written;
-  computeQtrs(r, calculateChains(allTwenty()), [&](int s) { written.push_back(s); });
+  computeQtrs(r, calculateChains(allTwenty()), [&](int s, const CornerRule&) { written.push_back(s); });
   // Block order NW, NE, SE, SW; nothing is computed twice.
   EXPECT_EQ(written, (std::vector<int>{1, 7, 11, 5, 6, 3, 9, 13, 8, 19, 23, 17, 18, 21, 15, 16}));
   const double q[] = {10000, 11320, 12640, 13960, 15280};
@@ -69,7 +69,7 @@ TEST(ComputeQtrs, RecordChainsProportionTheMeasuredLine) {
   ChainTexts chains = allTwenty();
   chains.wOfN = "19.50";  // west half of the north line: 39.5 chains of record
   chains.nOfW = "";        // an empty field: 20 chains, onto the section corner
-  computeQtrs(r, calculateChains(chains), [](int) {});
+  computeQtrs(r, calculateChains(chains), [](int, const CornerRule&) {});
   EXPECT_AT(r, 1, 12640 + (10000 - 12640) * 20.0 / 39.5, 15280);
   EXPECT_AT(r, 5, 10000, 15280);  // 20/20 of the way: the NW corner itself
   // The center line's north half averages the west (20) and east (40) halves.
@@ -81,7 +81,7 @@ TEST(ComputeQtrs, HeldCornersStayAndAreUsed) {
   computeCenter(r);
   r.slots[1].x = 11300;
   r.slots[1].y = 15290;
-  computeQtrs(r, calculateChains(allTwenty()), [](int s) { EXPECT_NE(s, 1); });
+  computeQtrs(r, calculateChains(allTwenty()), [](int s, const CornerRule&) { EXPECT_NE(s, 1); });
   EXPECT_AT(r, 1, 11300, 15290);
   // The NW quarter's center lies on the line from the held corner down to slot 11.
   const double t = (r.slots[6].y - r.slots[11].y) / (15290 - r.slots[11].y);
@@ -94,7 +94,7 @@ TEST(ComputeQtrs, HeldCenterWithoutAllQuarterCorners) {
   r.present.w4 = false;
   r.slots[12].x = 12600;
   r.slots[12].y = 12700;  // held, not recomputed
-  computeQtrs(r, calculateChains(allTwenty()), [](int) {});
+  computeQtrs(r, calculateChains(allTwenty()), [](int, const CornerRule&) {});
   EXPECT_AT(r, 12, 12600, 12700);
   EXPECT_AT(r, 7, 12620, 13990);   // halfway from the held center to the N 1/4
   EXPECT_TRUE(r.slots[11].blank());  // needs the W 1/4
@@ -107,7 +107,7 @@ TEST(ComputeQtrs, OnlyTheEastCornersBlocksNEAndSEStillSetTheCenterLine) {
   for (int s : {0, 20}) r.slots[static_cast<std::size_t>(s)] = {};
   r.present.nw = r.present.sw = false;
   computeCenter(r);
-  computeQtrs(r, calculateChains(allTwenty()), [](int) {});
+  computeQtrs(r, calculateChains(allTwenty()), [](int, const CornerRule&) {});
   EXPECT_AT(r, 7, 12640, 13960);  // block NE, toward the N 1/4
   EXPECT_AT(r, 17, 12640, 11320);  // block SE, toward the S 1/4
   EXPECT_AT(r, 11, 11320, 12640);  // block NW is skipped; the final pass, from the W 1/4
@@ -120,7 +120,7 @@ TEST(ComputeQtrs, FinalPassPutsSevenAndSeventeenOnThirteen) {
   r.present.nw = r.present.ne = r.present.se = r.present.sw = false;
   computeCenter(r);
   std::vector<int> written;
-  computeQtrs(r, calculateChains(allTwenty()), [&](int s) { written.push_back(s); });
+  computeQtrs(r, calculateChains(allTwenty()), [&](int s, const CornerRule&) { written.push_back(s); });
   EXPECT_EQ(written, (std::vector<int>{13, 11, 7, 17}));
   EXPECT_AT(r, 13, 13960, 12640);
   EXPECT_AT(r, 7, 13960, 12640);  // toward the E 1/4, as the program has always put it
@@ -130,12 +130,12 @@ TEST(ComputeQtrs, FinalPassPutsSevenAndSeventeenOnThirteen) {
   SectionRecord north = r;
   north.section = 3;  // sections 1 to 6 skip slot 7
   for (int s : {7, 11, 13, 17}) north.slots[static_cast<std::size_t>(s)] = {};
-  computeQtrs(north, calculateChains(allTwenty()), [](int) {});
+  computeQtrs(north, calculateChains(allTwenty()), [](int, const CornerRule&) {});
   EXPECT_TRUE(north.slots[7].blank());
   SectionRecord west = r;
   west.section = 18;  // the west tier skips slot 11
   for (int s : {7, 11, 13, 17}) west.slots[static_cast<std::size_t>(s)] = {};
-  computeQtrs(west, calculateChains(allTwenty()), [](int) {});
+  computeQtrs(west, calculateChains(allTwenty()), [](int, const CornerRule&) {});
   EXPECT_TRUE(west.slots[11].blank());
 }
 
@@ -155,7 +155,7 @@ TEST(Faults, ZeroHalfMileAndParallelLinesAreNamedRunTimeErrors) {
   ChainTexts chains = allTwenty();
   chains.wOfN = "-20";
   try {
-    computeQtrs(r, calculateChains(chains), [](int) {});
+    computeQtrs(r, calculateChains(chains), [](int, const CornerRule&) {});
     FAIL();
   } catch (const RunTimeError& e) {
     EXPECT_NE(std::string(e.what()).find("Division by zero: a record half-mile of 0 chains"), std::string::npos);
