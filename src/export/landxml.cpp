@@ -3,7 +3,6 @@
 #include <pugixml.hpp>
 #include <sstream>
 
-#include "secsub_out/grid_lines.h"
 #include "text/format.h"
 #include "text/number.h"
 
@@ -48,47 +47,39 @@ std::string coordinate(double v) { return Format(v, "0.0000"); }
 
 }  // namespace
 
-std::string sectionLandXml(const SectionRecord& r, const std::array<bool, slot::count>& computed,
-                           const CornerNaming& naming, const XmlStamp& stamp) {
+std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
   pugi::xml_document doc;
   pugi::xml_node root = landXmlRoot(doc, stamp, false);
-  const std::string section = "Section " + CStr(r.section) + " T" + CStr(r.township) + "N R" +
-                              CStr(r.range < 0 ? -r.range : r.range) + r.direction;
   pugi::xml_node points = root.append_child("CgPoints");
-  points.append_attribute("name") = section.c_str();
-  for (int s = 0; s < slot::count; ++s) {
-    const CornerSlot& c = r.slots[static_cast<std::size_t>(s)];
-    if (c.x == 0) continue;
-    const bool calculated = computed[static_cast<std::size_t>(s)];
+  points.append_attribute("name") = map.title.c_str();
+  for (const MapPoint& c : map.points) {
     pugi::xml_node p = points.append_child("CgPoint");
-    p.append_attribute("name") = c.pointNumber.c_str();
+    p.append_attribute("name") = c.name.c_str();
     p.append_attribute("desc") = c.description.c_str();
     if (!c.feature.empty()) p.append_attribute("code") = c.feature.c_str();
-    p.append_attribute("role") = calculated ? "calculated" : "user entered point";
-    p.append_attribute("pntSurv") = calculated ? "boundary" : "monument";
+    p.append_attribute("role") = c.computed ? "calculated" : "user entered point";
+    p.append_attribute("pntSurv") = c.computed ? "boundary" : "monument";
     p.text() = (coordinate(c.y) + " " + coordinate(c.x)).c_str();
   }
-
-  auto present = [&r](int s) { return r.slots[static_cast<std::size_t>(s)].x != 0; };
   pugi::xml_node features;
-  pugi::xml_node geometry;
-  std::string group;
-  for (const GridLine& l : kGridLines) {
-    if (!lineDrawn(l, present)) continue;
-    if (group != l.feature) {  // one plan feature per line group that has lines
-      group = l.feature;
-      if (!features) {
-        features = root.append_child("PlanFeatures");
-        features.append_attribute("name") = section.c_str();
+  for (const char* group : kFeatureGroups) {
+    pugi::xml_node geometry;
+    for (const MapLine& l : map.lines) {
+      if (l.feature != group) continue;
+      if (!geometry) {  // one plan feature per line group that has lines
+        if (!features) {
+          features = root.append_child("PlanFeatures");
+          features.append_attribute("name") = map.title.c_str();
+        }
+        pugi::xml_node feature = features.append_child("PlanFeature");
+        feature.append_attribute("name") = group;
+        geometry = feature.append_child("CoordGeom");
       }
-      pugi::xml_node feature = features.append_child("PlanFeature");
-      feature.append_attribute("name") = l.feature;
-      geometry = feature.append_child("CoordGeom");
+      pugi::xml_node line = geometry.append_child("Line");
+      line.append_attribute("name") = l.name.c_str();
+      line.append_child("Start").append_attribute("pntRef") = map.points[l.from].name.c_str();
+      line.append_child("End").append_attribute("pntRef") = map.points[l.to].name.c_str();
     }
-    pugi::xml_node line = geometry.append_child("Line");
-    line.append_attribute("name") = naming.segment(l.segment).c_str();
-    line.append_child("Start").append_attribute("pntRef") = r.slots[static_cast<std::size_t>(l.from)].pointNumber.c_str();
-    line.append_child("End").append_attribute("pntRef") = r.slots[static_cast<std::size_t>(l.to)].pointNumber.c_str();
   }
   return text(doc);
 }

@@ -6,8 +6,7 @@
 #include <array>
 #include <string>
 
-#include "secsub/section_record.h"
-#include "secsub_out/names.h"
+#include "export/corner_map.h"
 #include "vcurve/vertical_curve.h"
 
 namespace tervalo {
@@ -23,8 +22,7 @@ struct XmlStamp {
 // monuments, computed ones as calculated boundary points); the section,
 // quarter and sixteenth lines as one PlanFeature per line group, each line
 // referring to its end points by name.
-std::string sectionLandXml(const SectionRecord& record, const std::array<bool, slot::count>& computed,
-                           const CornerNaming& naming, const XmlStamp& stamp);
+std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp);
 
 // One alignment named `name` from the PVC over the curve's length, whose
 // profile holds the PVC and PVT as PVIs and the curve as a ParaCurve at

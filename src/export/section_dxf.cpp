@@ -68,14 +68,11 @@ void writeTables(DL_Dxf& dxf, DL_WriterA& dw) {
 
 }  // namespace
 
-void writeSectionDxf(const SectionRecord& r, const std::filesystem::path& file) {
-  auto present = [&r](int s) { return r.slots[static_cast<std::size_t>(s)].x != 0; };
-  auto at = [&r](int s) -> const CornerSlot& { return r.slots[static_cast<std::size_t>(s)]; };
-
-  // Text sizes follow the section's size, so a section of any extent reads alike.
+void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
+  // Text sizes follow the drawing's size, so a section of any extent reads alike.
   double minX = std::numeric_limits<double>::max(), maxX = -minX, minY = minX, maxY = -minX;
-  for (const CornerSlot& c : r.slots)
-    if (c.x != 0) minX = std::min(minX, c.x), maxX = std::max(maxX, c.x), minY = std::min(minY, c.y), maxY = std::max(maxY, c.y);
+  for (const MapPoint& c : map.points)
+    minX = std::min(minX, c.x), maxX = std::max(maxX, c.x), minY = std::min(minY, c.y), maxY = std::max(maxY, c.y);
   const double span = minX <= maxX ? std::max({maxX - minX, maxY - minY, 1.0}) : 1.0;
   const double nameHeight = span / 120, annoHeight = span / 220;
 
@@ -92,10 +89,9 @@ void writeSectionDxf(const SectionRecord& r, const std::filesystem::path& file) 
     writeTables(dxf, *dw);
 
     dw->sectionEntities();
-    for (const GridLine& l : kGridLines) {
-      if (!lineDrawn(l, present)) continue;
-      const CornerSlot &a = at(l.from), &b = at(l.to);
-      dxf.writeLine(*dw, DL_LineData(a.x, a.y, 0.0, b.x, b.y, 0.0), on(l.feature));
+    for (const MapLine& l : map.lines) {
+      const MapPoint &a = map.points[l.from], &b = map.points[l.to];
+      dxf.writeLine(*dw, DL_LineData(a.x, a.y, 0.0, b.x, b.y, 0.0), on(l.feature.c_str()));
       const double length = std::hypot(b.x - a.x, b.y - a.y);
       if (length == 0) continue;  // coincident corners: no direction to annotate
       // Along the line and upright: the text's angle from east, turned to read left to right.
@@ -112,11 +108,10 @@ void writeSectionDxf(const SectionRecord& r, const std::filesystem::path& file) 
                                 angle * 3.14159265358979 / 180),
                     on("ANNO"));
     }
-    for (const CornerSlot& c : r.slots) {
-      if (c.x == 0) continue;
+    for (const MapPoint& c : map.points) {
       dxf.writePoint(*dw, DL_PointData(c.x, c.y, 0.0), on("POINTS"));
       dxf.writeText(*dw, DL_TextData(c.x + nameHeight / 2, c.y + nameHeight / 2, 0.0, 0.0, 0.0, 0.0, nameHeight, 1.0, 0, 0, 0,
-                                     c.pointNumber, "Standard", 0.0),
+                                     c.name, "Standard", 0.0),
                     on("POINTS"));
     }
     dw->sectionEnd();

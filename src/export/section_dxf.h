@@ -6,12 +6,12 @@
 
 #include <filesystem>
 
-#include "secsub/section_record.h"
+#include "export/corner_map.h"
 
 namespace tervalo {
 
 // Writes the drawing whole (written with dxflib), or not at all: a
 // RunTimeError names the file and the fault.
-void writeSectionDxf(const SectionRecord& record, const std::filesystem::path& file);
+void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file);
 
 }  // namespace tervalo

@@ -16,25 +16,21 @@ std::string csvField(const std::string& text) {
   return quoted + "\"";
 }
 
-std::vector<std::string> pnezdLines(const SectionRecord& r) {
+std::vector<std::string> pnezdLines(const CornerMap& map) {
   std::vector<std::string> lines;
-  for (const CornerSlot& c : r.slots)
-    if (c.x != 0)
-      lines.push_back(csvField(c.pointNumber) + "," + coordinate(c.y) + "," + coordinate(c.x) + ",," +
-                      csvField(c.description));
+  for (const MapPoint& c : map.points)
+    lines.push_back(csvField(c.name) + "," + coordinate(c.y) + "," + coordinate(c.x) + ",," + csvField(c.description));
   return lines;
 }
 
-std::vector<std::string> tervaloPointLines(const SectionRecord& r) {
+std::vector<std::string> tervaloPointLines(const CornerMap& map) {
   std::vector<std::string> lines;
-  for (const CornerSlot& c : r.slots) {
-    if (c.x == 0) continue;
-    for (const auto& [field, text] : {std::pair{"name", &c.pointNumber}, {"feature code", &c.feature},
-                                      {"description", &c.description}})
+  for (const MapPoint& c : map.points) {
+    for (const auto& [field, text] : {std::pair{"name", &c.name}, {"feature code", &c.feature}, {"description", &c.description}})
       if (text->find_first_of(",;") != std::string::npos)
-        throw ExportError("The " + std::string(field) + " of point " + c.pointNumber + " holds \",\" or \";\", which " +
+        throw ExportError("The " + std::string(field) + " of point " + c.name + " holds \",\" or \";\", which " +
                           "the Tervalo points format cannot hold. Export the points as CSV instead.");
-    lines.push_back(c.pointNumber + "," + coordinate(c.x) + "," + coordinate(c.y) + "," + c.feature + "," + c.description);
+    lines.push_back(c.name + "," + coordinate(c.x) + "," + coordinate(c.y) + "," + c.feature + "," + c.description);
   }
   return lines;
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "secsub/section_record.h"
+#include "export/corner_map.h"
 
 namespace tervalo {
 
@@ -25,10 +25,10 @@ std::string csvField(const std::string& text);
 // One line per present position, in slot order, no header: name, northing,
 // easting, an empty elevation (plane corners), description; coordinates
 // with four decimals.
-std::vector<std::string> pnezdLines(const SectionRecord& record);
+std::vector<std::string> pnezdLines(const CornerMap& map);
 
 // One line per present position: name, X, Y, feature, description. The
 // format knows no quoting, so a field holding "," or ";" is an ExportError.
-std::vector<std::string> tervaloPointLines(const SectionRecord& record);
+std::vector<std::string> tervaloPointLines(const CornerMap& map);
 
 }  // namespace tervalo

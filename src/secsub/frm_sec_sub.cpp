@@ -291,11 +291,12 @@ void frmSecSub::btnExport_Click() {
                                           "DXF drawing (*.dxf)"});
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
+  const CornerMap map = sectionMap(record, computed, runNaming);
   exportFile(shell(), "Export the Corners", file,
-             {{".csv", [&] { writeTextFile(file, pnezdLines(record)); }},
-              {".txt", [&] { writeTextFile(file, tervaloPointLines(record)); }},
-              {".xml", [&] { writeDocument(file, sectionLandXml(record, computed, runNaming, stampOf(shell().today()))); }},
-              {".dxf", [&] { writeSectionDxf(record, file); }}});
+             {{".csv", [&] { writeTextFile(file, pnezdLines(map)); }},
+              {".txt", [&] { writeTextFile(file, tervaloPointLines(map)); }},
+              {".xml", [&] { writeDocument(file, cornerLandXml(map, stampOf(shell().today()))); }},
+              {".dxf", [&] { writeCornerDxf(map, file); }}});
 }
 
 bool frmSecSub::checkHeld16ths() {

@@ -44,7 +44,7 @@ TEST(PointFiles, PnezdQuotesWhatNeedsItAndTervaloPointsReadBack) {
   Section s;
   s.record.slots[1].pointNumber = "S,1";
   s.record.slots[1].description = "SAID \"FOUND\"";
-  const auto csv = pnezdLines(s.record);
+  const auto csv = pnezdLines(sectionMap(s.record, s.computed, s.naming));
   ASSERT_EQ(csv.size(), 24u);
   EXPECT_EQ(csv[0], "1000,290000.0000,500000.0000,,NE 15-115-22");
   EXPECT_EQ(csv[1], "\"S,1\",290000.0000,501320.0000,,\"SAID \"\"FOUND\"\"\"");
@@ -52,7 +52,7 @@ TEST(PointFiles, PnezdQuotesWhatNeedsItAndTervaloPointsReadBack) {
   EXPECT_THROW(
       {
         try {
-          tervaloPointLines(s.record);
+          tervaloPointLines(sectionMap(s.record, s.computed, s.naming));
         } catch (const ExportError& e) {
           EXPECT_NE(std::string(e.what()).find("point S,1"), std::string::npos);
           throw;
@@ -65,7 +65,7 @@ TEST(PointFiles, PnezdQuotesWhatNeedsItAndTervaloPointsReadBack) {
   plain.record.slots[12].x += 0.00004;  // below the fourth decimal: read back rounded
   TempDir dir;
   const auto file = dir.write("corners.txt", "");
-  writeTextFile(file, tervaloPointLines(plain.record));
+  writeTextFile(file, tervaloPointLines(sectionMap(plain.record, plain.computed, plain.naming)));
   FormatFlags flags;
   PointList points;
   getFileFormat(file, flags);
@@ -89,7 +89,7 @@ TEST(LandXml, SectionPointsLinesAndUnitsReadBack) {
   s.record.slots[1].pointNumber = "S,1";
   s.record.slots[1].description = "SAID \"FOUND\" <here>";
   pugi::xml_document doc;
-  ASSERT_TRUE(doc.load_string(sectionLandXml(s.record, s.computed, s.naming, {"2026-11-21", "10:00:00"}).c_str()));
+  ASSERT_TRUE(doc.load_string(cornerLandXml(sectionMap(s.record, s.computed, s.naming), {"2026-11-21", "10:00:00"}).c_str()));
   const pugi::xml_node root = doc.child("LandXML");
   EXPECT_STREQ(root.attribute("version").value(), "1.2");
   EXPECT_STREQ(root.child("Units").child("Imperial").attribute("linearUnit").value(), "USSurveyFoot");
