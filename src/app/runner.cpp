@@ -163,6 +163,7 @@ RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry&
                         {"files", std::move(shell.files)},       {"opened", std::move(shell.opened)},
                         {"skipped", std::move(shell.skipped)}};
   for (const FormModel* form : program.madeForms()) form->addToResult(outcome.result);
+  if (options.inspect) options.inspect(program);
   outcome.exitCode = ended ? 3 : 0;
   return outcome;
 }

@@ -2,6 +2,7 @@
 // The headless runner: plays a job through the same window models a user
 // works, and reports every box, window, file and ending as JSON.
 
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -15,9 +16,14 @@ namespace tervalo {
 
 class FormRegistry;
 
+class Program;
+
 struct RunOptions {
   std::string dataFolder;     // ends with "/"
   std::optional<Date> today;  // the report date; today when not given
+  // Looks at the program's windows once the job has been played, before
+  // they go (the township run reads each section's corners this way).
+  std::function<void(Program&)> inspect = {};
 };
 
 struct RunOutcome {

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
 #include "app/data_folder.h"
 #include "app/job.h"
@@ -12,6 +13,7 @@
 #include "app/program.h"
 #include "app/runner.h"
 #include "cli/points_command.h"
+#include "township/township.h"
 #include "text/errors.h"
 
 namespace {
@@ -29,15 +31,28 @@ struct RunOptionsCli {
   std::string dataDir;
 };
 
-int runCommand(const RunOptionsCli& o) {
+// The options of run and township: a file, and how to run and report it.
+std::optional<tervalo::RunOptions> runOptions(const RunOptionsCli& o, int& status) {
   tervalo::RunOptions options;
   if (!o.today.empty()) {
     options.today = tervalo::parseIsoDate(o.today);
     if (!options.today) {
       std::cerr << "tervalo-cli: --today takes a date as YYYY-MM-DD, not \"" << o.today << "\"\n";
-      return kUsage;
+      status = kUsage;
+      return std::nullopt;
     }
   }
+  try {
+    options.dataFolder = o.dataDir.empty() ? tervalo::prepareDataFolder() : tervalo::prepareDataFolder(o.dataDir);
+  } catch (const tervalo::RunTimeError& e) {
+    std::cerr << "Run-time Error: " << e.what() << "\n";
+    status = kEnded;
+    return std::nullopt;
+  }
+  return options;
+}
+
+int runCommand(const RunOptionsCli& o) {
   tervalo::Job job;
   try {
     job = tervalo::readJobFile(o.job, tervalo::allForms());
@@ -45,18 +60,49 @@ int runCommand(const RunOptionsCli& o) {
     std::cerr << "tervalo-cli: " << o.job << ": " << e.what() << "\n";
     return kUsage;
   }
-  try {
-    options.dataFolder = o.dataDir.empty() ? tervalo::prepareDataFolder() : tervalo::prepareDataFolder(o.dataDir);
-  } catch (const tervalo::RunTimeError& e) {
-    std::cerr << "Run-time Error: " << e.what() << "\n";
-    return kEnded;
-  }
-
-  const auto outcome = tervalo::runJob(job, options, tervalo::allForms(), o.json ? nullptr : &std::cerr);
+  int status = 0;
+  const auto options = runOptions(o, status);
+  if (!options) return status;
+  const auto outcome = tervalo::runJob(job, *options, tervalo::allForms(), o.json ? nullptr : &std::cerr);
   if (o.json)
     std::cout << tervalo::jsonText(outcome.result) << "\n";
   else
     std::cout << tervalo::summarize(outcome.result);
+  return outcome.exitCode;
+}
+
+int townshipCommand(const RunOptionsCli& o) {
+  tervalo::TownshipPlan plan;
+  try {
+    plan = tervalo::readPlanFile(o.job);
+  } catch (const tervalo::PlanError& e) {
+    std::cerr << "tervalo-cli: " << o.job << ": " << e.what() << "\n";
+    return kUsage;
+  }
+  int status = 0;
+  const auto options = runOptions(o, status);
+  if (!options) return status;
+  tervalo::TownshipOutcome outcome;
+  try {
+    outcome = tervalo::runTownship(plan, *options, tervalo::allForms());
+  } catch (const tervalo::ProgramFault& e) {
+    std::cerr << e.title() << ": " << e.what() << "\n";
+    return kEnded;
+  }
+  if (o.json) {
+    std::cout << tervalo::jsonText(outcome.result) << "\n";
+  } else {
+    for (const auto& line : outcome.summary) std::cout << line << "\n";
+    std::cout << "Files written:\n";
+    for (const auto& file : outcome.result["files"]) std::cout << "  " << file.get<std::string>() << "\n";
+    for (const auto& s : outcome.result["sections"]) {
+      std::cout << "Section " << s["section"].get<std::string>() << ":\n";
+      for (const auto& m : s["result"]["messages"])
+        std::cerr << "[section " << s["section"].get<std::string>() << "] " << m["icon"].get<std::string>() << " box \""
+                  << m["title"].get<std::string>() << "\": " << m["text"].get<std::string>() << "\n";
+      for (const auto& f : s["result"]["files"]) std::cout << "  " << f.get<std::string>() << "\n";
+    }
+  }
   return outcome.exitCode;
 }
 
@@ -71,6 +117,13 @@ int run(int argc, char** argv) {
   runCmd->add_option("--today", run.today, "The date for reports, as YYYY-MM-DD");
   runCmd->add_option("--data-dir", run.dataDir, "The data folder for default output files");
 
+  RunOptionsCli township;
+  auto* townshipCmd = app.add_subcommand("township", "Run every section of a township plan and check that shared corners agree.");
+  townshipCmd->add_option("plan", township.job, "The plan file (JSON)")->required();
+  townshipCmd->add_flag("--json", township.json, "Print the whole result as JSON on standard output");
+  townshipCmd->add_option("--today", township.today, "The date for reports, as YYYY-MM-DD");
+  townshipCmd->add_option("--data-dir", township.dataDir, "The data folder the sections' and township's files go to");
+
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
   pointsCmd->add_option("file", pointsFile, "The coordinate file")->required();
@@ -82,6 +135,7 @@ int run(int argc, char** argv) {
     return app.exit(e) == 0 ? 0 : kUsage;
   }
   if (runCmd->parsed()) return runCommand(run);
+  if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
   return kUsage;
 }

@@ -15,6 +15,7 @@ schema=../shared/schema/LandXML-1.2.xsd
 "$cli" run examples/export.job.json --data-dir "$out/regular/" >/dev/null
 "$cli" run tests/export/irregular.job.json --data-dir "$out/irregular/" >/dev/null
 "$cli" run tests/export/vcurve.job.json --data-dir "$out/vcurve/" >/dev/null
+"$cli" township examples/township.plan.json --data-dir "$out/township/" >/dev/null
 
 count() {  # the feature count ogrinfo finds
   ogrinfo -ro -so -al "$@" | sed -n 's/^Feature Count: //p'
@@ -30,10 +31,14 @@ case $what in
     /usr/bin/python3 tests/export/check_dxf.py "$out/irregular/irregular.dxf" 25 "S,16" 513660.8 284569.5
     # 25 points, 25 names, 40 lines and their 40 annotations.
     expect "ogrinfo DXF features" 130 "$(count "$out/regular/Section14.dxf")"
+    # Four sections: 81 corners and 144 lines, each once, with their names and annotations.
+    expect "ogrinfo township DXF features" 450 "$(count "$out/township/Township.dxf")"
     ;;
   csv)
-    for f in "$out/regular/Section14.csv" "$out/irregular/irregular.csv"; do
-      expect "ogrinfo PNEZD points in $(basename "$f")" 25 \
+    for f in "$out/regular/Section14.csv" "$out/irregular/irregular.csv" "$out/township/Township.csv"; do
+      wanted=25
+      [ "$(basename "$f")" = Township.csv ] && wanted=81
+      expect "ogrinfo PNEZD points in $(basename "$f")" $wanted \
         "$(count -oo HEADERS=NO -oo X_POSSIBLE_NAMES=field_3 -oo Y_POSSIBLE_NAMES=field_2 "$f")"
     done
     # The quoted name survives as one field.
@@ -46,6 +51,7 @@ case $what in
       echo "SKIPPED: the LandXML 1.2 schema is not at $schema beside the project"
       exit 77
     fi
-    xmllint --noout --schema "$schema" "$out/regular/Section14.xml" "$out/irregular/irregular.xml" "$out/vcurve/profile.xml"
+    xmllint --noout --schema "$schema" "$out/regular/Section14.xml" "$out/irregular/irregular.xml" "$out/vcurve/profile.xml" \
+      "$out/township/Township.xml"
     ;;
 esac

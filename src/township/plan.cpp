@@ -1,0 +1,170 @@
+#include "township/plan.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "app/json_text.h"
+
+namespace tervalo {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+void refuseUnknown(const Json& object, std::initializer_list<const char*> known, const std::string& where) {
+  for (const auto& [key, value] : object.items())
+    if (std::none_of(known.begin(), known.end(), [&key](const char* k) { return key == k; }))
+      throw PlanError(where + ": unknown key \"" + key + "\"");
+}
+
+// A text field: a string, or a number written as the user would type it.
+std::string textOf(const Json& value, const std::string& where) {
+  if (value.is_string()) return value.get<std::string>();
+  if (value.is_number()) return jsonText(value);
+  throw PlanError(where + " must be a text or a number");
+}
+
+Json objectAt(const Json& parent, const char* key, const std::string& where) {
+  const Json value = parent.value(key, Json::object());
+  if (!value.is_object()) throw PlanError(where + ": \"" + key + "\" must be an object");
+  return value;
+}
+
+}  // namespace
+
+TownshipPlan parsePlan(const std::string& text) {
+  Json json;
+  try {
+    json = parseStrictJson(text);
+  } catch (const JsonTextError& e) {
+    throw PlanError(std::string("not valid JSON: ") + e.what());
+  }
+  if (!json.is_object()) throw PlanError("a plan is a JSON object");
+  refuseUnknown(json, {"version", "source", "sections"}, "plan");
+  TownshipPlan plan;
+  const Json version = json.value("version", Json(std::uint64_t{1}));
+  if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw PlanError("\"version\" must be 1");
+  if (version.get<std::uint64_t>() > 1) throw PlanError("the plan comes from a newer Tervalo (version " + jsonText(version) + ")");
+  plan.source = textOf(json.value("source", Json("")), "\"source\"");
+  const Json sections = json.value("sections", Json::array());
+  if (!sections.is_array() || sections.empty()) throw PlanError("\"sections\" must list at least one section");
+  std::set<std::string> seen;
+  for (std::size_t n = 0; n < sections.size(); ++n) {
+    const Json& s = sections[n];
+    const std::string where = "section " + std::to_string(n + 1);
+    if (!s.is_object()) throw PlanError(where + " must be an object");
+    refuseUnknown(s, {"section", "township", "range", "direction", "meridian", "corners", "chains", "numbering"}, where);
+    SectionPlan p;
+    p.section = textOf(s.value("section", Json("")), where + " \"section\"");
+    p.township = textOf(s.value("township", Json("")), where + " \"township\"");
+    p.range = textOf(s.value("range", Json("")), where + " \"range\"");
+    p.direction = textOf(s.value("direction", Json("W")), where + " \"direction\"");
+    if (p.direction != "E" && p.direction != "W") throw PlanError(where + ": \"direction\" is \"E\" or \"W\"");
+    p.meridian = textOf(s.value("meridian", Json("")), where + " \"meridian\"");
+    if (p.section.empty()) throw PlanError(where + ": \"section\" is required");
+    if (!seen.insert(p.section).second) throw PlanError(where + ": section " + p.section + " is listed twice");
+    const Json corners = objectAt(s, "corners", where);
+    refuseUnknown(corners, {"NW", "N", "NE", "W", "E", "SW", "S", "SE"}, where + " corners");
+    for (std::size_t i = 0; i < kPlanCorners.size(); ++i) {
+      if (!corners.contains(kPlanCorners[i])) continue;
+      const Json& c = corners[kPlanCorners[i]];
+      const std::string cw = where + " corner " + kPlanCorners[i];
+      if (c.is_object()) {
+        refuseUnknown(c, {"x", "y"}, cw);
+        p.corners[i].x = textOf(c.value("x", Json("")), cw + " \"x\"");
+        p.corners[i].y = textOf(c.value("y", Json("")), cw + " \"y\"");
+        if (p.corners[i].x.empty() || p.corners[i].y.empty()) throw PlanError(cw + ": typed coordinates need both x and y");
+      } else {
+        p.corners[i].point = textOf(c, cw);
+      }
+    }
+    const Json chains = objectAt(s, "chains", where);
+    for (const auto& [key, value] : chains.items()) {
+      if (std::find_if(kPlanChains.begin(), kPlanChains.end(), [&key](const char* k) { return key == k; }) == kPlanChains.end())
+        throw PlanError(where + " chains: unknown key \"" + key + "\"");
+      p.chains[key] = textOf(value, where + " chain " + key);
+    }
+    p.numbering = textOf(s.value("numbering", Json("1")), where + " \"numbering\"");
+    plan.sections.push_back(std::move(p));
+  }
+  return plan;
+}
+
+TownshipPlan readPlanFile(const std::string& file) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(file, ec)) throw PlanError("\"" + file + "\" is a folder, not a plan file");
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw PlanError("cannot read \"" + file + "\"");
+  std::ostringstream text;
+  text << in.rdbuf();
+  TownshipPlan plan = parsePlan(text.str());
+  // The source lies beside the plan unless its name says otherwise.
+  const std::filesystem::path source(plan.source);
+  if (!plan.source.empty() && source.is_relative())
+    plan.source = (std::filesystem::path(file).parent_path() / source).lexically_normal().string();
+  return plan;
+}
+
+std::string planText(const TownshipPlan& plan) {
+  Json sections = Json::array();
+  for (const SectionPlan& p : plan.sections) {
+    Json corners = Json::object();
+    for (std::size_t i = 0; i < kPlanCorners.size(); ++i) {
+      const PlanCorner& c = p.corners[i];
+      if (!c.point.empty())
+        corners[kPlanCorners[i]] = c.point;
+      else if (!c.x.empty())
+        corners[kPlanCorners[i]] = Json{{"x", c.x}, {"y", c.y}};
+    }
+    Json chains = Json::object();
+    for (const char* stem : kPlanChains)
+      if (p.chains.count(stem)) chains[stem] = p.chains.at(stem);
+    Json s{{"section", p.section}, {"township", p.township}, {"range", p.range}, {"direction", p.direction}};
+    if (!p.meridian.empty()) s["meridian"] = p.meridian;
+    s["corners"] = corners;
+    if (!chains.empty()) s["chains"] = chains;
+    s["numbering"] = p.numbering;
+    sections.push_back(s);
+  }
+  return jsonText(Json{{"version", plan.version}, {"source", plan.source}, {"sections", sections}}) + "\n";
+}
+
+Job sectionJob(const TownshipPlan& plan, const SectionPlan& p, const std::string& dataFolder) {
+  Job job;
+  job.calculator = "secsub";
+  const std::string files = dataFolder + "SecSub-" + p.section;
+  job.steps.push_back({"frmMain",
+                       {{"txtInFile", plan.source}, {"txtOutInp", files + ".inp"}, {"txtReport", files + ".rpt"}},
+                       {"btnContinue"}});
+  JobStep form{"frmSecSub", {}, {"btnContinue"}};
+  auto type = [&form](const std::string& field, const std::string& text) { form.set.emplace_back(field, text); };
+  type("txtSection", p.section);
+  type("txtTwp", p.township);
+  type("txtRange", p.range);
+  form.set.emplace_back(p.direction == "E" ? "optEast" : "optWest", true);
+  if (!p.meridian.empty()) type("txtPM", p.meridian);
+  // Chains of its own: every chain field shown, as a user unticking the defaults would.
+  if (!p.chains.empty()) form.set.emplace_back("chkDefaults", false);
+  for (const auto& [stem, text] : p.chains) type("txt" + stem + "chain", text);
+  for (std::size_t i = 0; i < kPlanCorners.size(); ++i) {
+    const PlanCorner& c = p.corners[i];
+    const std::string slot = "txt" + std::to_string(kPlanCornerSlots[i]);
+    if (!c.point.empty()) type(slot + "pn", c.point);
+    if (!c.x.empty()) {
+      type(slot + "xc", c.x);
+      type(slot + "yc", c.y);
+    }
+  }
+  if (p.numbering == "unique") {
+    form.set.emplace_back("optUnique", true);
+  } else {
+    form.set.emplace_back("optIncr", true);
+    type("txtIncr", p.numbering);
+  }
+  job.steps.push_back(std::move(form));
+  return job;
+}
+
+}  // namespace tervalo

@@ -1,0 +1,61 @@
+#pragma once
+// A township plan: one source coordinate file and the sections to subdivide
+// from it, each as a user would fill in the section window. Read from and
+// written as a JSON document (the plan file).
+
+#include <array>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "app/job.h"
+
+namespace tervalo {
+
+// A plan that cannot be run; the message says where.
+class PlanError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// The eight corners a plan names, by their keys and section-form slots.
+inline constexpr std::array<const char*, 8> kPlanCorners{"NW", "N", "NE", "W", "E", "SW", "S", "SE"};
+inline constexpr std::array<int, 8> kPlanCornerSlots{0, 2, 4, 10, 14, 20, 22, 24};
+// The chain fields a plan may give, by their field stems.
+inline constexpr std::array<const char*, 8> kPlanChains{"NofW", "SofW", "NofE", "SofE", "WofN", "EofN", "WofS", "EofS"};
+
+struct PlanCorner {
+  std::string point;       // a point number in the source file, or
+  std::string x, y;        // typed coordinates
+  bool given() const { return !point.empty() || !x.empty(); }
+};
+
+struct SectionPlan {
+  std::string section, township, range;
+  std::string direction = "W";  // "E" or "W"
+  std::string meridian;         // empty: as the township rules set it
+  std::array<PlanCorner, 8> corners;
+  std::map<std::string, std::string> chains;  // by field stem; the rest keep the form's defaults
+  std::string numbering = "1";  // the first number of unnumbered points, or "unique"
+};
+
+struct TownshipPlan {
+  int version = 1;
+  std::string source;  // the coordinate file; a relative name is taken from the plan's folder
+  std::vector<SectionPlan> sections;
+};
+
+// Parses a plan strictly: unknown keys, wrong kinds, a section listed
+// twice or a plan from a newer program are PlanErrors.
+TownshipPlan parsePlan(const std::string& jsonText);
+TownshipPlan readPlanFile(const std::string& file);
+std::string planText(const TownshipPlan& plan);
+
+// The job a user's hands would play for one section: the main window's
+// source and output names, then the section window filled in and Continue.
+// Its files are SecSub-<section>.inp and .rpt in `dataFolder`.
+Job sectionJob(const TownshipPlan& plan, const SectionPlan& section, const std::string& dataFolder);
+
+}  // namespace tervalo

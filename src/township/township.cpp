@@ -1,0 +1,170 @@
+#include "township/township.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <map>
+
+#include "app/output_file.h"
+#include "app/program.h"
+#include "export/export_file.h"
+#include "export/landxml.h"
+#include "export/section_dxf.h"
+#include "export/section_points.h"
+#include "secsub/frm_sec_sub.h"
+#include "text/format.h"
+
+namespace tervalo {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// What a section's run left behind, for the township files.
+struct SectionRun {
+  std::string section;
+  SectionRecord record;
+  std::array<bool, slot::count> computed{};
+  CornerNaming naming;
+};
+
+std::string coordinate(double v) { return Format(v, "0.0000"); }
+
+// The township's GEOPAK input: every corner once under its unique name,
+// then each feature group's lines once.
+std::vector<std::string> geopakLines(const CornerMap& map) {
+  std::vector<std::string> lines{"$ $ Begin Township: " + map.title, "SET FEATURE OFF"};
+  for (const MapPoint& p : map.points)
+    lines.push_back("STO POI " + p.name + "  X " + coordinate(p.x) + "  Y " + coordinate(p.y) +
+                    (p.feature.empty() ? "" : "  FEA " + p.feature) + "  DES \"" + p.description + "\"");
+  lines.emplace_back("$ $ End Macro Data $");
+  for (const char* group : kFeatureGroups) {
+    lines.push_back(std::string("SET FEATURE ADD ") + group);
+    for (const MapLine& l : map.lines)
+      if (l.feature == group) lines.push_back("STO LIN " + l.name + " " + map.points[l.from].name + " TO " + map.points[l.to].name);
+  }
+  lines.emplace_back("SET FEATURE OFF");
+  lines.emplace_back("$ END TOWNSHIP");
+  return lines;
+}
+
+double distance(const CornerPosition& a, const CornerPosition& b) { return std::hypot(a.x - b.x, a.y - b.y); }
+
+}  // namespace
+
+TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options, const FormRegistry& registry) {
+  TownshipOutcome out;
+  Json sections = Json::array();
+  std::vector<SectionRun> runs;
+  std::vector<std::string> ended;
+  for (const SectionPlan& p : plan.sections) {
+    RunOptions one = options;
+    std::optional<SectionRun> taken;
+    one.inspect = [&](Program& program) {
+      auto& form = program.form<frmSecSub>("frmSecSub");
+      if (form.hasRun) taken = SectionRun{p.section, form.record, form.computed, form.runNaming};
+    };
+    RunOutcome run = runJob(sectionJob(plan, p, options.dataFolder), one, registry);
+    if (run.exitCode != 0) {
+      ended.push_back(p.section);
+      out.exitCode = run.exitCode;
+    }
+    sections.push_back(Json{{"section", p.section}, {"completed", taken.has_value()}, {"result", std::move(run.result)}});
+    if (taken) runs.push_back(std::move(*taken));
+  }
+
+  // Every corner once by its unique name, every line once by its name.
+  std::map<std::string, std::size_t> pointAt;
+  std::vector<std::vector<CornerPosition>> positions;
+  std::map<std::string, bool> lineSeen;
+  std::vector<MapLine> lines;
+  for (const SectionRun& run : runs) {
+    const CornerMap own = sectionMap(run.record, run.computed, run.naming, true);
+    std::vector<std::size_t> index(own.points.size());
+    std::size_t k = 0;
+    for (int s = 0; s < slot::count; ++s) {
+      const CornerSlot& c = run.record.slots[static_cast<std::size_t>(s)];
+      if (c.x == 0) continue;
+      const MapPoint& point = own.points[k];
+      const auto [at, added] = pointAt.emplace(point.name, out.map.points.size());
+      if (added) {
+        out.map.points.push_back(point);
+        positions.emplace_back();
+      }
+      positions[at->second].push_back({run.section, s, c.x, c.y});
+      index[k++] = at->second;
+    }
+    for (const MapLine& l : own.lines) {
+      const std::string key = l.name.empty() ? l.feature + " " + out.map.points[index[l.from]].name + " " + out.map.points[index[l.to]].name : l.name;
+      if (!lineSeen.emplace(key, true).second) continue;
+      lines.push_back({l.feature, l.name, index[l.from], index[l.to]});
+    }
+  }
+  for (const char* group : kFeatureGroups)
+    for (const MapLine& l : lines)
+      if (l.feature == group) out.map.lines.push_back(l);
+  out.map.title = "Township plan";
+  if (!plan.sections.empty()) out.map.title = "T" + plan.sections.front().township + "N R" + plan.sections.front().range + plan.sections.front().direction;
+
+  // The agreement check: every corner two sections computed, compared.
+  Json disagreements = Json::array();
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    if (positions[i].size() < 2) continue;
+    ++out.sharedCorners;
+    double most = 0;
+    for (std::size_t a = 0; a < positions[i].size(); ++a)
+      for (std::size_t b = a + 1; b < positions[i].size(); ++b) most = std::max(most, distance(positions[i][a], positions[i][b]));
+    if (most <= kAgreement) continue;
+    out.disagreements.push_back({out.map.points[i].name, out.map.points[i].description, positions[i], most});
+    Json at = Json::array();
+    for (const CornerPosition& p : positions[i])
+      at.push_back(Json{{"section", p.section}, {"slot", p.slot}, {"x", p.x}, {"y", p.y}});
+    disagreements.push_back(Json{{"name", out.map.points[i].name}, {"description", out.map.points[i].description},
+                                 {"positions", at}, {"difference", most}});
+  }
+
+  // The summary.
+  auto& s = out.summary;
+  s.push_back("TOWNSHIP SUMMARY - " + out.map.title);
+  s.push_back("Source file: " + plan.source);
+  std::string listed;
+  for (const SectionRun& run : runs) listed += (listed.empty() ? "" : ", ") + run.section;
+  s.push_back("Sections run: " + std::to_string(runs.size()) + (listed.empty() ? "" : " (" + listed + ")"));
+  std::string stopped;
+  for (const std::string& e : ended) stopped += (stopped.empty() ? "" : ", ") + e;
+  s.push_back("Sections ended or refused: " + (stopped.empty() ? std::string("none") : stopped));
+  s.push_back("Corners: " + std::to_string(out.map.points.size()));
+  s.push_back("Shared corners: " + std::to_string(out.sharedCorners));
+  s.push_back("Lines: " + std::to_string(out.map.lines.size()));
+  char tolerance[64];
+  std::snprintf(tolerance, sizeof tolerance, "%.2f", kAgreement);
+  s.push_back("Disagreements over " + std::string(tolerance) + " ft: " + std::to_string(out.disagreements.size()));
+  for (const Disagreement& d : out.disagreements) {
+    s.emplace_back("");
+    s.push_back("  " + d.name + "  " + d.description);
+    for (const CornerPosition& p : d.positions)
+      s.push_back("    Section " + p.section + " slot " + std::to_string(p.slot) + ":  X " + coordinate(p.x) + "  Y " + coordinate(p.y));
+    s.push_back("    Difference: " + coordinate(d.difference) + " ft");
+  }
+  s.emplace_back("");
+
+  // The township files, each whole.
+  const std::filesystem::path folder(options.dataFolder);
+  Json files = Json::array();
+  const auto textFiles = std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>{
+      {folder / "Township.txt", s}, {folder / "Township.inp", geopakLines(out.map)}, {folder / "Township.csv", pnezdLines(out.map)}};
+  writeTextFiles(textFiles);
+  writeDocument(folder / "Township.xml", cornerLandXml(out.map, stampOf(options.today.value_or(localToday()))));
+  writeCornerDxf(out.map, folder / "Township.dxf");
+  for (const char* name : {"Township.txt", "Township.inp", "Township.csv", "Township.xml", "Township.dxf"})
+    files.push_back((folder / name).string());
+
+  out.result = Json{{"sections", std::move(sections)},
+                    {"corners", out.map.points.size()},
+                    {"shared", out.sharedCorners},
+                    {"lines", out.map.lines.size()},
+                    {"disagreements", std::move(disagreements)},
+                    {"files", std::move(files)}};
+  return out;
+}
+
+}  // namespace tervalo

@@ -1,0 +1,52 @@
+#pragma once
+// A whole township in one run: each section of a plan played through the
+// section window's model exactly as a single run (its own report and GEOPAK
+// file), then every corner and line of the plan once, by its unique name,
+// in a GEOPAK file, a PNEZD CSV, a LandXML and a DXF; and every corner that
+// two sections computed compared between them.
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "app/runner.h"
+#include "export/corner_map.h"
+#include "township/plan.h"
+
+namespace tervalo {
+
+class FormRegistry;
+
+// One section's position of a corner.
+struct CornerPosition {
+  std::string section;
+  int slot = 0;
+  double x = 0, y = 0;
+};
+
+// A corner two sections put apart by more than the tolerance.
+struct Disagreement {
+  std::string name;         // the corner's unique name
+  std::string description;
+  std::vector<CornerPosition> positions;
+  double difference = 0;    // the greatest distance between two of them, in feet
+};
+
+struct TownshipOutcome {
+  nlohmann::ordered_json result;  // per section the runner's result; the counts, disagreements and files
+  int exitCode = 0;               // 0 every section ran to its end, 3 one ended
+  CornerMap map;                  // every corner and line once
+  std::size_t sharedCorners = 0;
+  std::vector<Disagreement> disagreements;
+  std::vector<std::string> summary;  // Township.txt
+};
+
+// Differences up to this are agreement: a hundredth of a foot.
+inline constexpr double kAgreement = 0.01;
+
+// Runs the plan into `options.dataFolder` and writes the township files
+// there: Township.txt, Township.inp, Township.csv, Township.xml, Township.dxf.
+TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options, const FormRegistry& registry);
+
+}  // namespace tervalo

@@ -1,0 +1,124 @@
+#include "township/township.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+#include "app/program.h"
+#include "support/temp_dir.h"
+
+namespace tervalo {
+namespace {
+
+using testing::TempDir;
+
+const std::string kExamples = std::string(TERVALO_SOURCE_DIR) + "/examples/";
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at < text.size();) {
+    const auto end = text.find("\r\n", at);
+    lines.push_back(text.substr(at, end - at));
+    at = end == std::string::npos ? text.size() : end + 2;
+  }
+  return lines;
+}
+
+class Township : public ::testing::Test {
+ protected:
+  TempDir dir;
+  TownshipPlan plan = readPlanFile(kExamples + "township.plan.json");
+  TownshipOutcome run() { return runTownship(plan, RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms()); }
+};
+
+// Four adjoining sections with irregular chains on their shared lines: each
+// section's files are a single run's; the plan's corners and lines once.
+TEST_F(Township, FourSectionsEachAsASingleRunSharedCornersOnce) {
+  const TownshipOutcome out = run();
+  EXPECT_EQ(out.exitCode, 0);
+  for (const SectionPlan& section : plan.sections) {
+    TempDir single;
+    const RunOutcome alone = runJob(sectionJob(plan, section, single.folder()), RunOptions{single.folder(), Date{2026, 11, 21}}, allForms());
+    for (const char* ending : {".inp", ".rpt"}) {
+      const std::string name = "SecSub-" + section.section + ending;
+      EXPECT_EQ(TempDir::read(dir.path() / name), TempDir::read(single.path() / name)) << name;
+    }
+  }
+  // A 9 by 9 grid of corners; the shared middle lines hold 17 of them and 16 lines.
+  EXPECT_EQ(out.map.points.size(), 81u);
+  EXPECT_EQ(out.sharedCorners, 17u);
+  EXPECT_EQ(out.map.lines.size(), 4u * 40u - 16u);
+  EXPECT_TRUE(out.disagreements.empty());
+  const auto csv = linesOf(TempDir::read(dir.path() / "Township.csv"));
+  std::set<std::string> names;
+  for (const std::string& line : csv)
+    if (!line.empty()) EXPECT_TRUE(names.insert(line.substr(0, line.find(','))).second) << line;
+  EXPECT_EQ(names.size(), 81u);
+  const std::string inp = TempDir::read(dir.path() / "Township.inp");
+  std::set<std::string> lineNames;
+  for (const std::string& line : linesOf(inp))
+    if (line.rfind("STO LIN ", 0) == 0) EXPECT_TRUE(lineNames.insert(line.substr(8, line.find(' ', 8) - 8)).second) << line;
+  EXPECT_EQ(lineNames.size(), 144u);
+  EXPECT_NE(TempDir::read(dir.path() / "Township.txt").find("Disagreements over 0.01 ft: 0\r\n"), std::string::npos);
+}
+
+// A different chain value on one side of a shared line is found, with the difference.
+TEST_F(Township, AChainThatDiffersAcrossASharedLineIsReported) {
+  plan.sections[1].chains["NofW"] = "20.5";  // section 13's side of the line section 14 measures as 20.25
+  const TownshipOutcome out = run();
+  ASSERT_EQ(out.disagreements.size(), 1u);
+  const Disagreement& d = out.disagreements[0];
+  ASSERT_EQ(d.positions.size(), 2u);
+  EXPECT_EQ(d.positions[0].section, "14");
+  EXPECT_EQ(d.positions[0].slot, 9);
+  EXPECT_EQ(d.positions[1].section, "13");
+  EXPECT_EQ(d.positions[1].slot, 5);
+  // 20 of 40.25 and 20 of 40.5 chains of the same quarter-mile, from the E 1/4 of 14 toward its NE corner.
+  const double quarterMile = std::hypot(517601.786 - 517610.069, 289872.136 - 287235.739);
+  EXPECT_NEAR(d.difference, quarterMile * (20 / 40.25 - 20 / 40.5), 1e-6);
+  const std::string summary = TempDir::read(dir.path() / "Township.txt");
+  EXPECT_NE(summary.find("Disagreements over 0.01 ft: 1\r\n"), std::string::npos);
+  EXPECT_NE(summary.find("    Section 13 slot 5:"), std::string::npos);
+  EXPECT_EQ(out.result["disagreements"][0]["positions"].size(), 2u);
+}
+
+// A section refused by its checks is reported with its boxes; the next goes on.
+TEST_F(Township, ARefusedSectionIsReportedAndTheNextGoesOn) {
+  plan.sections[0].township = "";
+  const TownshipOutcome out = run();
+  EXPECT_FALSE(out.result["sections"][0]["completed"].get<bool>());
+  EXPECT_FALSE(out.result["sections"][0]["result"]["messages"].empty());
+  EXPECT_TRUE(out.result["sections"][1]["completed"].get<bool>());
+  EXPECT_NE(TempDir::read(dir.path() / "Township.txt").find("Sections run: 3 (13, 23, 24)"), std::string::npos);
+}
+
+TEST(TownshipPlanFile, RefusedWithWhereAndReadBackAsWritten) {
+  const std::pair<const char*, const char*> refused[] = {
+      {R"({"sections":[]})", "at least one section"},
+      {R"({"version":2,"sections":[{"section":"1"}]})", "newer Tervalo"},
+      {R"({"sections":[{"section":"1","corner":{}}]})", "section 1: unknown key \"corner\""},
+      {R"({"sections":[{"section":"1"},{"section":"1"}]})", "section 2: section 1 is listed twice"},
+      {R"({"sections":[{"section":"1","corners":{"NW":{"x":"1"}}}]})", "corner NW: typed coordinates need both x and y"},
+      {R"({"sections":[{"section":"1","chains":{"NofX":"20"}}]})", "chains: unknown key \"NofX\""},
+      {R"({"sections":[{"section":"1","direction":"N"}]})", "\"direction\" is \"E\" or \"W\""},
+      {R"({"sections":[{"section":"1","section":"2"}]})", "not valid JSON"},
+  };
+  for (const auto& [text, message] : refused) {
+    try {
+      parsePlan(text);
+      ADD_FAILURE() << text;
+    } catch (const PlanError& e) {
+      EXPECT_NE(std::string(e.what()).find(message), std::string::npos) << e.what();
+    }
+  }
+  const TownshipPlan plan = readPlanFile(kExamples + "township.plan.json");
+  const TownshipPlan again = parsePlan(planText(plan));
+  EXPECT_EQ(planText(again), planText(plan));
+  EXPECT_EQ(again.sections[1].corners[1].point, "1009");
+  EXPECT_EQ(again.sections[0].chains.at("NofE"), "20.25");
+}
+
+}  // namespace
+}  // namespace tervalo
