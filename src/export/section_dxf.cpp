@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <charconv>
+#include <cstdio>
 #include <fstream>
 #include <limits>
 #include <memory>
@@ -23,6 +25,26 @@ struct Layer {
   int color;
 };
 constexpr Layer kLayers[] = {{"SEC", 7}, {"EWQ", 5}, {"NSQ", 5}, {"EWSX", 4}, {"NSSX", 4}, {"POINTS", 1}, {"ANNO", 3}};
+
+// dxflib's writer, less the flush it makes after every number: a township
+// drawing holds hundreds of thousands of them. Numbers are written as
+// dxflib writes them, fixed with 16 decimals less the trailing zeros.
+class DrawingWriter : public DL_WriterA {
+ public:
+  using DL_WriterA::DL_WriterA;
+  void dxfReal(int gc, double value) const override {
+    char text[400];
+    // As printf's "%.16f" writes it, without its cost.
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, 16).ptr;
+    std::string digits(text, end);
+    const auto dot = digits.find('.');
+    if (dot != std::string::npos) {
+      const auto last = digits.find_last_not_of('0');
+      digits.resize(std::max(last + 1, dot + 2));
+    }
+    dxfString(gc, digits);
+  }
+};
 
 DL_Attributes on(const char* layer) { return DL_Attributes(layer, 256, -1, "BYLAYER", 1.0); }
 
@@ -78,8 +100,12 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
 
   writeFileWith(file, [&](const std::filesystem::path& temp) {
     DL_Dxf dxf;
-    std::unique_ptr<DL_WriterA> dw(dxf.out(temp.c_str(), DL_Codes::AC1015));
-    if (!dw) return false;
+    // The library opens its own writer (and takes the drawing's version from it); ours replaces it.
+    std::unique_ptr<DL_WriterA> opened(dxf.out(temp.c_str(), DL_Codes::AC1015));
+    if (!opened) return false;
+    opened.reset();
+    auto dw = std::make_unique<DrawingWriter>(temp.c_str(), DL_Codes::AC1015);
+    if (dw->openFailed()) return false;
     dxf.writeHeader(*dw);
     dw->dxfString(9, "$INSUNITS");
     dw->dxfInt(70, 2);  // feet

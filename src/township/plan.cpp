@@ -64,7 +64,8 @@ TownshipPlan parsePlan(const std::string& text) {
     if (p.direction != "E" && p.direction != "W") throw PlanError(where + ": \"direction\" is \"E\" or \"W\"");
     p.meridian = textOf(s.value("meridian", Json("")), where + " \"meridian\"");
     if (p.section.empty()) throw PlanError(where + ": \"section\" is required");
-    if (!seen.insert(p.section).second) throw PlanError(where + ": section " + p.section + " is listed twice");
+    if (!seen.insert(p.section + " " + p.township + " " + p.range + p.direction).second)
+      throw PlanError(where + ": section " + p.section + " of T" + p.township + " R" + p.range + p.direction + " is listed twice");
     const Json corners = objectAt(s, "corners", where);
     refuseUnknown(corners, {"NW", "N", "NE", "W", "E", "SW", "S", "SE"}, where + " corners");
     for (std::size_t i = 0; i < kPlanCorners.size(); ++i) {
@@ -131,10 +132,17 @@ std::string planText(const TownshipPlan& plan) {
   return jsonText(Json{{"version", plan.version}, {"source", plan.source}, {"sections", sections}}) + "\n";
 }
 
+std::string sectionFileStem(const TownshipPlan& plan, const SectionPlan& p) {
+  const bool oneTownship = std::all_of(plan.sections.begin(), plan.sections.end(), [&p](const SectionPlan& other) {
+    return other.section != p.section || (other.township == p.township && other.range == p.range && other.direction == p.direction);
+  });
+  return "SecSub-" + p.section + (oneTownship ? "" : "-T" + p.township + "R" + p.range + p.direction);
+}
+
 Job sectionJob(const TownshipPlan& plan, const SectionPlan& p, const std::string& dataFolder) {
   Job job;
   job.calculator = "secsub";
-  const std::string files = dataFolder + "SecSub-" + p.section;
+  const std::string files = dataFolder + sectionFileStem(plan, p);
   job.steps.push_back({"frmMain",
                        {{"txtInFile", plan.source}, {"txtOutInp", files + ".inp"}, {"txtReport", files + ".rpt"}},
                        {"btnContinue"}});

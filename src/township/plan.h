@@ -53,9 +53,13 @@ TownshipPlan parsePlan(const std::string& jsonText);
 TownshipPlan readPlanFile(const std::string& file);
 std::string planText(const TownshipPlan& plan);
 
+// "SecSub-14", or "SecSub-14-T115R22W" where another township of the plan
+// has a section 14 too: the name of the section's report and GEOPAK file.
+std::string sectionFileStem(const TownshipPlan& plan, const SectionPlan& section);
+
 // The job a user's hands would play for one section: the main window's
 // source and output names, then the section window filled in and Continue.
-// Its files are SecSub-<section>.inp and .rpt in `dataFolder`.
+// Its files are <sectionFileStem>.inp and .rpt in `dataFolder`.
 Job sectionJob(const TownshipPlan& plan, const SectionPlan& section, const std::string& dataFolder);
 
 }  // namespace tervalo

@@ -99,7 +99,7 @@ TEST(TownshipPlanFile, RefusedWithWhereAndReadBackAsWritten) {
       {R"({"sections":[]})", "at least one section"},
       {R"({"version":2,"sections":[{"section":"1"}]})", "newer Tervalo"},
       {R"({"sections":[{"section":"1","corner":{}}]})", "section 1: unknown key \"corner\""},
-      {R"({"sections":[{"section":"1"},{"section":"1"}]})", "section 2: section 1 is listed twice"},
+      {R"({"sections":[{"section":"1","township":"2"},{"section":"1","township":"2"}]})", "section 2: section 1 of T2 RW is listed twice"},
       {R"({"sections":[{"section":"1","corners":{"NW":{"x":"1"}}}]})", "corner NW: typed coordinates need both x and y"},
       {R"({"sections":[{"section":"1","chains":{"NofX":"20"}}]})", "chains: unknown key \"NofX\""},
       {R"({"sections":[{"section":"1","direction":"N"}]})", "\"direction\" is \"E\" or \"W\""},
