@@ -54,12 +54,16 @@ TEST_F(Township, FourSectionsEachAsASingleRunSharedCornersOnce) {
   const auto csv = linesOf(TempDir::read(dir.path() / "Township.csv"));
   std::set<std::string> names;
   for (const std::string& line : csv)
-    if (!line.empty()) EXPECT_TRUE(names.insert(line.substr(0, line.find(','))).second) << line;
+    if (!line.empty()) {
+      EXPECT_TRUE(names.insert(line.substr(0, line.find(','))).second) << line;
+    }
   EXPECT_EQ(names.size(), 81u);
   const std::string inp = TempDir::read(dir.path() / "Township.inp");
   std::set<std::string> lineNames;
   for (const std::string& line : linesOf(inp))
-    if (line.rfind("STO LIN ", 0) == 0) EXPECT_TRUE(lineNames.insert(line.substr(8, line.find(' ', 8) - 8)).second) << line;
+    if (line.rfind("STO LIN ", 0) == 0) {
+      EXPECT_TRUE(lineNames.insert(line.substr(8, line.find(' ', 8) - 8)).second) << line;
+    }
   EXPECT_EQ(lineNames.size(), 144u);
   EXPECT_NE(TempDir::read(dir.path() / "Township.txt").find("Disagreements over 0.01 ft: 0\r\n"), std::string::npos);
 }
