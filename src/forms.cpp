@@ -11,6 +11,7 @@
 #include "hcurve/frm_horz_curve.h"
 #include "proportion/frm_prop.h"
 #include "secsub/frm_sec_sub.h"
+#include "township/frm_township.h"
 #include "vcurve/frm_vert_curve.h"
 
 namespace tervalo {
@@ -42,6 +43,7 @@ FormRegistry buildRegistry() {
   registry.addCalculator({"grading", "mnuMgrade", "frmGrade", [](Program& p) { p.shell().showModal(p.form("frmGrade")); }});
   registry.addForm("frmProp", [](Program& p) { return std::make_unique<frmProp>(p); });
   registry.addCalculator({"proportion", "mnuMprop", "frmProp", [](Program& p) { p.shell().showModal(p.form("frmProp")); }});
+  registry.addForm("frmTownship", [](Program& p) { return std::make_unique<frmTownship>(p); });
   return registry;
 }
 

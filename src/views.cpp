@@ -7,6 +7,7 @@
 #include "hcurve/horz_curve_view.h"
 #include "proportion/prop_view.h"
 #include "secsub/sec_sub_view.h"
+#include "township/township_view.h"
 #include "vcurve/vert_curve_view.h"
 
 namespace tervalo {
@@ -23,6 +24,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmProp", makePropView);
   shell.addView("frmGrade", makeGradeView);
   shell.addView("frmGradeOut", makeOutputView);
+  shell.addView("frmTownship", makeTownshipView);
 }
 
 }  // namespace tervalo

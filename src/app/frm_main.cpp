@@ -41,6 +41,9 @@ frmMain::frmMain(Program& program)
     if (this->program().registry().hasForm("frmAbout")) shell().showModal(this->program().form("frmAbout"));
   });
   add("mnuExit", mnuExit).click([this] { unload(); });
+  add("mnuTownship", mnuTownship).click([this] {
+    if (this->program().registry().hasForm("frmTownship")) shell().showModal(this->program().form("frmTownship"));
+  });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);
   for (std::size_t i = 0; i < mnuRecentFiles.size(); ++i) {

@@ -30,10 +30,10 @@ TEST_F(MainWindow, CaptionAndMenuInOrder) {
   for (const auto& e : main.controls())
     if (std::holds_alternative<MenuItem*>(e.control)) menu.push_back(e.name);
   const std::vector<std::string> own{"mnuSecSub", "mnuCurve", "mnuChorz", "mnuCvert", "mnuMisc", "mnuMgrade",
-                                     "mnuMprop", "mnuHelp", "mnuExit", "mnuOptions", "mnuRecent"};
+                                     "mnuMprop", "mnuHelp", "mnuExit", "mnuTownship", "mnuOptions", "mnuRecent"};
   // The program's own entries in their order, then the recent work.
-  EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 11), own);
-  EXPECT_EQ(menu.size(), 11u + 10u + 1u);
+  EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 12), own);
+  EXPECT_EQ(menu.size(), 12u + 10u + 1u);
   EXPECT_EQ(menu.back(), "mnuPrevious");
   EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");
   EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");

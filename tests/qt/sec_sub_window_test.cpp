@@ -3,7 +3,9 @@
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
+#include <QTableWidget>
 #include <QSettings>
 #include <QTest>
 #include <fstream>
@@ -142,6 +144,32 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
     QCOMPARE(outcome.exitCode, 0);
     for (const char* file : {"SecSub.rpt", "SecSub.inp"})
       QVERIFY2(TempDir::read(dir->path() / file) == TempDir::read(runnerDir.path() / file), file);
+  }
+
+  void aTownshipPlanOpenedRunAndADisagreementPickedOut() {
+    QString disagreements;
+    int picked = 0;
+    shell->inDialog = [&](QDialog& d) {
+      QCOMPARE(d.windowTitle(), QString("Township"));
+      shell->chosenFiles.push_back(kExamples + "township.plan.json");
+      QTest::mouseClick(d.findChild<QPushButton*>("btnOpenPlan"), Qt::LeftButton);
+      auto* table = d.findChild<QTableWidget*>("tblSections");
+      QCOMPARE(table->rowCount(), 4);
+      QCOMPARE(table->item(1, 5)->text(), QString("1009"));  // section 13's N 1/4
+      // Section 13's NW corner typed a tenth of a foot east of the point section 14 holds.
+      table->item(1, 4)->setText("517601.886 289872.136");
+      QTest::mouseClick(d.findChild<QPushButton*>("btnRun"), Qt::LeftButton);
+      auto* summary = d.findChild<QListWidget*>("lstSummary");
+      for (int i = 0; i < summary->count(); ++i) {
+        if (summary->item(i)->text().startsWith("Disagreements")) disagreements = summary->item(i)->text();
+        if (summary->item(i)->font().bold()) ++picked;
+      }
+    };
+    program->form<frmMain>("frmMain").click("mnuTownship");
+    // The corner itself, and the sixteenth both sections measure toward it.
+    QCOMPARE(disagreements, QString("Disagreements over 0.01 ft: 2"));
+    QCOMPARE(picked, 2 * 4);  // each: the corner, its two positions and the difference
+    for (const char* file : {"Township.txt", "Township.dxf", "SecSub-13.rpt"}) QVERIFY2(std::filesystem::exists(dir->path() / file), file);
   }
 
   // Every text the section window holds, by field.

@@ -19,6 +19,7 @@
 #include "vcurve/frm_vert_curve.h"
 #include "secsub/frm_sec_sub.h"
 #include "text/errors.h"
+#include "township/frm_township.h"
 
 namespace tervalo {
 namespace {
@@ -86,6 +87,14 @@ void fillExamples(Program& program) {
                                      {"txtFirst", "10+00"}, {"txtLast", "21+00"}, {"txtIncrement", "200"}})
     proportion.typeText(field, value);
   proportion.click("btnCalc");
+
+  // The example plan of four sections, one corner typed a tenth of a foot off: a disagreement to see.
+  auto& township = program.form<frmTownship>("frmTownship");
+  township.plan = readPlanFile("examples/township.plan.json");
+  township.txtSource.text = township.plan.source;
+  ++township.tableVersion;
+  township.setCell(1, 4, "517601.886 289872.136");
+  township.click("btnRun");
 }
 
 // A dark theme as a desktop's dark colour scheme gives one.

@@ -1,0 +1,143 @@
+#include "township/frm_township.h"
+
+#include <algorithm>
+
+#include "app/program.h"
+#include "export/export_file.h"
+#include "text/errors.h"
+#include "township/township.h"
+
+namespace tervalo {
+
+frmTownship::frmTownship(Program& program) : FormModel(program, "frmTownship", "Township") {
+  add("lblSource", lblSource);
+  add("txtSource", txtSource);
+  add("btnSource", btnSource).click([this] {
+    const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtSource.text,
+                                           {"Coordinate files (*.txt *.csv *.sdms *.rpt)", "All files (*)"});
+    if (chosen && !chosen->empty()) txtSource.text = *chosen;
+  });
+  add("btnOpenPlan", btnOpenPlan).click([this] { btnOpenPlan_Click(); });
+  add("btnSavePlan", btnSavePlan).click([this] { btnSavePlan_Click(); });
+  add("btnAddSection", btnAddSection).click([this] {
+    SectionPlan row;
+    // A new row takes the township of the row above, as the next section of it usually does.
+    if (!plan.sections.empty()) {
+      row.township = plan.sections.back().township;
+      row.range = plan.sections.back().range;
+      row.direction = plan.sections.back().direction;
+    }
+    plan.sections.push_back(row);
+    currentRow = static_cast<int>(plan.sections.size()) - 1;
+    ++tableVersion;
+  });
+  add("btnRemoveSection", btnRemoveSection).click([this] {
+    if (currentRow < 0 || currentRow >= static_cast<int>(plan.sections.size())) return;
+    plan.sections.erase(plan.sections.begin() + currentRow);
+    currentRow = std::min(currentRow, static_cast<int>(plan.sections.size()) - 1);
+    ++tableVersion;
+  });
+  add("btnRun", btnRun).click([this] { btnRun_Click(); });
+  add("btnReturn", btnReturn).click([this] { unload(); });
+  add("lblSummary", lblSummary);
+  add("lstSummary", lstSummary);
+}
+
+std::string frmTownship::cell(int row, int column) const {
+  const SectionPlan& s = plan.sections.at(static_cast<std::size_t>(row));
+  switch (column) {
+    case 0: return s.section;
+    case 1: return s.township;
+    case 2: return s.range;
+    case 3: return s.direction;
+    case 12: return s.numbering;
+    default: break;
+  }
+  const PlanCorner& c = s.corners.at(static_cast<std::size_t>(column - 4));
+  return c.point.empty() && !c.x.empty() ? c.x + " " + c.y : c.point;
+}
+
+void frmTownship::setCell(int row, int column, const std::string& text) {
+  SectionPlan& s = plan.sections.at(static_cast<std::size_t>(row));
+  switch (column) {
+    case 0: s.section = text; return;
+    case 1: s.township = text; return;
+    case 2: s.range = text; return;
+    case 3: s.direction.assign(1, text == "e" || text == "E" ? 'E' : 'W'); return;
+    case 12: s.numbering = text.empty() ? "1" : text; return;
+    default: break;
+  }
+  // A point number, or typed coordinates as "X Y".
+  PlanCorner& c = s.corners.at(static_cast<std::size_t>(column - 4));
+  c = {};
+  const auto space = text.find(' ');
+  if (space == std::string::npos) {
+    c.point = text;
+  } else {
+    c.x = text.substr(0, space);
+    c.y = text.substr(text.find_first_not_of(' ', space) == std::string::npos ? text.size() : text.find_first_not_of(' ', space));
+  }
+}
+
+void frmTownship::btnOpenPlan_Click() {
+  const auto chosen = shell().chooseFile(FileDialog::Open, "Open Township Plan", program().userAppData,
+                                         {"Township plans (*.json)", "All files (*)"});
+  if (!chosen || chosen->empty()) return;
+  try {
+    plan = readPlanFile(*chosen);
+  } catch (const PlanError& e) {
+    shell().msgBox("Open Township Plan", "\"" + *chosen + "\" cannot be opened: " + e.what(), Icon::Exclamation);
+    return;
+  }
+  txtSource.text = plan.source;
+  currentRow = plan.sections.empty() ? -1 : 0;
+  lstSummary.items.clear();
+  disagreementLines.clear();
+  ++tableVersion;
+}
+
+void frmTownship::btnSavePlan_Click() {
+  const auto chosen = shell().chooseFile(FileDialog::Save, "Save Township Plan", program().userAppData + "township.plan.json",
+                                         {"Township plans (*.json)"});
+  if (!chosen || chosen->empty()) return;
+  plan.source = txtSource.text;
+  const std::filesystem::path file(*chosen);
+  exportFile(shell(), "Save Township Plan", file, {{exportKind(file), [&] { writeDocument(file, planText(plan)); }}});
+}
+
+void frmTownship::btnRun_Click() {
+  plan.source = txtSource.text;
+  if (plan.sections.empty()) {
+    shell().msgBox("Township", "Add the sections to run first.", Icon::Information);
+    return;
+  }
+  // Every row read back through the plan reader, so the window refuses what a plan file would.
+  TownshipPlan checked;
+  try {
+    checked = parsePlan(planText(plan));
+  } catch (const PlanError& e) {
+    shell().msgBox("Township", std::string("The plan cannot be run: ") + e.what(), Icon::Exclamation);
+    return;
+  }
+  checked.source = plan.source;
+  TownshipOutcome out;
+  try {
+    out = runTownship(checked, RunOptions{program().userAppData, shell().today()}, program().registry());
+  } catch (const ProgramFault& e) {
+    shell().msgBox(e.title(), e.what(), Icon::Critical);
+    return;
+  }
+  lstSummary.items = out.summary;
+  disagreementLines.clear();
+  // Each disagreement's lines: its name, each section's position and the difference.
+  bool inside = false;
+  for (std::size_t i = 0; i < out.summary.size(); ++i) {
+    const std::string& line = out.summary[i];
+    if (line.rfind("  ", 0) == 0) inside = true;
+    if (line.empty()) inside = false;
+    if (inside) disagreementLines.push_back(static_cast<int>(i));
+  }
+  for (const auto& file : out.result["files"]) shell().fileWritten(file.get<std::string>());
+}
+
+}  // namespace tervalo

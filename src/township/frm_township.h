@@ -1,0 +1,48 @@
+#pragma once
+// The township window: a plan's sections as a table (each with its corner
+// point numbers), loaded from and saved as the plan file, Run, and the
+// summary with the shared corners that disagree picked out.
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "app/form_model.h"
+#include "township/plan.h"
+
+namespace tervalo {
+
+class frmTownship : public FormModel {
+ public:
+  explicit frmTownship(Program& program);
+
+  Label lblSource{"Source file:"};
+  TextBox txtSource;
+  Button btnSource{"Browse"};
+  Button btnOpenPlan{"Open Plan..."};
+  Button btnSavePlan{"Save Plan..."};
+  Button btnAddSection{"Add Section"};
+  Button btnRemoveSection{"Remove Section"};
+  Button btnRun{"Run"};
+  Button btnReturn{"Return"};
+  Label lblSummary{"Summary:"};
+  ListBox lstSummary;
+
+  // The table: one row per section of the plan, in these columns.
+  static constexpr std::array<const char*, 13> kColumns{"Section", "Township", "Range", "E/W", "NW", "N",   "NE",
+                                                        "W",       "E",        "SW",    "S",   "SE",  "Numbering"};
+  TownshipPlan plan;
+  int currentRow = -1;   // the row the cursor is in, for Remove Section
+  int tableVersion = 0;  // changes whenever rows come or go, so the view rebuilds its table
+  std::string cell(int row, int column) const;
+  void setCell(int row, int column, const std::string& text);
+
+  // The summary lines that belong to a disagreement, to be picked out.
+  std::vector<int> disagreementLines;
+
+  void btnOpenPlan_Click();
+  void btnSavePlan_Click();
+  void btnRun_Click();
+};
+
+}  // namespace tervalo

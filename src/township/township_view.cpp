@@ -1,0 +1,109 @@
+#include "township/township_view.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+#include "app/qt/binder.h"
+#include "app/qt/form_dialog.h"
+#include "township/frm_township.h"
+
+namespace tervalo {
+namespace {
+
+class TownshipView : public FormDialog {
+ public:
+  TownshipView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* outer = new QVBoxLayout(this);
+    auto* source = new QHBoxLayout;
+    QLabel* caption = label("lblSource");
+    QLineEdit* name = edit("txtSource");
+    caption->setBuddy(name);
+    source->addWidget(caption);
+    source->addWidget(name, 1);
+    source->addWidget(button("btnSource"));
+    source->addWidget(button("btnOpenPlan"));
+    source->addWidget(button("btnSavePlan"));
+    outer->addLayout(source);
+
+    table_ = new QTableWidget(this);
+    table_->setObjectName("tblSections");
+    table_->setAccessibleName("Sections");
+    table_->setColumnCount(static_cast<int>(frmTownship::kColumns.size()));
+    QStringList headers;
+    for (const char* column : frmTownship::kColumns) headers << column;
+    table_->setHorizontalHeaderLabels(headers);
+    table_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    for (int column : {0, 1, 3}) table_->horizontalHeader()->setSectionResizeMode(column, QHeaderView::ResizeToContents);
+    // Room for four sections and their corner numbers, within a 1366 by 768 screen.
+    table_->setMinimumSize(940, 170);
+    table_->setToolTip("A corner is a point number of the source file, or its X and Y typed with a space between.");
+    outer->addWidget(table_, 2);
+    // Typing in a cell is typing in the plan; the row the cursor is in is the one Remove takes.
+    connect(table_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
+      if (filling_) return;
+      form().setCell(item->row(), item->column(), item->text().trimmed().toStdString());
+    });
+    connect(table_, &QTableWidget::currentCellChanged, this, [this](int row) { form().currentRow = row; });
+
+    auto* rows = new QHBoxLayout;
+    rows->addWidget(button("btnAddSection"));
+    rows->addWidget(button("btnRemoveSection"));
+    rows->addStretch();
+    QPushButton* run = button("btnRun");
+    run->setDefault(true);
+    rows->addWidget(run);
+    rows->addWidget(button("btnReturn"));
+    outer->addLayout(rows);
+    QLabel* summaryCaption = label("lblSummary");
+    summary_ = list("lstSummary", true);
+    summaryCaption->setBuddy(summary_);
+    outer->addWidget(summaryCaption);
+    summary_->setMinimumHeight(220);
+    outer->addWidget(summary_, 1);
+    bind();
+    binder_->onRefresh = [this] { refresh(); };
+    refresh();
+  }
+
+ private:
+  frmTownship& form() { return static_cast<frmTownship&>(model_); }
+
+  void refresh() {
+    frmTownship& f = form();
+    if (shownVersion_ != f.tableVersion) {
+      shownVersion_ = f.tableVersion;
+      filling_ = true;
+      table_->setRowCount(static_cast<int>(f.plan.sections.size()));
+      for (int row = 0; row < table_->rowCount(); ++row)
+        for (int column = 0; column < table_->columnCount(); ++column)
+          table_->setItem(row, column, new QTableWidgetItem(QString::fromStdString(f.cell(row, column))));
+      filling_ = false;
+      if (f.currentRow >= 0) table_->setCurrentCell(f.currentRow, 0);
+    }
+    // The disagreeing corners stand out: bold, in the theme's link colour.
+    for (int line : f.disagreementLines)
+      if (QListWidgetItem* item = summary_->item(line)) {
+        QFont bold = item->font();
+        bold.setBold(true);
+        item->setFont(bold);
+        item->setForeground(palette().color(QPalette::Link));
+      }
+  }
+
+  QTableWidget* table_ = nullptr;
+  QListWidget* summary_ = nullptr;
+  int shownVersion_ = -1;
+  bool filling_ = false;
+};
+
+}  // namespace
+
+QDialog* makeTownshipView(FormModel& m, QtShell& s, QWidget* p) { return new TownshipView(m, s, p); }
+
+}  // namespace tervalo
