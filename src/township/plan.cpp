@@ -14,9 +14,11 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 void refuseUnknown(const Json& object, std::initializer_list<const char*> known, const std::string& where) {
-  for (const auto& [key, value] : object.items())
+  for (const auto& item : object.items()) {
+    const std::string& key = item.key();
     if (std::none_of(known.begin(), known.end(), [&key](const char* k) { return key == k; }))
       throw PlanError(where + ": unknown key \"" + key + "\"");
+  }
 }
 
 // A text field: a string, or a number written as the user would type it.
@@ -82,10 +84,11 @@ TownshipPlan parsePlan(const std::string& text) {
       }
     }
     const Json chains = objectAt(s, "chains", where);
-    for (const auto& [key, value] : chains.items()) {
+    for (const auto& item : chains.items()) {
+      const std::string& key = item.key();
       if (std::find_if(kPlanChains.begin(), kPlanChains.end(), [&key](const char* k) { return key == k; }) == kPlanChains.end())
         throw PlanError(where + " chains: unknown key \"" + key + "\"");
-      p.chains[key] = textOf(value, where + " chain " + key);
+      p.chains[key] = textOf(item.value(), where + " chain " + key);
     }
     p.numbering = textOf(s.value("numbering", Json("1")), where + " \"numbering\"");
     plan.sections.push_back(std::move(p));
