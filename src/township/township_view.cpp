@@ -84,7 +84,11 @@ class TownshipView : public FormDialog {
         for (int column = 0; column < table_->columnCount(); ++column)
           table_->setItem(row, column, new QTableWidgetItem(QString::fromStdString(f.cell(row, column))));
       filling_ = false;
+      const bool added = table_->rowCount() > shownRows_;
+      shownRows_ = table_->rowCount();
       if (f.currentRow >= 0) table_->setCurrentCell(f.currentRow, 0);
+      // A section just added is typed into at once, from its first cell.
+      if (added && f.currentRow >= 0 && isVisible()) table_->setFocus();
     }
     // The disagreeing corners stand out: bold, in the theme's link colour.
     for (int line : f.disagreementLines)
@@ -99,6 +103,7 @@ class TownshipView : public FormDialog {
   QTableWidget* table_ = nullptr;
   QListWidget* summary_ = nullptr;
   int shownVersion_ = -1;
+  int shownRows_ = 0;
   bool filling_ = false;
 };
 
