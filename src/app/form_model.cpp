@@ -84,6 +84,13 @@ void FormModel::browseForOutput(TextBox& field) {
   field.text = *chosen;
 }
 
+std::optional<std::string> FormModel::chooseSourceFile(const std::string& current) {
+  auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", current,
+                                   {"Coordinate files (*.txt *.csv *.sdms *.rpt)", "All files (*)"});
+  if (chosen && chosen->empty()) chosen.reset();
+  return chosen;
+}
+
 void FormModel::addInputFileButtons() {
   add("btnOpenInputs", btnOpenInputs).click([this] { openInputs(); });
   add("btnSaveInputs", btnSaveInputs).click([this] { saveInputs(); });

@@ -2,6 +2,7 @@
 // The behaviour of one window, without the window: its controls as data, its
 // events and procedures. Views and the job runner drive it by control name.
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -103,6 +104,8 @@ class FormModel {
   // Browse for an output file: the chosen name goes into `field` and
   // becomes the program's output name; a cancelled dialog changes nothing.
   void browseForOutput(TextBox& field);
+  // The coordinate file dialog, starting from `current`; nothing when cancelled.
+  std::optional<std::string> chooseSourceFile(const std::string& current);
 
   // Adds btnSaveInputs and btnOpenInputs to the control table.
   void addInputFileButtons();

@@ -154,10 +154,7 @@ void frmMain::btnContinue_Click() {
 }
 
 void frmMain::btnInFile_Click() {
-  const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtInFile.text,
-                                         {"Coordinate files (*.txt *.csv *.sdms *.rpt)", "All files (*)"});
-  if (!chosen || chosen->empty()) return;
-  useSourceFile(*chosen);
+  if (const auto chosen = chooseSourceFile(txtInFile.text)) useSourceFile(*chosen);
 }
 
 void frmMain::useSourceFile(const std::string& file) {

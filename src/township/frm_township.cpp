@@ -13,9 +13,7 @@ frmTownship::frmTownship(Program& program) : FormModel(program, "frmTownship", "
   add("lblSource", lblSource);
   add("txtSource", txtSource);
   add("btnSource", btnSource).click([this] {
-    const auto chosen = shell().chooseFile(FileDialog::Open, "Select the File For Input", txtSource.text,
-                                           {"Coordinate files (*.txt *.csv *.sdms *.rpt)", "All files (*)"});
-    if (chosen && !chosen->empty()) txtSource.text = *chosen;
+    if (const auto chosen = chooseSourceFile(txtSource.text)) txtSource.text = *chosen;
   });
   add("btnOpenPlan", btnOpenPlan).click([this] { btnOpenPlan_Click(); });
   add("btnSavePlan", btnSavePlan).click([this] { btnSavePlan_Click(); });
@@ -128,15 +126,7 @@ void frmTownship::btnRun_Click() {
     return;
   }
   lstSummary.items = out.summary;
-  disagreementLines.clear();
-  // Each disagreement's lines: its name, each section's position and the difference.
-  bool inside = false;
-  for (std::size_t i = 0; i < out.summary.size(); ++i) {
-    const std::string& line = out.summary[i];
-    if (line.rfind("  ", 0) == 0) inside = true;
-    if (line.empty()) inside = false;
-    if (inside) disagreementLines.push_back(static_cast<int>(i));
-  }
+  disagreementLines = out.disagreementLines;
   for (const auto& file : out.result["files"]) shell().fileWritten(file.get<std::string>());
 }
 

@@ -138,12 +138,16 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   char tolerance[64];
   std::snprintf(tolerance, sizeof tolerance, "%.2f", kAgreement);
   s.push_back("Disagreements over " + std::string(tolerance) + " ft: " + std::to_string(out.disagreements.size()));
+  auto told = [&out](std::string line) {
+    out.disagreementLines.push_back(static_cast<int>(out.summary.size()));
+    out.summary.push_back(std::move(line));
+  };
   for (const Disagreement& d : out.disagreements) {
     s.emplace_back("");
-    s.push_back("  " + d.name + "  " + d.description);
+    told("  " + d.name + "  " + d.description);
     for (const CornerPosition& p : d.positions)
-      s.push_back("    Section " + p.section + " slot " + std::to_string(p.slot) + ":  X " + coordinate(p.x) + "  Y " + coordinate(p.y));
-    s.push_back("    Difference: " + coordinate(d.difference) + " ft");
+      told("    Section " + p.section + " slot " + std::to_string(p.slot) + ":  X " + coordinate(p.x) + "  Y " + coordinate(p.y));
+    told("    Difference: " + coordinate(d.difference) + " ft");
   }
   s.emplace_back("");
 

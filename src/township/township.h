@@ -40,6 +40,7 @@ struct TownshipOutcome {
   std::size_t sharedCorners = 0;
   std::vector<Disagreement> disagreements;
   std::vector<std::string> summary;  // Township.txt
+  std::vector<int> disagreementLines;  // the summary's lines that tell of a disagreement
 };
 
 // Differences up to this are agreement: a hundredth of a foot.
