@@ -9,21 +9,28 @@
 
 namespace tervalo {
 
+namespace {
+// addProfiles: a parallel profile's elevation, from the elevation as printed.
+std::string profileElevation(const std::string& elevationText, double offset) {
+  return Format(Val(elevationText) + offset, "#0.000");
+}
+}  // namespace
+
 ListingRow listingRow(const std::string& stationText, const std::string& mark, const std::string& elevationText,
                       const std::array<double, 3>& profiles) {
   ListingRow row{stationText, mark, elevationText, {}, {}};
-  // addProfiles: each from the elevation as printed.
   for (double offset : profiles)
-    if (offset != 0) row.profiles.push_back(Format(Val(elevationText) + offset, "#0.000"));
+    if (offset != 0) row.profiles.push_back(profileElevation(elevationText, offset));
   return row;
 }
 
 std::string addItemTstr(const std::string& stationText, const std::string& mark, const std::string& elevationText,
                         const std::array<double, 3>& profiles) {
-  const ListingRow row = listingRow(stationText, mark, elevationText, profiles);
   std::string line = rightJustify(stationText, 12) + "  " + leftJustify(mark, 5) + rightJustify(elevationText, 8) + "  ";
-  // One space before the first profile, two before the others.
-  for (std::size_t k = 0; k < row.profiles.size(); ++k) line += (k == 0 ? " " : "  ") + row.profiles[k];
+  // Each profile keeps its own column: profile 1 after one space, profiles
+  // 2 and 3 after two, whichever of them are used.
+  for (std::size_t k = 0; k < profiles.size(); ++k)
+    if (profiles[k] != 0) line += (k == 0 ? " " : "  ") + profileElevation(elevationText, profiles[k]);
   return line;
 }
 
@@ -62,7 +69,9 @@ namespace {
 // into the OUT stationing: the PVC, PVT and turning station move by
 // OUT - IN, and the current station is advanced by the increment until it
 // is not below OUT. So an equation before the PVC is written at the first
-// curve station, and one beyond the PVT is not written at all.
+// curve station, and one beyond the PVT is not written at all. The curve
+// stations run up to and including the PVT; a turning point that none of
+// them reached is written as the curve ends, so it is never left out.
 class Walk {
  public:
   Walk(VerticalCurve& curve, const ListingInput& in) : c_(curve), in_(in) {
@@ -94,13 +103,21 @@ class Walk {
       return writeEquations(x);
     bool replaced = false;
     if (turningPending_ && c_.turningStation <= x) {
-      turningPending_ = false;
-      add(Format(c_.turningStation, mask()), c_.hasMin ? "MIN" : "MAX", Format(c_.turningElev, "#0.000"));
+      turningLine();
       replaced = c_.turningStation == x;
     }
     if (equationPending_ && in_.equation->first <= x) return writeEquations(x);
     if (!replaced) plain(x);
     return x + in_.increment;
+  }
+
+  // The low or high point's line, once. The turning point lies on the
+  // curve, so one that no curve station reached is written as the curve
+  // ends, before anything beyond the PVT: it is never dropped.
+  void turningLine() {
+    if (!turningPending_) return;
+    turningPending_ = false;
+    add(Format(c_.turningStation, mask()), c_.hasMin ? "MIN" : "MAX", Format(c_.turningElev, "#0.000"));
   }
 
   // The PVC line carries the PVC elevation as the results show it.
@@ -176,17 +193,20 @@ Listing processVincrements(VerticalCurve curve, const ListingInput& in) {
   // far (the start in exact mode, the rounded multiple otherwise) is not
   // itself listed here.
   for (x += step; x < c.pvc && !walk.full(); x += step) walk.plain(x);
-  // At the PVC, wherever it lies: its own line, or the equation standing there.
-  if (!in.equation || c.pvc != in.equation->first)
+  // At the PVC, wherever it lies: its own line, or the equation standing
+  // there. The PVC is compared with the equation's IN station, which is 0
+  // when there is no equation: a PVC at 0+00 then has no line of its own,
+  // and a rounded listing from 0+00 lists it once, as its start.
+  const double equationIn = in.equation ? in.equation->first : 0;
+  if (c.pvc != equationIn)
     walk.pvcLine();
-  else
+  else if (in.equation)
     x = walk.writeEquations(x);
   if (x == c.pvc) x += step;  // listed just now
-  while (x < c.pvt && !walk.full()) x = walk.onCurve(x);
-  if (x == c.pvt && !walk.full()) {
-    walk.plain(x);
-    x += step;
-  }
+  // The curve up to and including the PVT, which a station on it lists as
+  // the PVT line; then the turning point if no curve station reached it.
+  while (x <= c.pvt && !walk.full()) x = walk.onCurve(x);
+  walk.turningLine();
   // After the PVT, below the end station; then the end station as the last
   // line, once: not again when it was just listed (a PVT on the end station).
   for (; x < in.end && !walk.full(); x += step) walk.plain(x);

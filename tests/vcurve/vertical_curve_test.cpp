@@ -141,13 +141,35 @@ TEST_F(Listings, TheTurningPointIsMergedOnlyOnTheCurve) {
   EXPECT_EQ(stations(processVincrements(c, range(900, 1100, 100))),
             (std::vector<std::string>{"9+00.000/C", "8+00.000/PVC", "10+00.000/C", "10+40.000/MIN", "11+00.000/C",
                                       "12+00.000/PVT", "11+00.000/C"}));
-  // A low point at 11+80 that no curve station below the PVT reaches has no line;
-  // nor has one when the listing starts beyond the PVT.
+}
+
+TEST_F(Listings, TheLowPointIsNeverDroppedBetweenTheLastCurveStationAndThePvt) {
+  // PVC 834+50, PVT 838+00 on an increment, low point 837+50, by 100 from 832+54.89.
+  VerticalCurve c = makeCurve(-0.06, 0.01, 350, KnownPoint::PVC, 83450, 100);
+  minMaxCalc(c);
+  ASSERT_DOUBLE_EQ(c.turningStation, 83750);
+  EXPECT_EQ(stations(processVincrements(c, range(83254.89, 84000, 100))),
+            (std::vector<std::string>{"832+54.890/T", "834+00.000/T", "834+50.000/PVC", "835+00.000/C", "836+00.000/C",
+                                      "837+00.000/C", "837+50.000/MIN", "838+00.000/PVT", "839+00.000/T",
+                                      "840+00.000/T"}));
+  // A PVT between increments, and a listing that starts beyond the PVT: the
+  // low point at 11+80 still has its line, after the curve's last listed station.
   VerticalCurve late = makeCurve(-0.0475, 0.0025, 400, KnownPoint::PVC, 800, 100);
   minMaxCalc(late);
   ASSERT_DOUBLE_EQ(late.turningStation, 1180);
-  for (const ListingInput& in : {range(800, 1300, 100), range(1250, 1300, 100, true)})
-    for (const std::string& s : stations(processVincrements(late, in))) EXPECT_EQ(s.find("MIN"), std::string::npos) << s;
+  EXPECT_EQ(stations(processVincrements(late, range(850, 1250, 100, true))),
+            (std::vector<std::string>{"8+00.000/PVC", "9+50.000/C", "10+50.000/C", "11+50.000/C", "11+80.000/MIN",
+                                      "12+50.000/T"}));
+  EXPECT_EQ(stations(processVincrements(late, range(1250, 1300, 100, true))),
+            (std::vector<std::string>{"8+00.000/PVC", "11+80.000/MIN", "13+00.000/T"}));
+}
+
+TEST_F(Listings, APvcAtZeroWithoutAnEquationIsListedOnce) {
+  VerticalCurve c = makeCurve(-0.02, 0.02, 400, KnownPoint::PVC, 0, 100);
+  minMaxCalc(c);
+  EXPECT_EQ(stations(processVincrements(c, range(0, 500, 100))),
+            (std::vector<std::string>{"+.000/PVC", "1+00.000/C", "2+00.000/MIN", "3+00.000/C", "4+00.000/PVT",
+                                      "5+00.000/T"}));
 }
 
 TEST_F(Listings, AfterTheEquationTheListingGoesOnFromTheCurrentStation) {
@@ -171,7 +193,7 @@ TEST_F(Listings, AfterTheEquationTheListingGoesOnFromTheCurrentStation) {
 
 TEST_F(Listings, AfterThePvtBelowTheEndThenTheEndOnce) {
   EXPECT_EQ(stations(processVincrements(sag, range(1300, 1500, 100))),
-            (std::vector<std::string>{"13+00.000/T", "8+00.000/PVC", "14+00.000/T", "15+00.000/T"}));
+            (std::vector<std::string>{"13+00.000/T", "8+00.000/PVC", "10+00.000/MIN", "14+00.000/T", "15+00.000/T"}));
   EXPECT_EQ(stations(processVincrements(sag, range(1300, 1560, 100))).back(), "15+60.000/T");
   // The PVT on the end station is listed once.
   const auto toPvt = stations(processVincrements(sag, range(900, 1200, 100)));
@@ -201,8 +223,17 @@ TEST_F(Listings, HugeRangesAndTinyIncrementsStillEnd) {
 TEST(ListLines, LayoutMasksAndProfiles) {
   EXPECT_EQ(addItemTstr("+45.000", "T", ".500", {}), "     +45.000  T        .500  ");
   EXPECT_EQ(addItemTstr("10+00.000", "PVC", "12345.678", {}), "   10+00.000  PVC  12345.67  ");
-  EXPECT_EQ(addItemTstr("10+00.000", "C", "102.000", {-0.5, 1.25, 10}),
-            "   10+00.000  C     102.000   101.500  103.250  112.000");
+}
+
+TEST(ListLines, EachProfileKeepsItsColumnWhicheverOffsetsAreUsed) {
+  // Profile 1 after one space, profiles 2 and 3 after two: all seven combinations.
+  const std::string head = "   10+00.000  C     102.000  ";
+  const std::vector<std::pair<std::array<double, 3>, std::string>> cases = {
+      {{-0.5, 0, 0}, " 101.500"},          {{0, 1.25, 0}, "  103.250"},
+      {{0, 0, 10}, "  112.000"},           {{-0.5, 1.25, 0}, " 101.500  103.250"},
+      {{-0.5, 0, 10}, " 101.500  112.000"}, {{0, 1.25, 10}, "  103.250  112.000"},
+      {{-0.5, 1.25, 10}, " 101.500  103.250  112.000"}};
+  for (const auto& [profiles, tail] : cases) EXPECT_EQ(addItemTstr("10+00.000", "C", "102.000", profiles), head + tail);
 }
 
 }  // namespace
