@@ -17,7 +17,9 @@ std::string csvField(const std::string& text) {
 }
 
 std::vector<std::string> pnezdLines(const CornerMap& map) {
-  std::vector<std::string> lines;
+  // The header names the order, so that no reader (this program's among
+  // them) takes the northing for X.
+  std::vector<std::string> lines{kPnezdHeader};
   for (const MapPoint& c : map.points)
     lines.push_back(csvField(c.name) + "," + coordinate(c.y) + "," + coordinate(c.x) + ",," + csvField(c.description));
   return lines;

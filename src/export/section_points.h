@@ -22,9 +22,12 @@ class ExportError : public std::runtime_error {
 // quote or a line end, with its quotes doubled.
 std::string csvField(const std::string& text);
 
-// One line per present position, in slot order, no header: name, northing,
-// easting, an empty elevation (plane corners), description; coordinates
-// with four decimals.
+// The header row of a PNEZD file, naming its columns.
+inline constexpr const char* kPnezdHeader = "Point,Northing,Easting,Elevation,Description";
+
+// The header row, then one line per present position, in slot order: name,
+// northing, easting, an empty elevation (plane corners), description;
+// coordinates with four decimals.
 std::vector<std::string> pnezdLines(const CornerMap& map);
 
 // One line per present position: name, X, Y, feature, description. The

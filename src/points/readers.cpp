@@ -66,6 +66,26 @@ double reportCoordinate(std::string_view field, bool commaRequired, const LineRe
   return numberOnLine([&text] { return Val(trim(text)); }, in);
 }
 
+// Text that is no number at all (a number too large for a double is still a number).
+bool isWord(std::string_view text) {
+  try {
+    return !strictNumber(text);
+  } catch (const RunTimeError&) {
+    return false;
+  }
+}
+
+// A first line whose X and Y are words is the header of a table from
+// another program, a PNEZD export among them (Point,Northing,Easting,...):
+// still the type mismatch it always was, said so that nobody takes the
+// columns for X and Y by hand.
+[[noreturn]] void refuseHeader(const std::string& name, const std::string& x, const std::string& y, const LineReader& in) {
+  in.fail("Type mismatch: the first line is a header naming columns (" + name + ", " + x + ", " + y +
+          ", ...), not a point. A comma-delimited coordinate file holds one point a line, in the order name, X "
+          "(easting), Y (northing), feature code, description, with no header; a PNEZD file puts the northing "
+          "before the easting. To start from corners Tervalo exported, export them as Tervalo points (.txt).");
+}
+
 // The text after the first ":" of a line, trimmed (the whole line without one).
 std::string afterColon(const std::string& line) {
   const auto colon = line.find(':');
@@ -194,6 +214,7 @@ void readCDfile(const std::filesystem::path& file, PointList& points) {
     const auto y = cut(true);
     if (!y) unrecognized();
     point.name = *name;
+    if (index == 0 && isWord(*x) && isWord(*y)) refuseHeader(*name, *x, *y, in);
     point.x = strictCoordinate(*x, "X coordinate", in);
     point.y = strictCoordinate(*y, "Y coordinate", in);
     if (const auto feature = cut(true)) {

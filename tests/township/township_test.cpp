@@ -53,7 +53,7 @@ TEST_F(Township, FourSectionsEachAsASingleRunSharedCornersOnce) {
   EXPECT_TRUE(out.disagreements.empty());
   const auto csv = linesOf(TempDir::read(dir.path() / "Township.csv"));
   std::set<std::string> names;
-  for (const std::string& line : csv)
+  for (const std::string& line : std::vector<std::string>(csv.begin() + 1, csv.end()))  // after the header
     if (!line.empty()) {
       EXPECT_TRUE(names.insert(line.substr(0, line.find(','))).second) << line;
     }
