@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,20 @@ struct MapPoint {
   std::string feature;
   double x = 0, y = 0;
   bool computed = false;
+  int slot = -1;  // the section's position it stands for (the first, where slots share it)
+};
+
+// A name that two different positions of one map would be written under.
+struct NameCollision {
+  std::string name;
+  std::vector<std::string> corners;  // "corner 4 (NE 14-115-22) at 512313.4890, 289841.9890", each position once
+};
+
+// An export that cannot hold what the run has; the message names the
+// point and the fault, for a box.
+class ExportError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
 };
 
 struct MapLine {
@@ -28,8 +43,9 @@ struct MapLine {
 
 struct CornerMap {
   std::string title;  // "Section 14 T115N R22W"
-  std::vector<MapPoint> points;
+  std::vector<MapPoint> points;  // one per name
   std::vector<MapLine> lines;  // grouped by feature, in the groups' order
+  std::vector<NameCollision> collisions;  // names given to two positions; no file may be written
 };
 
 // The feature groups, in the order the files list them.
@@ -37,8 +53,14 @@ inline constexpr std::array<const char*, 5> kFeatureGroups{"SEC", "EWQ", "NSQ", 
 
 // A section's present positions in slot order and its drawn lines. Points
 // are named by their point numbers, or by their unique corner names when
-// `uniqueNames` is set.
+// `uniqueNames` is set. Slots sharing a name and a position (to the fourth
+// decimal, as the files write it) are one point; a name given to two
+// different positions is listed under `collisions`.
 CornerMap sectionMap(const SectionRecord& record, const std::array<bool, slot::count>& computed, const CornerNaming& naming,
                      bool uniqueNames = false);
+
+// Every writer's first step: an ExportError naming each colliding name and
+// its corners, so that no file ever puts two positions under one name.
+void requireOneNamePerPosition(const CornerMap& map);
 
 }  // namespace tervalo

@@ -48,6 +48,7 @@ std::string coordinate(double v) { return Format(v, "0.0000"); }
 }  // namespace
 
 std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
+  requireOneNamePerPosition(map);  // every pntRef names one point
   pugi::xml_document doc;
   pugi::xml_node root = landXmlRoot(doc, stamp, false);
   pugi::xml_node points = root.append_child("CgPoints");

@@ -91,6 +91,7 @@ void writeTables(DL_Dxf& dxf, DL_WriterA& dw) {
 }  // namespace
 
 void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
+  requireOneNamePerPosition(map);
   // Text sizes follow the drawing's size, so a section of any extent reads alike.
   double minX = std::numeric_limits<double>::max(), maxX = -minX, minY = minX, maxY = -minX;
   for (const MapPoint& c : map.points)
@@ -108,7 +109,7 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
     if (dw->openFailed()) return false;
     dxf.writeHeader(*dw);
     dw->dxfString(9, "$INSUNITS");
-    dw->dxfInt(70, 2);  // feet
+    dw->dxfInt(70, 21);  // US survey feet, as the LandXML files say
     dw->dxfString(9, "$MEASUREMENT");
     dw->dxfInt(70, 0);  // imperial
     dw->sectionEnd();

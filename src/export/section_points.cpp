@@ -17,6 +17,7 @@ std::string csvField(const std::string& text) {
 }
 
 std::vector<std::string> pnezdLines(const CornerMap& map) {
+  requireOneNamePerPosition(map);
   // The header names the order, so that no reader (this program's among
   // them) takes the northing for X.
   std::vector<std::string> lines{kPnezdHeader};
@@ -26,6 +27,7 @@ std::vector<std::string> pnezdLines(const CornerMap& map) {
 }
 
 std::vector<std::string> tervaloPointLines(const CornerMap& map) {
+  requireOneNamePerPosition(map);
   std::vector<std::string> lines;
   for (const MapPoint& c : map.points) {
     for (const auto& [field, text] : {std::pair{"name", &c.name}, {"feature code", &c.feature}, {"description", &c.description}})

@@ -3,20 +3,12 @@
 // values for data collectors and CAD, and the comma-delimited source format
 // this program reads back, so a run's corners can start the next section.
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "export/corner_map.h"
 
 namespace tervalo {
-
-// An export that cannot hold what the run has; the message names the
-// point and the fault, for a box.
-class ExportError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 // A field of a comma-separated line: quoted when it holds a comma, a double
 // quote or a line end, with its quotes doubled.

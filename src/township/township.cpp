@@ -80,18 +80,15 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   for (const SectionRun& run : runs) {
     const CornerMap own = sectionMap(run.record, run.computed, run.naming, true);
     std::vector<std::size_t> index(own.points.size());
-    std::size_t k = 0;
-    for (int s = 0; s < slot::count; ++s) {
-      const CornerSlot& c = run.record.slots[static_cast<std::size_t>(s)];
-      if (c.x == 0) continue;
+    for (std::size_t k = 0; k < own.points.size(); ++k) {
       const MapPoint& point = own.points[k];
       const auto [at, added] = pointAt.emplace(point.name, out.map.points.size());
       if (added) {
         out.map.points.push_back(point);
         positions.emplace_back();
       }
-      positions[at->second].push_back({run.section, s, c.x, c.y});
-      index[k++] = at->second;
+      positions[at->second].push_back({run.section, point.slot, point.x, point.y});
+      index[k] = at->second;
     }
     for (const MapLine& l : own.lines) {
       const std::string key = l.name.empty() ? l.feature + " " + out.map.points[index[l.from]].name + " " + out.map.points[index[l.to]].name : l.name;

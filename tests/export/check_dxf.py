@@ -1,6 +1,6 @@
 """Reads a section drawing with ezdxf, a DXF reader nobody here wrote, and
 checks what a CAD user relies on: a clean audit, the layers, one point per
-corner, true coordinates in feet.
+corner, true coordinates in US survey feet.
 
 usage: check_dxf.py FILE POINTS NAME X Y
 """
@@ -27,8 +27,8 @@ if name not in labels:
     failures.append("no label " + name)
 if not any(abs(p.dxf.location.x - x) < 1e-6 and abs(p.dxf.location.y - y) < 1e-6 for p in corners):
     failures.append("no point at %s %s" % (x, y))
-if doc.header.get("$INSUNITS") != 2:
-    failures.append("units are not feet")
+if doc.header.get("$INSUNITS") != 21:
+    failures.append("units are not US survey feet")
 if not msp.query('LINE[layer=="SEC"]') or not msp.query('TEXT[layer=="ANNO"]'):
     failures.append("no section lines or no annotations")
 for line in failures:

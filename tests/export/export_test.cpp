@@ -111,6 +111,38 @@ TEST(PointFiles, AnExportGivenBackAsASourceIsReadRightOrRefused) {
     }
 }
 
+TEST(PointFiles, OneNameIsOnePositionInEveryExport) {
+  Section s;
+  TempDir dir;
+  // A corner two slots share is one point, and the lines to either end there.
+  s.record.slots[6].pointNumber = "1005";
+  s.record.slots[6].x = s.record.slots[5].x, s.record.slots[6].y = s.record.slots[5].y;
+  const CornerMap shared = sectionMap(s.record, s.computed, s.naming);
+  EXPECT_TRUE(shared.collisions.empty());
+  EXPECT_EQ(shared.points.size(), 23u);
+  EXPECT_EQ(pnezdLines(shared).size(), 24u);
+  // Two positions under one name: no writer writes anything.
+  s.record.slots[7].pointNumber = "1005";
+  const CornerMap clash = sectionMap(s.record, s.computed, s.naming);
+  ASSERT_EQ(clash.collisions.size(), 1u);
+  EXPECT_EQ(clash.collisions[0].corners.size(), 2u);
+  const std::vector<std::function<void()>> writers{
+      [&] { pnezdLines(clash); }, [&] { tervaloPointLines(clash); },
+      [&] { cornerLandXml(clash, {"2026-11-24", "10:00:00"}); }, [&] { writeCornerDxf(clash, dir.path() / "c.dxf"); }};
+  for (const auto& write : writers) {
+    try {
+      write();
+      ADD_FAILURE() << "written";
+    } catch (const ExportError& e) {
+      EXPECT_NE(std::string(e.what()).find("1005 names corner 5 (E 1/16 NE 1/4 15-115-22) at 500000.0000, 288680.0000 and "
+                                           "corner 7 (E 1/16 NW 1/4 14-115-22) at 502640.0000, 288680.0000."),
+                std::string::npos)
+          << e.what();
+    }
+  }
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "c.dxf"));
+}
+
 TEST(LandXml, SectionPointsLinesAndUnitsReadBack) {
   Section s;
   s.record.slots[1].pointNumber = "S,1";

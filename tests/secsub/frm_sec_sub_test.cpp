@@ -411,6 +411,25 @@ TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
   EXPECT_EQ(shell.dialogTitles.back(), "Export the Corners");
 }
 
+TEST_F(SectionForm, AutomaticNumbersThatRepeatATypedNumberAreNeverExported) {
+  location("14", "115", "22");
+  corners();  // typed 1001 to 1008
+  form.typeText("txtIncr", "1005");  // the computed corners take 1005, 1006, ... again
+  form.click("btnContinue");
+  shell.boxes.clear();
+  for (const char* name : {"c.csv", "c.txt", "c.xml", "c.dxf"}) {
+    shell.chosenFiles.push_back((dir.path() / name).string());
+    form.click("btnExport");
+    EXPECT_FALSE(std::filesystem::exists(dir.path() / name)) << name;
+  }
+  ASSERT_EQ(shell.boxes.size(), 4u);
+  const std::string& text = shell.boxes[0].text;
+  EXPECT_NE(text.find("1005 names corner 1 (N 1/16 NW 1/4 14-115-22) at 513633.4550, 289846.8270 and corner 14 (E 1/4 COR "
+                      "14-115-22) at 517610.0690, 287235.7390."),
+            std::string::npos)
+      << text;
+}
+
 }  // namespace
 }  // namespace tervalo
 
