@@ -70,6 +70,18 @@ CornerRule sectionCenterRule() {
   return rule;
 }
 
+void computeMissingCorners(SectionRecord& r, const HalfMiles& h, bool centerTyped,
+                           const std::function<void(int, const CornerRule&)>& written) {
+  const CornerPresence& p = r.present;
+  if (p.n4 && p.s4 && p.w4 && p.e4 && !centerTyped) {
+    const PlanePoint center = sectionCenter(r);
+    r.slots[slot::C].x = center.x;
+    r.slots[slot::C].y = center.y;
+    written(slot::C, sectionCenterRule());
+  }
+  computeQtrs(r, h, written);
+}
+
 void computeQtrs(SectionRecord& r, const HalfMiles& h, const std::function<void(int, const CornerRule&)>& written) {
   auto& slots = r.slots;
   const CornerPresence& p = r.present;

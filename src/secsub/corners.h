@@ -56,6 +56,12 @@ CornerRule sectionCenterRule();
 void computeQtrs(SectionRecord& record, const HalfMiles& halfMiles,
                  const std::function<void(int, const CornerRule&)>& written);
 
+// The run's computation of positions: the section center where the four
+// quarter corners are present and no center was typed (`centerTyped`), then
+// computeQtrs; `written` as for computeQtrs, the center included.
+void computeMissingCorners(SectionRecord& record, const HalfMiles& halfMiles, bool centerTyped,
+                           const std::function<void(int, const CornerRule&)>& written);
+
 // Lengths and azimuths of the lines between grid neighbours: horizontal
 // ones kept with the east slot, vertical ones with the lower slot.
 void getLengthHor(SectionRecord& record);

@@ -470,15 +470,9 @@ void frmSecSub::Main() {
 
   computed = {};
   placedBy = {};
-  const CornerPresence& p = record.present;
-  if (p.n4 && p.s4 && p.w4 && p.e4 && slots[slot::C].xc.text.empty()) {
-    const PlanePoint center = sectionCenter(record);
-    record.slots[slot::C].x = center.x;
-    record.slots[slot::C].y = center.y;
-    writeSlotFields(slot::C);
-    placedBy[slot::C] = sectionCenterRule();
-  }
-  computeQtrs(record, halfMiles, [this](int s, const CornerRule& rule) {
+  const SectionRecord entered = record;  // for the notices: what the chain fields moved
+  const bool centerTyped = !slots[slot::C].xc.text.empty();
+  computeMissingCorners(record, halfMiles, centerTyped, [this](int s, const CornerRule& rule) {
     writeSlotFields(s);
     placedBy[static_cast<std::size_t>(s)] = rule;
   });
@@ -519,7 +513,7 @@ void frmSecSub::Main() {
   hasRun = true;
   btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = true;
   runNaming = naming;
-  notices = coincidenceNotices(record, computed);
+  notices = coincidenceNotices(record, computed, entered, centerTyped);
   for (int s : unnamed)
     notices.lines.push_back("The corner " + std::to_string(s) + " (" + naming.descriptions[static_cast<std::size_t>(s)] +
                             ") has no point number; the files name it " + record.slots[static_cast<std::size_t>(s)].pointNumber + ".");

@@ -25,8 +25,12 @@ struct RunNotices {
 };
 
 // Every pair of present positions whose coordinates agree to the fourth
-// decimal, with the chain fields that read 0 where they explain it.
-// `record` holds the run's coordinates, descriptions and chain texts.
-RunNotices coincidenceNotices(const SectionRecord& record, const std::array<bool, slot::count>& computed);
+// decimal, with the chain fields that read 0 where they explain it, and for
+// each such field every corner it moved: those the run would have put
+// elsewhere with the field at 20 chains. `record` holds the run's
+// coordinates, descriptions and chain texts; `entered` the record as the
+// run began, before any position was computed.
+RunNotices coincidenceNotices(const SectionRecord& record, const std::array<bool, slot::count>& computed,
+                              const SectionRecord& entered, bool centerTyped);
 
 }  // namespace tervalo

@@ -305,6 +305,12 @@ TEST_F(SectionForm, AnEmptyRequiredChainWarnsAndTheNoticeNamesItsCorner) {
                                         "(NE 13-115-23): \"S 1/4 mile on W line\" is empty."),
             std::string::npos)
       << form.lblNotice.caption;
+  // ...and every corner the empty field moved, not only the one it put on another.
+  EXPECT_NE(form.lblNotice.caption.find("As 0 chains, \"S 1/4 mile on W line\" moved corners 15 (E 1/16 SE 1/4 12-115-23), "
+                                        "16 (CTR SW 1/4 07-115-22), 17 (E 1/16 SW 1/4 07-115-22) and 18 (CTR SE 1/4 "
+                                        "07-115-22) from where 20 chains would put them."),
+            std::string::npos)
+      << form.lblNotice.caption;
   const Picture d = form.drawing();
   EXPECT_NE(d.caption.find("\nCoincident corners: 15 on 20"), std::string::npos);
   // The two corners share one label naming both; a ring marks the pair.
