@@ -48,6 +48,7 @@ frmGrade::frmGrade(Program& program) : FormModel(program, "frmGrade", "Grading W
   add("btnReturn", btnReturn).click([this] { unload(); });
   addInputFileButtons();
   add("lblResults", lblResults);
+  add("lblNotice", lblNotice);
 }
 
 std::optional<Segment> frmGrade::segmentFromFields(const SegmentList& list, bool finished) {
@@ -113,6 +114,7 @@ void frmGrade::showList(SegmentList& list) {
 }
 
 void frmGrade::btnCalculate_Click() {
+  lblNotice = Label{"", false};
   GradingInput in;
   in.station = txtSta.text;
   in.clElev = Val(txtFinElev.text);
@@ -147,6 +149,13 @@ void frmGrade::btnCalculate_Click() {
   if (r.inside) shell().msgBox("Data Error", "Computed grading P.I. is inside the shoulder point.", Icon::Information);
   lblResults.caption =
       "Computed Grading P.I.   Elev: " + Format(r.grdElev, "#.000") + "   Offset: " + Format(r.grdOffset, "#.000");
+  if (r.meetDiffers) {
+    lblNotice.caption = "The P.I. above measures its distance from the finished shoulder (offset " +
+                        Format(r.ptAoffset, "#0.000") + "), but the subgrade's outer point lies at offset " +
+                        Format(r.ptCoffset, "#0.000") + ": the two outer slopes really meet at offset " +
+                        Format(r.meetOffset, "#0.000") + ", elevation " + Format(r.meetElev, "#0.000") + ".";
+    lblNotice.visible = true;
+  }
 
   auto& output = program().form<frmOutput>("frmGradeOut");
   output.lstOutput.items = printResults(in, r);
@@ -197,6 +206,7 @@ void frmGrade::btnClear_Click() {
     showList(*list);
   }
   lblResults.caption.clear();
+  lblNotice = Label{"", false};
 }
 
 }  // namespace tervalo

@@ -54,6 +54,9 @@ class frmGrade : public FormModel {
   Button btnClear{"Clear"};
   Button btnReturn{"Return"};
   Label lblResults;
+  // Said beside the results, never in a box: where the slopes really meet
+  // when that is not the P.I. the calculation measures from the shoulder.
+  Label lblNotice{"", false};
 
   void btnCalculate_Click();
   void btnClear_Click();

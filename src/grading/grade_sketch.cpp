@@ -29,6 +29,7 @@ GradeSketch gradingSketch(const GradingInput& in, const GradingResult& r) {
   for (const auto& p : finished) extent(p);
   for (const auto& p : subgrade) extent(p);
   if (!r.parallel) extent(pi);
+  if (r.meetDiffers) extent({r.meetOffset, r.meetElev});
   // Elevations drawn taller, so that a section some feet deep and many wide fills the picture.
   s.exaggeration = verticalExaggeration(maxX - minX, maxY - minY);
   auto drawn = [&](PicturePoint p) { return PicturePoint{hand * p.x, (p.y - minY) * s.exaggeration}; };
@@ -53,7 +54,16 @@ GradeSketch gradingSketch(const GradingInput& in, const GradingResult& r) {
     line({subgrade.back(), pi}, Ink::Accent, true);
     s.picture.marks.push_back(markAt(drawn(pi)));
     s.picture.texts.push_back({drawn(pi), "P.I. " + Format(std::fabs(r.grdOffset), "#0.000") + " / " + Format(r.grdElev, "#0.000"),
-                               Ink::Main, Place::Below});
+                               Ink::Main, r.meetDiffers ? Place::Above : Place::Below});
+  }
+  if (r.meetDiffers) {
+    // Where the slopes really meet, when the subgrade's outer point is not at the shoulder's offset.
+    const PicturePoint meet{r.meetOffset, r.meetElev};
+    line({subgrade.back(), meet}, Ink::Alert, true);
+    s.picture.marks.push_back(markAt(drawn(meet), Ink::Alert));
+    s.picture.texts.push_back({drawn(meet), "Slopes meet " + Format(std::fabs(r.meetOffset), "#0.000") + " / " +
+                                                Format(r.meetElev, "#0.000"),
+                               Ink::Alert, Place::Below});
   }
   s.picture.caption = in.side + " side, vertical scale " + CStr(s.exaggeration) + " times the horizontal";
   return s;

@@ -59,6 +59,7 @@ class GradeView : public FormDialog {
     results->setFont(fixedPitchFont());
     results->setTextInteractionFlags(Qt::TextSelectableByMouse);
     outer->addWidget(results);
+    outer->addWidget(noticeLabel("lblNotice", this));
     outer->addLayout(commandRow("btnCalculate"));
     findChild<QPushButton*>("btnCalculate")->setDefault(false);  // Enter belongs to the segment fields
     bind();

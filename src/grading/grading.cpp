@@ -1,5 +1,7 @@
 #include "grading/grading.h"
 
+#include <cmath>
+
 #include "text/format.h"
 #include "text/justify.h"
 #include "text/number.h"
@@ -35,6 +37,10 @@ GradingResult computeGrading(const GradingInput& in) {
   r.inside = r.d < 0;
   r.grdElev = r.d * lastSub + r.ptCelev;
   r.grdOffset = r.d + r.ptAoffset;  // from the finished shoulder, whatever the subgrade's width
+  // The true meeting point: ptBelev + lastFin·(o − ptAoffset) = ptCelev + lastSub·(o − ptCoffset).
+  r.meetOffset = (r.ptCelev - r.ptBelev + lastFin * r.ptAoffset - lastSub * r.ptCoffset) / (lastFin - lastSub);
+  r.meetElev = r.ptBelev + lastFin * (r.meetOffset - r.ptAoffset);
+  r.meetDiffers = std::fabs(r.meetOffset - r.grdOffset) > 0.001 || std::fabs(r.meetElev - r.grdElev) > 0.001;
   return r;
 }
 

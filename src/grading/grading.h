@@ -35,6 +35,12 @@ struct GradingResult {
   double d = 0;                       // from the shoulder to the P.I.
   bool inside = false;                // check 3: d < 0
   double grdOffset = 0, grdElev = 0;
+  // Where the two outer slopes really meet: the finished slope from B at
+  // the shoulder's offset and the subgrade slope from C at its own offset.
+  // The P.I. above measures d from the shoulder even when C lies elsewhere.
+  double meetOffset = 0, meetElev = 0;
+  // The two differ by more than 0.001 in offset or elevation.
+  bool meetDiffers = false;
 };
 
 // The Calculate steps; the width sums start from 0 at every call.

@@ -41,14 +41,25 @@ TEST(GradingComputation, WorkedSection) {
   EXPECT_FALSE(r.subgradeWider || r.subgradeAbove || r.inside || r.parallel);
   EXPECT_NEAR(r.grdElev, 97.673, 5e-4);
   EXPECT_NEAR(r.grdOffset, 18.348, 5e-4);
+  // The subgrade ends at 14, not at the shoulder's 16: the slopes really meet elsewhere.
+  EXPECT_TRUE(r.meetDiffers);
+  EXPECT_NEAR(r.meetOffset, 18.522, 5e-4);
+  EXPECT_NEAR(r.meetElev, 97.630, 5e-4);
+  EXPECT_NEAR(r.ptBelev - 0.25 * (r.meetOffset - 16), r.ptCelev - 0.02 * (r.meetOffset - 14), 1e-12);  // on both lines
+  // A subgrade ending at the shoulder's offset: the P.I. is where they meet.
+  GradingInput even = workedSection();
+  even.subgrade = {{16, -0.02}};
+  EXPECT_FALSE(computeGrading(even).meetDiffers);
 }
 
 TEST(GradingSketch, TheWorkedSectionMarksItsPiAndDrawsTheLeftSideToTheLeft) {
   GradingInput in = workedSection();
   const GradingResult r = computeGrading(in);
   const GradeSketch s = gradingSketch(in, r);
-  ASSERT_EQ(s.picture.marks.size(), 1u);
-  EXPECT_EQ(s.picture.texts.back().text, "P.I. 18.348 / 97.673");
+  ASSERT_EQ(s.picture.marks.size(), 2u);  // the P.I. and, apart from it, where the slopes really meet
+  EXPECT_EQ(s.picture.texts[s.picture.texts.size() - 2].text, "P.I. 18.348 / 97.673");
+  EXPECT_EQ(s.picture.texts.back().text, "Slopes meet 18.522 / 97.630");
+  EXPECT_EQ(s.picture.marks[1].ink, Ink::Alert);
   EXPECT_NEAR(s.picture.marks[0].at.x, -18.348, 5e-4);  // left of the centerline
   // Every line lies on the left; the finished shoulder is above the P.I., drawn exaggerated.
   for (const auto& line : s.picture.lines)
@@ -116,6 +127,8 @@ TEST_F(GradeForm, WorkedSectionAndItsReport) {
   form.click("btnCalculate");
   EXPECT_TRUE(shell.boxes.empty());
   EXPECT_EQ(form.lblResults.caption, "Computed Grading P.I.   Elev: 97.673   Offset: 18.348");
+  ASSERT_TRUE(form.lblNotice.visible);  // a notice, no box
+  EXPECT_NE(form.lblNotice.caption.find("really meet at offset 18.522, elevation 97.630."), std::string::npos);
   EXPECT_EQ(report.txtOut.text, dir.folder() + "GrWidth.txt");
   EXPECT_EQ(shell.modalForms, (std::vector<std::string>{"frmGradeOut"}));
   EXPECT_EQ(report.lstOutput.items.front(), "                GRADING WIDTH CALCULATION");

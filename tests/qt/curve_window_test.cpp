@@ -212,7 +212,8 @@ class CurveWindow : public QObject {
       QVERIFY(sketch->picture().empty());  // nothing drawn before Calculate
       QTest::mouseClick(d.findChild<QPushButton*>("btnCalculate"), Qt::LeftButton);
       result = d.findChild<QLabel*>("lblResults")->text();
-      QCOMPARE(sketch->picture().texts.back().text, std::string("P.I. 18.348 / 97.673"));  // Calculate drew the section
+      QCOMPARE(sketch->picture().texts.back().text, std::string("Slopes meet 18.522 / 97.630"));  // Calculate drew the section
+      QVERIFY(d.findChild<QLabel*>("lblNotice")->isVisible());
       QTest::mouseClick(d.findChild<QPushButton*>("btnClear"), Qt::LeftButton);
       QVERIFY(sketch->picture().empty());
     };
