@@ -150,6 +150,13 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
   return job;
 }
 
+namespace {
+
+// The fields that name a file the program reads.
+bool readsFile(const std::string& form, const std::string& control) { return form == "frmMain" && control == "txtInFile"; }
+
+}  // namespace
+
 Job readJobFile(const std::string& file, const FormRegistry& registry) {
   std::error_code ec;
   if (std::filesystem::is_directory(file, ec)) throw JobError("it is a folder, not a job file");
@@ -158,7 +165,18 @@ Job readJobFile(const std::string& file, const FormRegistry& registry) {
   std::stringstream text;
   text << in.rdbuf();
   if (in.bad()) throw JobError("the file cannot be read to its end");
-  return parseJob(text.str(), registry);
+  Job job = parseJob(text.str(), registry);
+  // A file the job reads is where the job lies, as a plan's source is, so a
+  // job runs the same from any working folder. Names of files it writes
+  // keep their own rule (the data folder).
+  const std::filesystem::path folder = std::filesystem::absolute(std::filesystem::path(file)).parent_path();
+  for (JobStep& step : job.steps)
+    for (auto& [control, value] : step.set) {
+      auto* name = std::get_if<std::string>(&value);
+      if (!name || name->empty() || !readsFile(step.form, control)) continue;
+      if (const std::filesystem::path path(*name); path.is_relative()) *name = (folder / path).lexically_normal().string();
+    }
+  return job;
 }
 
 void playStep(FormModel& form, const JobStep& step) {

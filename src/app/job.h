@@ -46,6 +46,8 @@ struct Job {
 Job parseJob(const std::string& jsonText, const FormRegistry& registry);
 
 // Reads and parses a job file; JobError when it cannot be read or played.
+// A relative name of a file the job reads (the main window's source file)
+// is taken from the job file's folder.
 Job readJobFile(const std::string& file, const FormRegistry& registry);
 
 class FormModel;

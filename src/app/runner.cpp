@@ -164,7 +164,9 @@ RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry&
                         {"skipped", std::move(shell.skipped)}};
   for (const FormModel* form : program.madeForms()) form->addToResult(outcome.result);
   if (options.inspect) options.inspect(program);
-  outcome.exitCode = ended ? 3 : 0;
+  const bool critical = std::any_of(outcome.result["messages"].begin(), outcome.result["messages"].end(),
+                                    [](const Json& m) { return m["icon"] == "critical"; });
+  outcome.exitCode = ended ? kExitEnded : critical ? kExitCriticalBox : 0;
   return outcome;
 }
 

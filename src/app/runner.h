@@ -26,9 +26,15 @@ struct RunOptions {
   std::function<void(Program&)> inspect = {};
 };
 
+// The exit statuses of the runner's commands.
+inline constexpr int kExitCannotWriteResult = 1;  // the result could not be written to standard output
+inline constexpr int kExitUsage = 2;              // a bad job, plan or file, or bad arguments
+inline constexpr int kExitEnded = 3;              // the program ended (or a section of a plan did not run)
+inline constexpr int kExitCriticalBox = 4;        // ran to its end, but showed a box with the critical icon
+
 struct RunOutcome {
   nlohmann::ordered_json result;  // messages, ended, forms, files, opened, skipped
-  int exitCode = 0;               // 0 ran to its end, 3 the program ended
+  int exitCode = 0;               // 0, kExitEnded or kExitCriticalBox
 };
 
 // Plays the job: opens its calculator as the main window's menu entry does,

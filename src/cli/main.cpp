@@ -18,11 +18,10 @@
 
 namespace {
 
-// Exit statuses: 0 a job ran to its end, 1 the result could not be written
-// to standard output, 2 bad arguments or a bad job, 3 the program ended.
-constexpr int kUnwritten = 1;
-constexpr int kUsage = 2;
-constexpr int kEnded = 3;
+// Exit statuses: the runner's (0, then 1 to 4).
+constexpr int kUnwritten = tervalo::kExitCannotWriteResult;
+constexpr int kUsage = tervalo::kExitUsage;
+constexpr int kEnded = tervalo::kExitEnded;
 
 struct RunOptionsCli {
   std::string job;

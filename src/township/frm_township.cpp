@@ -91,6 +91,8 @@ void frmTownship::btnOpenPlan_Click() {
   currentRow = plan.sections.empty() ? -1 : 0;
   lstSummary.items.clear();
   disagreementLines.clear();
+  stoppedRows.clear();
+  stoppedLines.clear();
   ++tableVersion;
 }
 
@@ -127,6 +129,9 @@ void frmTownship::btnRun_Click() {
   }
   lstSummary.items = out.summary;
   disagreementLines = out.disagreementLines;
+  stoppedLines = out.stoppedLines;
+  stoppedRows.clear();
+  for (const StoppedSection& s : out.stopped) stoppedRows.push_back(s.row);
   for (const auto& file : out.result["files"]) shell().fileWritten(file.get<std::string>());
 }
 

@@ -39,6 +39,10 @@ class frmTownship : public FormModel {
 
   // The summary lines that belong to a disagreement, to be picked out.
   std::vector<int> disagreementLines;
+  // The sections of the last run that were refused or ended: their rows
+  // (0-based) are marked, and the summary lines that say why picked out.
+  std::vector<int> stoppedRows;
+  std::vector<int> stoppedLines;
 
   void btnOpenPlan_Click();
   void btnSavePlan_Click();

@@ -55,8 +55,10 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   TownshipOutcome out;
   Json sections = Json::array();
   std::vector<SectionRun> runs;
-  std::vector<std::string> ended;
-  for (const SectionPlan& p : plan.sections) {
+  Json stopped = Json::array();
+  bool criticalBox = false;
+  for (std::size_t row = 0; row < plan.sections.size(); ++row) {
+    const SectionPlan& p = plan.sections[row];
     RunOptions one = options;
     std::optional<SectionRun> taken;
     one.inspect = [&](Program& program) {
@@ -64,13 +66,22 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       if (form.hasRun) taken = SectionRun{p.section, form.record, form.computed, form.runNaming};
     };
     RunOutcome run = runJob(sectionJob(plan, p, options.dataFolder), one, registry);
-    if (run.exitCode != 0) {
-      ended.push_back(p.section);
-      out.exitCode = run.exitCode;
+    criticalBox = criticalBox || run.exitCode == kExitCriticalBox;
+    // A section that did not complete its run (refused by the form, or
+    // ended) is said with the boxes that tell why, never passed over.
+    const bool ended = run.result.value("ended", false);
+    if (!taken || ended) {
+      StoppedSection s{static_cast<int>(row), p.section, ended, {}};
+      for (const auto& m : run.result["messages"])
+        s.boxes.push_back(m["title"].get<std::string>() + ": " + m["text"].get<std::string>());
+      if (s.boxes.empty()) s.boxes.emplace_back("the section window did not run the section");
+      stopped.push_back(Json{{"row", row + 1}, {"section", p.section}, {"ended", ended}, {"boxes", s.boxes}});
+      out.stopped.push_back(std::move(s));
     }
     sections.push_back(Json{{"section", p.section}, {"completed", taken.has_value()}, {"result", std::move(run.result)}});
     if (taken) runs.push_back(std::move(*taken));
   }
+  out.exitCode = !out.stopped.empty() ? kExitEnded : criticalBox ? kExitCriticalBox : 0;
 
   // Every corner once by its unique name, every line once by its name.
   std::map<std::string, std::size_t> pointAt;
@@ -126,9 +137,17 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   std::string listed;
   for (const SectionRun& run : runs) listed += (listed.empty() ? "" : ", ") + run.section;
   s.push_back("Sections run: " + std::to_string(runs.size()) + (listed.empty() ? "" : " (" + listed + ")"));
-  std::string stopped;
-  for (const std::string& e : ended) stopped += (stopped.empty() ? "" : ", ") + e;
-  s.push_back("Sections ended or refused: " + (stopped.empty() ? std::string("none") : stopped));
+  std::string stoppedList;
+  for (const StoppedSection& e : out.stopped) stoppedList += (stoppedList.empty() ? "" : ", ") + e.section;
+  s.push_back("Sections ended or refused: " + (stoppedList.empty() ? std::string("none") : stoppedList));
+  for (const StoppedSection& e : out.stopped) {
+    out.stoppedLines.push_back(static_cast<int>(s.size()));
+    s.push_back("  Row " + std::to_string(e.row + 1) + " (section " + e.section + "): " + (e.ended ? "ended" : "refused"));
+    for (const std::string& box : e.boxes) {
+      out.stoppedLines.push_back(static_cast<int>(s.size()));
+      s.push_back("    " + box);
+    }
+  }
   s.push_back("Corners: " + std::to_string(out.map.points.size()));
   s.push_back("Shared corners: " + std::to_string(out.sharedCorners));
   s.push_back("Lines: " + std::to_string(out.map.lines.size()));
@@ -148,23 +167,39 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   }
   s.emplace_back("");
 
-  // The township files, each whole.
+  // The township files, each whole; none at all when no section completed,
+  // so an earlier run's files are not replaced by empty ones. A file that
+  // cannot be written is said, and every section's result still reported.
   const std::filesystem::path folder(options.dataFolder);
   Json files = Json::array();
-  const auto textFiles = std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>{
-      {folder / "Township.txt", s}, {folder / "Township.inp", geopakLines(out.map)}, {folder / "Township.csv", pnezdLines(out.map)}};
-  writeTextFiles(textFiles);
-  writeDocument(folder / "Township.xml", cornerLandXml(out.map, stampOf(options.today.value_or(localToday()))));
-  writeCornerDxf(out.map, folder / "Township.dxf");
-  for (const char* name : {"Township.txt", "Township.inp", "Township.csv", "Township.xml", "Township.dxf"})
-    files.push_back((folder / name).string());
+  std::string fault;
+  if (runs.empty()) {
+    s.push_back("No section completed: no township file was written (those of an earlier run are as they were).");
+  } else {
+    try {
+      const auto textFiles = std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>{
+          {folder / "Township.txt", s}, {folder / "Township.inp", geopakLines(out.map)}, {folder / "Township.csv", pnezdLines(out.map)}};
+      writeTextFiles(textFiles);
+      for (const char* name : {"Township.txt", "Township.inp", "Township.csv"}) files.push_back((folder / name).string());
+      writeDocument(folder / "Township.xml", cornerLandXml(out.map, stampOf(options.today.value_or(localToday()))));
+      files.push_back((folder / "Township.xml").string());
+      writeCornerDxf(out.map, folder / "Township.dxf");
+      files.push_back((folder / "Township.dxf").string());
+    } catch (const std::exception& e) {  // a RunTimeError of a writer, or an ExportError
+      fault = e.what();
+      s.push_back("The township files could not all be written: " + fault);
+      out.exitCode = kExitEnded;
+    }
+  }
 
   out.result = Json{{"sections", std::move(sections)},
+                    {"stopped", std::move(stopped)},
                     {"corners", out.map.points.size()},
                     {"shared", out.sharedCorners},
                     {"lines", out.map.lines.size()},
                     {"disagreements", std::move(disagreements)},
                     {"files", std::move(files)}};
+  if (!fault.empty()) out.result["fault"] = fault;
   return out;
 }
 

@@ -33,9 +33,23 @@ struct Disagreement {
   double difference = 0;    // the greatest distance between two of them, in feet
 };
 
+// A section that did not complete its run: refused by the section window
+// (its checks, a missing source) or ended by a fault.
+struct StoppedSection {
+  int row = 0;  // 0-based row of the plan
+  std::string section;
+  bool ended = false;              // the program ended; otherwise refused
+  std::vector<std::string> boxes;  // "title: text" of each box it showed
+};
+
 struct TownshipOutcome {
-  nlohmann::ordered_json result;  // per section the runner's result; the counts, disagreements and files
-  int exitCode = 0;               // 0 every section ran to its end, 3 one ended
+  nlohmann::ordered_json result;  // per section the runner's result; the stopped sections, counts, disagreements, files
+  // 0 every section completed; 3 a section was refused or ended, or the
+  // township files could not be written; 4 every section completed but one
+  // showed a critical box.
+  int exitCode = 0;
+  std::vector<StoppedSection> stopped;
+  std::vector<int> stoppedLines;  // the summary's lines that tell of them
   CornerMap map;                  // every corner and line once
   std::size_t sharedCorners = 0;
   std::vector<Disagreement> disagreements;

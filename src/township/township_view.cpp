@@ -1,5 +1,7 @@
 #include "township/township_view.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -90,14 +92,29 @@ class TownshipView : public FormDialog {
       // A section just added is typed into at once, from its first cell.
       if (added && f.currentRow >= 0 && isVisible()) table_->setFocus();
     }
-    // The disagreeing corners stand out: bold, in the theme's link colour.
-    for (int line : f.disagreementLines)
-      if (QListWidgetItem* item = summary_->item(line)) {
-        QFont bold = item->font();
+    // The disagreeing corners and the sections that did not run stand out:
+    // bold, in the theme's link colour.
+    for (const std::vector<int>* lines : {&f.disagreementLines, &f.stoppedLines})
+      for (int line : *lines)
+        if (QListWidgetItem* item = summary_->item(line)) {
+          QFont bold = item->font();
+          bold.setBold(true);
+          item->setFont(bold);
+          item->setForeground(palette().color(QPalette::Link));
+        }
+    // A row whose section was refused or ended is marked in its header.
+    for (int row = 0; row < table_->rowCount(); ++row) {
+      const bool stopped = std::find(f.stoppedRows.begin(), f.stoppedRows.end(), row) != f.stoppedRows.end();
+      auto* header = new QTableWidgetItem(stopped ? QString("%1 !").arg(row + 1) : QString::number(row + 1));
+      if (stopped) {
+        header->setToolTip("This section was refused or ended in the last run: the summary says why.");
+        header->setForeground(palette().color(QPalette::Link));
+        QFont bold = header->font();
         bold.setBold(true);
-        item->setFont(bold);
-        item->setForeground(palette().color(QPalette::Link));
+        header->setFont(bold);
       }
+      table_->setVerticalHeaderItem(row, header);
+    }
   }
 
   QTableWidget* table_ = nullptr;

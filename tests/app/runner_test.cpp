@@ -199,8 +199,9 @@ TEST_F(Runner, SectionSubdivisionStartsInTheMainWindow) {
   EXPECT_EQ(control("frmMain", "txtOutInp")["text"], dir.folder() + "SecSub.inp");
   EXPECT_TRUE(result["messages"].empty());
 
+  // Ran to its end, but a box with the critical icon was shown.
   run(R"({"calculator":"secsub","steps":[{"form":"frmMain","set":{"txtInFile":"/no/such/file"},"click":"btnContinue"}]})");
-  EXPECT_EQ(exitCode, 0);
+  EXPECT_EQ(exitCode, 4);
   ASSERT_EQ(result["messages"].size(), 1u);
   EXPECT_EQ(result["messages"][0]["title"], "Input File Error!");
   EXPECT_EQ(result["messages"][0]["text"], "File does not exist.");

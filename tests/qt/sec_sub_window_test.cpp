@@ -137,10 +137,7 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
     QVERIFY(TempDir::read(dir->path() / "s14.dxf").find("POINTS") != std::string::npos);
 
     TempDir runnerDir;
-    std::ifstream in(kExamples + "secsub.job.json");
-    std::string job{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    job.replace(job.find("examples/"), 9, kExamples);
-    const auto outcome = runJob(parseJob(job, allForms()), RunOptions{runnerDir.folder(), localToday()}, allForms());
+    const auto outcome = runJob(readJobFile(kExamples + "secsub.job.json", allForms()), RunOptions{runnerDir.folder(), localToday()}, allForms());
     QCOMPARE(outcome.exitCode, 0);
     for (const char* file : {"SecSub.rpt", "SecSub.inp"})
       QVERIFY2(TempDir::read(dir->path() / file) == TempDir::read(runnerDir.path() / file), file);
@@ -164,6 +161,14 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
         if (summary->item(i)->text().startsWith("Disagreements")) disagreements = summary->item(i)->text();
         if (summary->item(i)->font().bold()) ++picked;
       }
+      // A section the form refuses (section 23 without its township) is marked in its row and the summary.
+      table->item(2, 1)->setText("");
+      QTest::mouseClick(d.findChild<QPushButton*>("btnRun"), Qt::LeftButton);
+      QCOMPARE(table->verticalHeaderItem(2)->text(), QString("3 !"));
+      QCOMPARE(table->verticalHeaderItem(1)->text(), QString("2"));
+      const auto refused = summary->findItems("  Row 3 (section 23): refused", Qt::MatchExactly);
+      QCOMPARE(refused.size(), 1);
+      QVERIFY(refused[0]->font().bold());
     };
     program->form<frmMain>("frmMain").click("mnuTownship");
     // The corner itself, and the sixteenth both sections measure toward it.

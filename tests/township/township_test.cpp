@@ -88,14 +88,45 @@ TEST_F(Township, AChainThatDiffersAcrossASharedLineIsReported) {
   EXPECT_EQ(out.result["disagreements"][0]["positions"].size(), 2u);
 }
 
-// A section refused by its checks is reported with its boxes; the next goes on.
-TEST_F(Township, ARefusedSectionIsReportedAndTheNextGoesOn) {
-  plan.sections[0].township = "";
+// A section refused by the form is never passed over: listed with its box
+// and its row, the run's status says so, and the next section goes on.
+TEST_F(Township, ARefusedSectionIsListedWithItsBoxAndTheNextGoesOn) {
+  for (int corner : {0, 1, 3, 5, 6}) plan.sections[1].corners[static_cast<std::size_t>(corner)] = {};  // only NE, E, SE
+  plan.sections[2].township = "";
   const TownshipOutcome out = run();
-  EXPECT_FALSE(out.result["sections"][0]["completed"].get<bool>());
-  EXPECT_FALSE(out.result["sections"][0]["result"]["messages"].empty());
-  EXPECT_TRUE(out.result["sections"][1]["completed"].get<bool>());
-  EXPECT_NE(TempDir::read(dir.path() / "Township.txt").find("Sections run: 3 (13, 23, 24)"), std::string::npos);
+  EXPECT_EQ(out.exitCode, 3);
+  EXPECT_FALSE(out.result["sections"][1]["completed"].get<bool>());
+  EXPECT_TRUE(out.result["sections"][3]["completed"].get<bool>());
+  ASSERT_EQ(out.stopped.size(), 2u);
+  EXPECT_EQ(out.stopped[0].row, 1);
+  EXPECT_EQ(out.stopped[0].boxes.front().rfind("Missing Quarter Corner: ", 0), 0u) << out.stopped[0].boxes.front();
+  const std::string summary = TempDir::read(dir.path() / "Township.txt");
+  EXPECT_NE(summary.find("Sections run: 2 (14, 24)\r\nSections ended or refused: 13, 23\r\n  Row 2 (section 13): refused\r\n"
+                         "    Missing Quarter Corner: "),
+            std::string::npos)
+      << summary;
+  EXPECT_NE(summary.find("  Row 3 (section 23): refused\r\n    Missing Data: "), std::string::npos) << summary;
+  EXPECT_EQ(out.stoppedLines.size(), 2u + out.stopped[0].boxes.size() + out.stopped[1].boxes.size());
+}
+
+TEST_F(Township, ARunInWhichNoSectionCompletedLeavesTheEarlierFiles) {
+  const auto earlier = dir.write("Township.csv", "the earlier run's corners\r\n");
+  for (SectionPlan& s : plan.sections) s.township = "";
+  const TownshipOutcome out = run();
+  EXPECT_EQ(out.exitCode, 3);
+  EXPECT_TRUE(out.result["files"].empty());
+  EXPECT_EQ(TempDir::read(earlier), "the earlier run's corners\r\n");
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "Township.txt"));
+  EXPECT_NE(out.summary.back().find("No section completed"), std::string::npos);
+}
+
+TEST_F(Township, TownshipFilesThatCannotBeWrittenStillReportEverySection) {
+  std::filesystem::create_directory(dir.path() / "Township.xml");  // a folder where a file should go
+  const TownshipOutcome out = run();
+  EXPECT_EQ(out.exitCode, 3);
+  EXPECT_EQ(out.result["sections"].size(), 4u);
+  EXPECT_NE(out.result["fault"].get<std::string>().find("Township.xml"), std::string::npos) << out.result["fault"];
+  EXPECT_NE(out.summary.back().find("could not all be written"), std::string::npos);
 }
 
 TEST(TownshipPlanFile, RefusedWithWhereAndReadBackAsWritten) {
