@@ -99,7 +99,7 @@ int main(int argc, char** argv) {
   shell.setMainWindow(&window, mainModel);
 
   if (options.isSet("render-windows"))
-    return tervalo::renderWindows(program, shell, window, options.value("render-windows")) == 0 ? 0 : 1;
+    return tervalo::renderWindows(program, shell, window, options.value("render-windows"));
 
   window.restoreLayout();
   window.show();

@@ -1,5 +1,8 @@
 #include "app/qt/render.h"
 
+#include <filesystem>
+#include <iostream>
+
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -150,6 +153,14 @@ bool saveView(Program& program, QtShell& shell, QWidget& main, const QString& di
 }  // namespace
 
 int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QString& dir) {
+  // The windows are filled from the project's examples, by names relative to its top folder.
+  for (const char* example : {"examples/section14.sdms", "examples/township.plan.json"})
+    if (!std::filesystem::is_regular_file(example)) {
+      std::cerr << "tervalo: --render-windows fills the windows from the project's examples, but " << example
+                << " is not in the working folder (" << std::filesystem::current_path().string()
+                << "): run it from the project's top folder, as scripts/render-windows does.\n";
+      return 2;
+    }
   QDir().mkpath(dir);
   shell.unattended = true;
   fillExamples(program);
@@ -194,7 +205,7 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     form.setChecked("chkDefaults", false);
     failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-all-chains", laptop) ? 0 : 1;
   }
-  return failures;
+  return failures == 0 ? 0 : 1;
 }
 
 }  // namespace tervalo
