@@ -129,8 +129,12 @@ void frmMain::enableMenus() {
 
 void frmMain::readInputFile() {
   showSourceNotice("");
-  getFileFormat(program().inputFileName, program().formats);
-  showSourceNotice(readFile(program().inputFileName, program().formats, program().points).message());
+  if (program().readSource) {
+    showSourceNotice(program().readSource(program().inputFileName, program().formats, program().points).message());
+  } else {
+    getFileFormat(program().inputFileName, program().formats);
+    showSourceNotice(readFile(program().inputFileName, program().formats, program().points).message());
+  }
   program().recent.add(program().inputFileName);
   showRecent();
 }
@@ -171,7 +175,7 @@ void frmMain::chooseOutput(TextBox& field) {
 }
 
 void frmMain::mnuSecSub_Click() {
-  program().points.clearRecords(0, PointList::capacity - 1);
+  program().points.clearRecords(0, PointList::kSourceCapacity - 1);
   showSourceNotice("");
   proposeOutputNames();
 }

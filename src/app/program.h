@@ -14,6 +14,7 @@
 #include "app/header_data.h"
 #include "app/recent_work.h"
 #include "points/point_list.h"
+#include "points/readers.h"
 
 namespace tervalo {
 
@@ -78,6 +79,10 @@ class Program {
   // comma), shown by the main window and again by the section form that
   // opens over it; empty when there is nothing to say.
   std::string sourceNotice;
+  // Reads the source file into the point list in place of recognising and
+  // reading it whole, when set: a township run gives each section only the
+  // points it names from a source read once.
+  std::function<ReadNotes(const std::string& file, FormatFlags& formats, PointList& points)> readSource;
   RecentWork recent;  // source files and saved inputs, for the main window's Recent menu
 
   // The one model of that window for this run, made on first use.

@@ -144,6 +144,7 @@ class RunnerShell : public Shell {
 RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry& registry, std::ostream* boxLog) {
   RunnerShell shell(job, options, boxLog);
   Program program(shell, options.dataFolder, registry);
+  if (options.prepare) options.prepare(program);
   bool ended = false;
   try {
     auto& main = program.form<frmMain>("frmMain");

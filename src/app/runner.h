@@ -24,6 +24,9 @@ struct RunOptions {
   // Looks at the program's windows once the job has been played, before
   // they go (the township run reads each section's corners this way).
   std::function<void(Program&)> inspect = {};
+  // Prepares the program before the job is played (the township run gives
+  // each section its points this way).
+  std::function<void(Program&)> prepare = {};
 };
 
 // The exit statuses of the runner's commands.

@@ -43,7 +43,7 @@ int pointsCommand(const std::string& file, std::ostream& out, std::ostream& err)
   }
   out << rightJustify("Index", 5) << "  " << leftJustify("Name", nameWidth) << rightJustify("X", 16) << rightJustify("Y", 16)
       << "  " << leftJustify("Feature", featureWidth) << "Description\n";
-  for (int i = 0; i < PointList::capacity; ++i) {
+  for (int i = 0; i < PointList::kSourceCapacity; ++i) {
     const PointRecord& p = points.records[static_cast<std::size_t>(i)];
     if (p.name.empty() && p.x == 0 && p.y == 0 && p.feature.empty() && p.description.empty()) continue;
     out << rightJustify(std::to_string(i), 5) << "  " << leftJustify(p.name, nameWidth)

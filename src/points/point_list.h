@@ -1,7 +1,7 @@
 #pragma once
 // The shared list of points read from the source coordinate file.
 
-#include <array>
+#include <vector>
 #include <cstdint>
 #include <string>
 
@@ -16,8 +16,11 @@ struct PointRecord {
 };
 
 struct PointList {
-  static constexpr int capacity = 151;  // indices 0 to 150
-  std::array<PointRecord, capacity> records{};
+  // The section form's list: indices 0 to 150, and a 152nd point is a
+  // subscript fault, as it always was.
+  static constexpr int kSourceCapacity = 151;
+  int capacity = kSourceCapacity;
+  std::vector<PointRecord> records = std::vector<PointRecord>(kSourceCapacity);
   // The last index a lookup searches. Its meaning differs by format: the
   // last point's index after SDMS, the point count plus 1 after a
   // comma-delimited file or an X-Y report, 1 after an N-E report. Records
@@ -27,6 +30,10 @@ struct PointList {
   // Empties names, features and descriptions and zeroes the coordinates of
   // records first to last; the count is left as it is.
   void clearRecords(int first, int last);
+
+  // A list without that limit, growing as a reader fills it: a township
+  // plan's source file (a county's control points) read whole.
+  static PointList unbounded();
 };
 
 // Which format each recognition found. Flags are only ever set, never

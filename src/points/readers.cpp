@@ -1,6 +1,7 @@
 #include "points/readers.h"
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "points/line_reader.h"
@@ -31,10 +32,17 @@ std::string_view mid(std::string_view s, std::size_t start, std::size_t length =
 }
 
 PointRecord& record(PointList& points, int index, const LineReader& in) {
-  if (index < 0 || index >= PointList::capacity)
-    in.fail("Subscript out of range: point index " + std::to_string(index) + " is outside 0 to 150 (the list holds 151 points)");
-  return points.records[static_cast<std::size_t>(index)];
+  if (index < 0 || index >= points.capacity)
+    in.fail("Subscript out of range: point index " + std::to_string(index) + " is outside 0 to " +
+            std::to_string(points.capacity - 1) + " (the list holds " + std::to_string(points.capacity) + " points)");
+  const auto i = static_cast<std::size_t>(index);
+  if (i >= points.records.size()) points.records.resize(i + 1);
+  return points.records[i];
 }
+
+// The list's upper bound, as the section form's lookup reads it; a list
+// without a limit may hold more than 16 bits count, and is searched whole.
+std::int16_t bound(int index) { return static_cast<std::int16_t>(std::min(index, 32767)); }
 
 // A number fault of the text rules (an Overflow) said with the file and line, as every other fault of a reader is.
 template <class Read>
@@ -186,7 +194,7 @@ void readSDMSfile(const std::filesystem::path& file, PointList& points) {
       record(points, index, in).description = value;
     }
   }
-  points.pointCount = static_cast<std::int16_t>(index);
+  points.pointCount = bound(index);
 }
 
 void readCDfile(const std::filesystem::path& file, PointList& points) {
@@ -226,7 +234,7 @@ void readCDfile(const std::filesystem::path& file, PointList& points) {
     }
     ++index;
   }
-  points.pointCount = static_cast<std::int16_t>(index + 1);
+  points.pointCount = bound(index + 1);
 }
 
 ReadNotes readXYfile(const std::filesystem::path& file, PointList& points) {
@@ -251,7 +259,7 @@ ReadNotes readXYfile(const std::filesystem::path& file, PointList& points) {
     groupLine(in);
     ++index;
   }
-  points.pointCount = static_cast<std::int16_t>(index);
+  points.pointCount = bound(index);
   return notes;
 }
 
@@ -272,7 +280,14 @@ void readNEfile(const std::filesystem::path& file, PointList& points) {
 }
 
 void PointList::clearRecords(int first, int last) {
-  for (int i = first; i <= last && i < capacity; ++i) records[static_cast<std::size_t>(i)] = PointRecord{};
+  for (int i = first; i <= last && i < static_cast<int>(records.size()); ++i) records[static_cast<std::size_t>(i)] = PointRecord{};
+}
+
+PointList PointList::unbounded() {
+  PointList list;
+  list.capacity = std::numeric_limits<int>::max();
+  list.records.clear();
+  return list;
 }
 
 }  // namespace tervalo

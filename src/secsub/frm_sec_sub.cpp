@@ -22,15 +22,11 @@
 #include "secsub_out/report.h"
 #include "text/errors.h"
 #include "text/format.h"
+#include "text/justify.h"
 #include "text/number.h"
 
 namespace tervalo {
 namespace {
-
-std::string upper(std::string s) {
-  for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return s;
-}
 
 std::string coordinateText(double v) { return Format(v, "#######0.0000"); }
 
@@ -107,7 +103,7 @@ void frmSecSub::pointNumberChanged(int s) {
   const std::string wanted = upper(slots[static_cast<std::size_t>(s)].pn.text);
   const PointList& list = program().points;
   // Up to and including the loaded count, within the list's 151 records.
-  const int last = std::min<int>(list.pointCount, PointList::capacity - 1);
+  const int last = std::min<int>(list.pointCount, PointList::kSourceCapacity - 1);
   for (int i = 0; i <= last; ++i) {
     const PointRecord& p = list.records[static_cast<std::size_t>(i)];
     if (p.name != wanted) continue;

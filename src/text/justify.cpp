@@ -1,5 +1,7 @@
 #include "text/justify.h"
 
+#include <cctype>
+
 #include "text/errors.h"
 
 namespace tervalo {
@@ -47,6 +49,11 @@ std::string leftJustify(std::string_view text, int width) {
   const std::size_t n = textLength(text);
   if (w >= n) return std::string(text) + std::string(w - n, ' ');
   return std::string(textPrefix(text, w));
+}
+
+std::string upper(std::string text) {
+  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return text;
 }
 
 }  // namespace tervalo

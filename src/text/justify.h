@@ -16,6 +16,9 @@ std::string rightJustify(std::string_view text, int width);
 // characters.
 std::string leftJustify(std::string_view text, int width);
 
+// The text in upper case (ASCII letters; as point numbers are compared).
+std::string upper(std::string text);
+
 // Number of characters of a UTF-8 text; a stray byte counts as one.
 std::size_t textLength(std::string_view text);
 

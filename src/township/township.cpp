@@ -12,7 +12,9 @@
 #include "export/section_dxf.h"
 #include "export/section_points.h"
 #include "secsub/frm_sec_sub.h"
+#include "text/errors.h"
 #include "text/format.h"
+#include "text/justify.h"
 
 namespace tervalo {
 namespace {
@@ -49,6 +51,58 @@ std::vector<std::string> geopakLines(const CornerMap& map) {
 
 double distance(const CornerPosition& a, const CornerPosition& b) { return std::hypot(a.x - b.x, a.y - b.y); }
 
+// The plan's source, read once and whole: a county's control file may hold
+// any number of points, and each section is given only the points it names.
+struct PlanSource {
+  bool read = false;
+  FormatFlags formats;
+  PointList points = PointList::unbounded();
+  ReadNotes notes;
+  std::map<std::string, std::size_t> firstByName;  // a lookup finds the first point of a name
+};
+
+PlanSource readPlanSource(const std::string& file) {
+  PlanSource source;
+  std::error_code ec;
+  if (file.empty() || !std::filesystem::is_regular_file(file, ec)) return source;
+  try {
+    getFileFormat(file, source.formats);
+    source.notes = readFile(file, source.formats, source.points);
+  } catch (const ProgramFault&) {
+    return PlanSource{};  // each section then meets the fault itself, as it would alone
+  }
+  source.read = true;
+  for (std::size_t i = 0; i < source.points.records.size(); ++i)
+    if (!source.points.records[i].name.empty()) source.firstByName.emplace(source.points.records[i].name, i);
+  return source;
+}
+
+// The point numbers a section's corners name, as the section window looks
+// them up (upper case).
+std::vector<std::pair<std::string, std::string>> namedPoints(const SectionPlan& p) {
+  std::vector<std::pair<std::string, std::string>> named;  // corner key, point
+  for (std::size_t c = 0; c < kPlanCorners.size(); ++c)
+    if (!p.corners[c].point.empty()) named.emplace_back(kPlanCorners[c], upper(p.corners[c].point));
+  return named;
+}
+
+// The section's share of the source, put in its point list in file order.
+ReadNotes givePoints(const PlanSource& source, const std::vector<std::pair<std::string, std::string>>& named,
+                     FormatFlags& formats, PointList& points) {
+  formats = source.formats;
+  points.clearRecords(0, PointList::kSourceCapacity - 1);
+  std::vector<std::size_t> indices;
+  for (const auto& [corner, point] : named) indices.push_back(source.firstByName.at(point));
+  std::sort(indices.begin(), indices.end());
+  indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
+  for (std::size_t k = 0; k < indices.size(); ++k) points.records[k] = source.points.records[indices[k]];
+  points.pointCount = static_cast<std::int16_t>(indices.size());
+  ReadNotes notes;
+  for (const std::string& cut : source.notes.cutCoordinates)
+    if (std::any_of(named.begin(), named.end(), [&cut](const auto& n) { return n.second == cut; })) notes.cutCoordinates.push_back(cut);
+  return notes;
+}
+
 }  // namespace
 
 TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options, const FormRegistry& registry) {
@@ -57,9 +111,37 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   std::vector<SectionRun> runs;
   Json stopped = Json::array();
   bool criticalBox = false;
+  const PlanSource source = readPlanSource(plan.source);
   for (std::size_t row = 0; row < plan.sections.size(); ++row) {
     const SectionPlan& p = plan.sections[row];
+    const auto named = namedPoints(p);
     RunOptions one = options;
+    if (source.read) {
+      // A corner naming a point the source does not hold is refused here, by
+      // row, corner and number, rather than left blank in the section.
+      std::vector<std::string> missing;
+      for (const auto& [corner, point] : named)
+        if (!source.firstByName.count(point))
+          missing.push_back("Missing Point: corner " + corner + " names point " + point + ", which is not in the source file " +
+                            plan.source + ".");
+      if (!missing.empty()) {
+        Json messages = Json::array();
+        for (const std::string& m : missing)
+          messages.push_back(Json{{"form", ""}, {"title", "Missing Point"}, {"text", m.substr(m.find(": ") + 2)},
+                                  {"icon", "critical"}, {"buttons", "ok"}, {"answer", nullptr}});
+        sections.push_back(Json{{"section", p.section},
+                                {"completed", false},
+                                {"result", Json{{"messages", std::move(messages)}, {"ended", false}, {"files", Json::array()}}}});
+        stopped.push_back(Json{{"row", row + 1}, {"section", p.section}, {"ended", false}, {"boxes", missing}});
+        out.stopped.push_back({static_cast<int>(row), p.section, false, missing});
+        continue;
+      }
+      one.prepare = [&source, &named](Program& program) {
+        program.readSource = [&source, &named](const std::string&, FormatFlags& formats, PointList& points) {
+          return givePoints(source, named, formats, points);
+        };
+      };
+    }
     std::optional<SectionRun> taken;
     one.inspect = [&](Program& program) {
       auto& form = program.form<frmSecSub>("frmSecSub");

@@ -109,6 +109,30 @@ TEST_F(Township, ARefusedSectionIsListedWithItsBoxAndTheNextGoesOn) {
   EXPECT_EQ(out.stoppedLines.size(), 2u + out.stopped[0].boxes.size() + out.stopped[1].boxes.size());
 }
 
+// A county's control file: thousands of points, far beyond the section
+// window's 151; each section is given only the points it names.
+TEST_F(Township, ASourceOfAnySizeRunsAsTheSmallOneDoes) {
+  const TownshipOutcome small = run();
+  const std::string corners = TempDir::read(dir.path() / "Township.csv");
+  std::string county;
+  for (int i = 0; i < 3000; ++i) county += "C" + std::to_string(i) + "," + std::to_string(400000 + i) + ",200000,CM,CONTROL\n";
+  plan.source = dir.write("county.csv", county + TempDir::read(kExamples + "township.csv")).string();
+  const TownshipOutcome large = run();
+  EXPECT_EQ(large.exitCode, 0) << large.summary[3];
+  EXPECT_EQ(TempDir::read(dir.path() / "Township.csv"), corners);
+  EXPECT_EQ(large.map.points.size(), small.map.points.size());
+}
+
+TEST_F(Township, APlanCornerNamingAMissingPointIsRefusedByRowCornerAndNumber) {
+  plan.sections[1].corners[1].point = "1099";  // section 13's N 1/4
+  const TownshipOutcome out = run();
+  EXPECT_EQ(out.exitCode, 3);
+  ASSERT_EQ(out.stopped.size(), 1u);
+  EXPECT_EQ(out.stopped[0].row, 1);
+  EXPECT_EQ(out.stopped[0].boxes[0].rfind("Missing Point: corner N names point 1099, which is not in the source file ", 0), 0u);
+  EXPECT_TRUE(out.result["sections"][2]["completed"].get<bool>());
+}
+
 TEST_F(Township, ARunInWhichNoSectionCompletedLeavesTheEarlierFiles) {
   const auto earlier = dir.write("Township.csv", "the earlier run's corners\r\n");
   for (SectionPlan& s : plan.sections) s.township = "";
