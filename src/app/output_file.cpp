@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <optional>
+#include <set>
 
 #include "text/errors.h"
 
@@ -22,17 +25,29 @@ namespace {
 
 [[noreturn]] void cannotWrite(const fs::path& file, int error) { cannotWrite(file, std::strerror(error)); }
 
-bool writeAll(int fd, const std::string& bytes) {
+WriteHook& writeHook() {
+  static WriteHook hook;
+  return hook;
+}
+
+// Every write of the writers, so that a test can make one fail.
+ssize_t writeSome(int fd, const char* data, std::size_t size) {
+  return writeHook() ? writeHook()(fd, data, size) : ::write(fd, data, size);
+}
+
+// Writes all of `bytes` at the file's current offset; the error number, or 0.
+int writeAll(int fd, const std::string& bytes) {
   std::size_t done = 0;
   while (done < bytes.size()) {
-    const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+    const ssize_t n = writeSome(fd, bytes.data() + done, bytes.size() - done);
     if (n < 0) {
       if (errno == EINTR) continue;
-      return false;
+      return errno;
     }
+    if (n == 0) return EIO;
     done += static_cast<std::size_t>(n);
   }
-  return true;
+  return 0;
 }
 
 // Writes `bytes` to `file` (created or emptied) and makes them durable; the
@@ -40,10 +55,24 @@ bool writeAll(int fd, const std::string& bytes) {
 int writeBytes(const fs::path& file, const std::string& bytes) {
   const int fd = ::open(file.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
   if (fd < 0) return errno;
-  const bool written = writeAll(fd, bytes) && ::fsync(fd) == 0;
-  const int writeError = written ? 0 : errno;
-  if (::close(fd) != 0 && written) return errno;
-  return writeError;
+  int error = writeAll(fd, bytes);
+  if (error == 0 && ::fsync(fd) != 0) error = errno;
+  if (::close(fd) != 0 && error == 0) error = errno;
+  return error;
+}
+
+// Rewrites the file open as `fd` in place to hold `bytes`: every name of
+// it sees the new text. Room is reserved first, so that a full disk stops
+// the rewrite before the old text is touched where the file system can
+// say so; the error number, or 0.
+int rewriteInPlace(int fd, const std::string& bytes) {
+  const auto size = static_cast<off_t>(bytes.size());
+  if (size > 0 && ::fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, size) != 0 && errno != EOPNOTSUPP && errno != ENOSYS)
+    return errno;
+  if (::lseek(fd, 0, SEEK_SET) < 0) return errno;
+  if (const int error = writeAll(fd, bytes)) return error;
+  if (::ftruncate(fd, size) != 0 || ::fsync(fd) != 0) return errno;
+  return 0;
 }
 
 int readBytes(const fs::path& file, std::string& bytes) {
@@ -98,11 +127,29 @@ Target resolveTarget(const fs::path& file) {
   return {path, st};
 }
 
+// A program killed while writing leaves its hidden temporary file behind;
+// the first write into a folder removes those over a day old (never a
+// fresh one: another Tervalo may be writing it). Once per folder a run.
+void sweepLeftovers(const fs::path& folder) {
+  static std::set<std::string> swept;
+  if (!swept.insert(folder.string()).second) return;
+  std::error_code ec;
+  const auto dayAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
+  for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
+    const std::string name = it->path().filename().string();
+    if (name.size() != 15 || name.rfind(".tervalo-", 0) != 0) continue;
+    std::error_code statError;
+    if (!it->is_regular_file(statError) || it->last_write_time(statError) >= dayAgo || statError) continue;
+    fs::remove(it->path(), statError);
+  }
+}
+
 // One file on its way: a temporary file beside the target, put in place by
 // commit(); dropped unless committed.
 class PendingFile {
  public:
   explicit PendingFile(const fs::path& file) : named_(file), target_(resolveTarget(file)) {
+    sweepLeftovers(target_.path.parent_path());
     // A short name of its own, so a target name at the file system's limit stays legal.
     std::string temp = (target_.path.parent_path() / ".tervalo-XXXXXX").string();
     const int fd = ::mkstemp(temp.data());
@@ -135,18 +182,49 @@ class PendingFile {
 
   // Puts the complete temporary file in place; the error number when that fails.
   int commit() {
-    if (target_.existing && target_.existing->st_nlink > 1) {
-      // Other names share this file: it is rewritten where it is, so they all see the new text.
-      std::string bytes;
-      if (const int error = readBytes(temp_, bytes)) return error;
-      if (const int error = writeBytes(target_.path, bytes)) return error;
-    } else if (std::rename(temp_.c_str(), target_.path.c_str()) != 0) {
-      return errno;
-    } else {
-      temp_.clear();
-    }
+    if (target_.existing && target_.existing->st_nlink > 1) return commitInPlace();
+    if (std::rename(temp_.c_str(), target_.path.c_str()) != 0) return errno;
+    temp_.clear();
     return 0;
   }
+
+  // Set when an in-place rewrite failed and its old text could not be put
+  // back: where that text is kept.
+  fs::path keptOld;
+
+ private:
+  // Other names share this file: it is rewritten where it is, so they all
+  // see the new text. The new text is whole in the temporary file already;
+  // the old one is copied aside first and put back should the rewrite fail,
+  // so no name is ever left with half a file.
+  int commitInPlace() {
+    std::string fresh, old;
+    if (const int error = readBytes(temp_, fresh)) return error;
+    if (const int error = readBytes(target_.path, old)) return error;
+    std::string aside = (target_.path.parent_path() / ".tervalo-XXXXXX").string();
+    const int asideFd = ::mkstemp(aside.data());
+    if (asideFd < 0) return errno;
+    int error = writeAll(asideFd, old);
+    if (error == 0 && ::fsync(asideFd) != 0) error = errno;
+    ::close(asideFd);
+    if (error != 0) {
+      ::unlink(aside.c_str());
+      return error;
+    }
+    const int fd = ::open(target_.path.c_str(), O_WRONLY | O_CLOEXEC);
+    if (fd < 0) {
+      error = errno;
+      ::unlink(aside.c_str());
+      return error;
+    }
+    error = rewriteInPlace(fd, fresh);
+    if (error != 0 && rewriteInPlace(fd, old) != 0) keptOld = aside;  // the old text stays aside, named in the message
+    ::close(fd);
+    if (keptOld.empty()) ::unlink(aside.c_str());
+    return error;
+  }
+
+ public:
 
  private:
   fs::path named_;
@@ -163,12 +241,42 @@ std::string crLfText(const std::vector<std::string>& lines) {
   return bytes;
 }
 
+// Puts one pending file in place, or says why not.
+void commitOrSay(PendingFile& pending) {
+  if (const int error = pending.commit()) {
+    std::string why = std::strerror(error);
+    if (!pending.keptOld.empty()) why += "; its earlier text could not be put back and is kept in \"" + pending.keptOld.string() + "\"";
+    cannotWrite(pending.named(), why);
+  }
+}
+
+// Why a library's writer failed on `temp`: a full disk is said as one (the
+// libraries' streams keep no error number of their own), anything else as
+// an input/output error.
+int libraryWriteError(const fs::path& temp, int errorAfter) {
+  if (errorAfter == ENOSPC || errorAfter == EDQUOT || errorAfter == EFBIG) return errorAfter;
+  struct statvfs fsInfo {};
+  if (::statvfs(temp.parent_path().c_str(), &fsInfo) == 0 &&
+      static_cast<unsigned long long>(fsInfo.f_bavail) * fsInfo.f_frsize < 64 * 1024)
+    return ENOSPC;
+  return EIO;
+}
+
 }  // namespace
+
+void setWriteHook(WriteHook hook) { writeHook() = std::move(hook); }
 
 void writeFileWith(const fs::path& file, const std::function<bool(const fs::path&)>& write) {
   PendingFile pending(file);
-  if (!write(pending.temp())) cannotWrite(file, EIO);
-  if (const int error = pending.commit()) cannotWrite(file, error);
+  errno = 0;
+  if (!write(pending.temp())) cannotWrite(file, libraryWriteError(pending.temp(), errno));
+  commitOrSay(pending);
+}
+
+void writeBytesFile(const fs::path& file, const std::string& bytes) {
+  PendingFile pending(file);
+  if (const int error = writeBytes(pending.temp(), bytes)) cannotWrite(file, error);
+  commitOrSay(pending);
 }
 
 void writeTextFile(const fs::path& file, const std::vector<std::string>& lines) {
@@ -183,9 +291,14 @@ void writeTextFiles(const std::vector<std::pair<fs::path, std::vector<std::strin
     if (const int error = writeBytes(pending.back().temp(), crLfText(lines))) cannotWrite(file, error);
   }
   for (std::size_t i = 0; i < pending.size(); ++i) {
+    if (i == 0) {
+      commitOrSay(pending[0]);  // nothing is in place yet
+      continue;
+    }
     const int error = pending[i].commit();
     if (error == 0) continue;
     std::string text = "Cannot write the file \"" + pending[i].named().string() + "\": " + std::strerror(error) + ".";
+    if (!pending[i].keptOld.empty()) text += " Its earlier text is kept in \"" + pending[i].keptOld.string() + "\".";
     for (std::size_t k = 0; k < i; ++k) text += " \"" + pending[k].named().string() + "\" holds the new results.";
     for (std::size_t k = i; k < pending.size() && i > 0; ++k)
       text += " \"" + pending[k].named().string() + "\" is not replaced.";

@@ -15,9 +15,13 @@ namespace tervalo {
 // earlier file untouched. The target is respected: a symbolic link is written
 // through to the file it names; a read-only file is refused ("Permission
 // denied"), as is a name that is not a regular file (a folder, a pipe, a
-// device); a file with other hard links is updated in place so every name
-// sees the new text; an existing file keeps its permissions. A file that
-// cannot be written is a RunTimeError naming the file and the reason.
+// device); a file with other hard links is rewritten in place so every name
+// sees the new text, its old text kept aside and put back should the
+// rewrite fail (a full disk), so no name is left with half a file; an
+// existing file keeps its permissions. A file that cannot be written is a
+// RunTimeError naming the file and the reason ("No space left on device").
+// Temporary files a killed program left in the folder (".tervalo-XXXXXX")
+// over a day old are removed by the first write into it.
 void writeTextFile(const std::filesystem::path& file, const std::vector<std::string>& lines);
 
 // The same for a file that a library writes by name: `write` writes the
@@ -26,10 +30,19 @@ void writeTextFile(const std::filesystem::path& file, const std::vector<std::str
 // the target untouched.
 void writeFileWith(const std::filesystem::path& file, const std::function<bool(const std::filesystem::path&)>& write);
 
+// Writes `bytes` as they stand (no line-end changes), whole or not at all,
+// with the same respect for the target.
+void writeBytesFile(const std::filesystem::path& file, const std::string& bytes);
+
 // Files that belong together (a report and its GEOPAK file): every one is
 // written to its temporary file first, and they are put in place only when
 // all are complete. Should putting one in place fail after another was, the
 // RunTimeError names both and says which is new.
 void writeTextFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files);
+
+// For tests: while set, every write the writers make goes through `hook`,
+// which answers as write(2) does (-1 and errno for a fault).
+using WriteHook = std::function<long(int fd, const char* data, std::size_t size)>;
+void setWriteHook(WriteHook hook);
 
 }  // namespace tervalo

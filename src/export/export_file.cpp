@@ -29,14 +29,7 @@ XmlStamp stampOf(const Date& today) {
   return {date, time};
 }
 
-void writeDocument(const std::filesystem::path& file, const std::string& text) {
-  writeFileWith(file, [&text](const std::filesystem::path& temp) {
-    std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-    out << text;
-    out.close();
-    return static_cast<bool>(out);
-  });
-}
+void writeDocument(const std::filesystem::path& file, const std::string& text) { writeBytesFile(file, text); }
 
 void exportFile(Shell& shell, const std::string& title, const std::filesystem::path& file, const ExportWriters& writers) {
   const std::string kind = exportKind(file);

@@ -1,6 +1,8 @@
 // Output files are written whole, with CR LF, or not at all.
 
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <chrono>
 #include <functional>
 #include <signal.h>
 #include <sys/stat.h>
@@ -162,6 +164,56 @@ TEST(OutputFile, TheTargetIsRespected) {
     c.after(dir);
     EXPECT_LE(filesIn(dir.path()), before + 1);  // no temporary file left behind
   }
+}
+
+// The path an open file descriptor writes to.
+std::filesystem::path fdPath(int fd) {
+  std::error_code ec;
+  return std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd), ec);
+}
+
+TEST(OutputFile, AHardLinkedFileOnAFullDiskKeepsItsOldTextUnderEveryName) {
+  TempDir dir;
+  const auto one = dir.write("Section14.csv", "earlier");
+  std::filesystem::create_hard_link(one, dir.path() / "copy.csv");
+  // The disk fills up five bytes into rewriting the shared file in place;
+  // putting the old text back ("earlier") still fits where it was.
+  bool rewriting = false;
+  const auto shared = std::filesystem::canonical(one);
+  setWriteHook([&](int fd, const char* data, std::size_t size) -> long {
+    if (fdPath(fd) == shared && data[0] != 'e') {
+      if (rewriting) {
+        errno = ENOSPC;
+        return -1;
+      }
+      rewriting = true;
+      size = std::min<std::size_t>(size, 5);
+    }
+    return ::write(fd, data, size);
+  });
+  try {
+    writeTextFile(one, std::vector<std::string>(50, "NEW CORNER LINE"));
+    ADD_FAILURE() << "written";
+  } catch (const RunTimeError& e) {
+    EXPECT_NE(std::string(e.what()).find("No space left on device"), std::string::npos) << e.what();
+  }
+  setWriteHook({});
+  EXPECT_EQ(TempDir::read(one), "earlier");
+  EXPECT_EQ(TempDir::read(dir.path() / "copy.csv"), "earlier");
+  EXPECT_EQ(filesIn(dir.path()), 2u);  // nothing aside left behind
+}
+
+TEST(OutputFile, TemporaryFilesAKilledRunLeftOverADayAgoAreSweptByTheNextWrite) {
+  namespace fs = std::filesystem;
+  TempDir dir;
+  const auto stale = dir.write(".tervalo-Ab12Cd", "half a file");
+  fs::last_write_time(stale, fs::file_time_type::clock::now() - std::chrono::hours(25));
+  const auto fresh = dir.write(".tervalo-Ef34Gh", "another run's file in progress");
+  const auto kept = dir.write(".tervalo-notes.txt", "the user's own");
+  writeTextFile(dir.path() / "out.txt", {"x"});
+  EXPECT_FALSE(fs::exists(stale));
+  EXPECT_TRUE(fs::exists(fresh));
+  EXPECT_TRUE(fs::exists(kept));
 }
 
 TEST(OutputFile, FilesThatBelongTogetherSayWhichIsNewWhenTheSecondCannotBePutInPlace) {
