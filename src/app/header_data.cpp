@@ -1,9 +1,11 @@
 #include "app/header_data.h"
 
+
 #include <fstream>
 #include <sstream>
 
 #include "text/justify.h"
+#include "text/input_file.h"
 
 namespace tervalo {
 
@@ -40,10 +42,11 @@ std::vector<std::string> splitNames(std::istream& in) {
 
 std::vector<std::string> countyNames(const std::string& dataFolder) {
   if (!dataFolder.empty()) {
-    std::ifstream own(dataFolder + "counties.txt");
-    if (own) {
+    try {
+      std::istringstream own(readInputFile(dataFolder + "counties.txt"));
       auto names = splitNames(own);
       if (!names.empty()) return names;
+    } catch (const InputFileError&) {  // none of the user's own (or none that can be read): the built-in list
     }
   }
   std::istringstream builtIn(kBuiltInCounties);

@@ -14,6 +14,7 @@
 #include "app/form_model.h"
 #include "app/json_text.h"
 #include "app/program.h"
+#include "text/input_file.h"
 
 namespace tervalo {
 namespace {
@@ -158,14 +159,14 @@ bool readsFile(const std::string& form, const std::string& control) { return for
 }  // namespace
 
 Job readJobFile(const std::string& file, const FormRegistry& registry) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(file, ec)) throw JobError("it is a folder, not a job file");
-  std::ifstream in(file, std::ios::binary);
-  if (!in) throw JobError(std::string("the file cannot be read (") + std::strerror(errno) + ")");
-  std::stringstream text;
-  text << in.rdbuf();
-  if (in.bad()) throw JobError("the file cannot be read to its end");
-  Job job = parseJob(text.str(), registry);
+  std::string text;
+  try {
+    text = readInputFile(file);
+  } catch (const InputFileError& e) {
+    throw JobError(e.kind() == InputFileError::Kind::Folder ? std::string("it is a folder, not a job file")
+                                                            : std::string("it ") + e.what());
+  }
+  Job job = parseJob(text, registry);
   // A file the job reads is where the job lies, as a plan's source is, so a
   // job runs the same from any working folder. Names of files it writes
   // keep their own rule (the data folder).

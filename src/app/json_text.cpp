@@ -37,10 +37,7 @@ class StrictBuilder {
   bool number_float(Json::number_float_t v, const std::string& s) { return dom_.number_float(v, s); }
   bool string(std::string& v) { return dom_.string(v); }
   bool binary(Json::binary_t& v) { return dom_.binary(v); }
-  bool start_object(std::size_t n) {
-    keys_.emplace_back();
-    return dom_.start_object(n);
-  }
+  bool start_object(std::size_t n) { return deeper() && dom_.start_object(n); }
   bool key(std::string& k) {
     if (!keys_.back().insert(k).second) {
       fault_ = "the key \"" + k + "\" is given twice in one object";
@@ -52,10 +49,7 @@ class StrictBuilder {
     keys_.pop_back();
     return dom_.end_object();
   }
-  bool start_array(std::size_t n) {
-    keys_.emplace_back();
-    return dom_.start_array(n);
-  }
+  bool start_array(std::size_t n) { return deeper() && dom_.start_array(n); }
   bool end_array() {
     keys_.pop_back();
     return dom_.end_array();
@@ -71,6 +65,17 @@ class StrictBuilder {
   std::optional<std::size_t> position_;
 
  private:
+  // One level deeper; refused beyond the limit before anything is built
+  // there, so no deep value is ever copied or destroyed level by level.
+  bool deeper() {
+    if (keys_.size() >= kMaxJsonDepth) {
+      fault_ = "values nested deeper than " + std::to_string(kMaxJsonDepth) + " levels";
+      return false;
+    }
+    keys_.emplace_back();
+    return true;
+  }
+
   nlohmann::detail::json_sax_dom_parser<Json> dom_;
   std::vector<std::set<std::string>> keys_;
 };

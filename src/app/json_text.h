@@ -16,9 +16,12 @@ class JsonTextError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Parses one JSON value. A syntax fault, a number beyond a double (1e400)
-// or a key given twice in one object is a JsonTextError; nothing else of
-// the JSON library escapes.
+// No document of the program nests anywhere near this deep.
+inline constexpr std::size_t kMaxJsonDepth = 64;
+
+// Parses one JSON value. A syntax fault, a number beyond a double (1e400),
+// a key given twice in one object or values nested deeper than
+// kMaxJsonDepth is a JsonTextError; nothing else of the JSON library escapes.
 nlohmann::ordered_json parseStrictJson(const std::string& text);
 
 // The value as indented JSON text. Never fails on content: a byte that is

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include <nlohmann/json.hpp>
 
 #include "app/json_text.h"
 #include "app/output_file.h"
 #include "text/errors.h"
+#include "text/input_file.h"
 
 namespace tervalo {
 namespace {
@@ -20,12 +19,15 @@ std::filesystem::path listFile(const std::string& folder) { return folder + "rec
 
 RecentWork::RecentWork(std::string dataFolder) : folder_(std::move(dataFolder)) {
   if (folder_.empty()) return;
-  std::ifstream in(listFile(folder_));
-  if (!in) return;
-  std::stringstream text;
-  text << in.rdbuf();
-  const auto json = nlohmann::json::parse(text.str(), nullptr, false);
-  if (!json.is_array()) return;  // a damaged list is started afresh
+  // A damaged list (not JSON, nested too deep, or no regular file at all)
+  // is started afresh: the program always starts.
+  nlohmann::ordered_json json;
+  try {
+    json = parseStrictJson(readInputFile(listFile(folder_)));
+  } catch (const std::runtime_error&) {
+    return;
+  }
+  if (!json.is_array()) return;
   for (const auto& f : json)
     if (f.is_string() && files_.size() < kMost) files_.push_back(f.get<std::string>());
 }

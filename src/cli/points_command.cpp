@@ -7,18 +7,21 @@
 #include "points/readers.h"
 #include "text/errors.h"
 #include "text/format.h"
+#include "text/input_file.h"
 #include "text/justify.h"
 
 namespace tervalo {
 
 int pointsCommand(const std::string& file, std::ostream& out, std::ostream& err) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(file, ec)) {
-    err << "tervalo-cli: \"" << file << "\" is a folder, not a coordinate file.\n";
-    return 2;
-  }
-  if (!std::filesystem::is_regular_file(file, ec)) {
-    err << "Input File Error!: File does not exist.\n";
+  try {
+    checkInputFile(file);
+  } catch (const InputFileError& e) {
+    if (e.kind() == InputFileError::Kind::Unreadable)
+      err << "Input File Error!: File does not exist.\n";
+    else if (e.kind() == InputFileError::Kind::Folder)
+      err << "tervalo-cli: \"" << file << "\" is a folder, not a coordinate file.\n";
+    else
+      err << "tervalo-cli: \"" << file << "\" " << e.what() << ".\n";
     return 2;
   }
   FormatFlags flags;

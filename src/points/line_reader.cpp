@@ -1,23 +1,21 @@
 #include "points/line_reader.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "text/encoding.h"
 #include "text/errors.h"
+#include "text/input_file.h"
 
 namespace tervalo {
 
 LineReader::LineReader(const std::filesystem::path& path) : path_(path) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(path, ec))
-    throw RunTimeError("Bad file name: \"" + path.string() + "\" is a folder, not a file.");
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw RunTimeError("File not found or not readable: \"" + path.string() + "\" (" + std::strerror(errno) + ").");
-  const std::string raw{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (in.bad()) throw RunTimeError("Device I/O error while reading \"" + path.string() + "\".");
+  std::string raw;
+  try {
+    raw = readInputFile(path);
+  } catch (const InputFileError& e) {
+    const std::string why = "\"" + path.string() + "\" " + e.what() + ".";
+    throw RunTimeError(e.kind() == InputFileError::Kind::Unreadable ? "File not found or not readable: " + why
+                                                                     : "Bad file name: " + why);
+  }
   // Other programs write their reports in the Windows code page as often as in UTF-8.
   const std::string bytes = decodeText(raw);
 

@@ -1,5 +1,6 @@
 #include "township/plan.h"
 
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -7,6 +8,7 @@
 #include <sstream>
 
 #include "app/json_text.h"
+#include "text/input_file.h"
 
 namespace tervalo {
 namespace {
@@ -97,13 +99,14 @@ TownshipPlan parsePlan(const std::string& text) {
 }
 
 TownshipPlan readPlanFile(const std::string& file) {
-  std::error_code ec;
-  if (std::filesystem::is_directory(file, ec)) throw PlanError("\"" + file + "\" is a folder, not a plan file");
-  std::ifstream in(file, std::ios::binary);
-  if (!in) throw PlanError("cannot read \"" + file + "\"");
-  std::ostringstream text;
-  text << in.rdbuf();
-  TownshipPlan plan = parsePlan(text.str());
+  std::string text;
+  try {
+    text = readInputFile(file);
+  } catch (const InputFileError& e) {
+    throw PlanError("\"" + file + "\" " +
+                    (e.kind() == InputFileError::Kind::Folder ? std::string("is a folder, not a plan file") : e.what()));
+  }
+  TownshipPlan plan = parsePlan(text);
   // The source lies beside the plan unless its name says otherwise.
   const std::filesystem::path source(plan.source);
   if (!plan.source.empty() && source.is_relative())

@@ -65,5 +65,33 @@ case $case in
     printf '1001,1e400,5000,IP\r\n' >points.csv
     "$cli" points points.csv >out 2>&1; status=$?
     expect 3 "Overflow" && expect 3 "Line: 1" ;;
+  deep_json_in_a_job_plan_or_recent_list)
+    python3 -c 'print("[" * 75000 + "]" * 75000)' >deep.json
+    "$cli" run deep.json >out 2>&1; status=$?
+    expect 2 "nested deeper than 64 levels"
+    "$cli" township deep.json >out 2>&1; status=$?
+    expect 2 "nested deeper than 64 levels"
+    # A recent list nested so deep is started afresh: the job runs.
+    echo "$hcurve" >job.json && mkdir -p data && cp deep.json data/recent.json
+    "$cli" run job.json --data-dir data >out 2>&1; status=$?
+    expect 0 "outHfile.txt" ;;
+  special_files_never_opened_for_reading)
+    mkfifo pipe
+    for command in run township points; do
+      timeout 20 "$cli" $command pipe >out 2>&1; status=$?
+      expect 2 "not a regular file"
+      timeout 20 "$cli" $command /dev/zero >out 2>&1; status=$?
+      expect 2 "not a regular file"
+    done
+    # A pipe where the recent list should be neither hangs nor stops a job.
+    echo "$hcurve" >job.json && mkdir -p data && mkfifo data/recent.json
+    timeout 20 "$cli" run job.json --data-dir data >out 2>&1; status=$?
+    expect 0 "outHfile.txt" ;;
+  file_too_large_to_be_what_it_claims)
+    truncate -s 65M big.json
+    for command in run township points; do
+      "$cli" $command big.json >out 2>&1; status=$?
+      expect 2 "larger than 64 MB"
+    done ;;
   *) echo "no case $case" >&2; exit 1 ;;
 esac

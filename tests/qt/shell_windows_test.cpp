@@ -267,21 +267,28 @@ class ShellWindows : public QObject, testing::DesktopFixture {
   }
 
   void aDamagedRecoveryJobIsSetAsideAndSaidOnce() {
-    // A number no double holds: once thrown past the start-up, it ended the program before its window.
-    dir->write("recovery.job.json", R"({"calculator":"hcurve","steps":[1e400]})");
-    MainWindow window(*program, *shell);
-    program->form("frmMain").setOpen(true);
-    shell->setMainWindow(&window, program->form("frmMain"));
-    offerRecovery(*program, *shell, window);
-    QCOMPARE(shell->boxes.size(), std::size_t(1));
-    QVERIFY(shell->boxes.back().text.find("cannot be read: the job file is not valid JSON: number overflow") !=
-            std::string::npos);
-    const auto aside = dir->path() / "recovery.damaged-1.job.json";
-    QVERIFY(shell->boxes.back().text.find(aside.string()) != std::string::npos);
-    QCOMPARE(TempDir::read(aside), std::string(R"({"calculator":"hcurve","steps":[1e400]})"));
-    QVERIFY(!std::filesystem::exists(recoveryFile(dir->folder())));
-    offerRecovery(*program, *shell, window);  // said once
-    QCOMPARE(shell->boxes.size(), std::size_t(1));
+    // A number no double holds, and values nested 75,000 deep: each once
+    // ended the program before its window (the second by its stack).
+    const std::pair<std::string, std::string> damaged[] = {
+        {R"({"calculator":"hcurve","steps":[1e400]})", "not valid JSON: number overflow"},
+        {std::string(75000, '[') + std::string(75000, ']'), "not valid JSON: values nested deeper than 64 levels"}};
+    for (const auto& [text, why] : damaged) {
+      start();  // a data folder of its own
+      dir->write("recovery.job.json", text);
+      MainWindow window(*program, *shell);
+      program->form("frmMain").setOpen(true);
+      shell->setMainWindow(&window, program->form("frmMain"));
+      offerRecovery(*program, *shell, window);
+      QCOMPARE(shell->boxes.size(), std::size_t(1));
+      QVERIFY2(shell->boxes.back().text.find("cannot be read: the job file is " + why) != std::string::npos,
+               shell->boxes.back().text.c_str());
+      const auto aside = dir->path() / "recovery.damaged-1.job.json";
+      QVERIFY(shell->boxes.back().text.find(aside.string()) != std::string::npos);
+      QCOMPARE(TempDir::read(aside), text);
+      QVERIFY(!std::filesystem::exists(recoveryFile(dir->folder())));
+      offerRecovery(*program, *shell, window);  // said once
+      QCOMPARE(shell->boxes.size(), std::size_t(1));
+    }
   }
 
   void aCalculatorsInputsComeBackAfterAProgramEnd() {
