@@ -266,6 +266,14 @@ int libraryWriteError(const fs::path& temp, int errorAfter) {
 
 void setWriteHook(WriteHook hook) { writeHook() = std::move(hook); }
 
+bool sameFile(const fs::path& a, const fs::path& b) {
+  std::error_code ea, eb;
+  const fs::path ca = fs::weakly_canonical(fs::absolute(a, ea), ea), cb = fs::weakly_canonical(fs::absolute(b, eb), eb);
+  if (!ea && !eb && ca == cb) return true;
+  std::error_code ec;
+  return fs::equivalent(a, b, ec) && !ec;
+}
+
 void writeFileWith(const fs::path& file, const std::function<bool(const fs::path&)>& write) {
   PendingFile pending(file);
   errno = 0;

@@ -40,6 +40,10 @@ void writeBytesFile(const std::filesystem::path& file, const std::string& bytes)
 // RunTimeError names both and says which is new.
 void writeTextFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files);
 
+// Whether two names reach one file: the same path once links and "." and
+// ".." are followed, or two hard links of one existing file.
+bool sameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
 // For tests: while set, every write the writers make goes through `hook`,
 // which answers as write(2) does (-1 and errno for a fault).
 using WriteHook = std::function<long(int fd, const char* data, std::size_t size)>;

@@ -445,9 +445,30 @@ void frmSecSub::showNotices(const std::vector<std::string>& lines) {
   lblNotice.visible = !lblNotice.caption.empty();
 }
 
+std::optional<std::vector<std::filesystem::path>> frmSecSub::runOutputFiles() {
+  auto& main = program().form<frmMain>("frmMain");
+  std::vector<std::filesystem::path> files{outputPath(main.txtOutInp, program().userAppData, kGeopakFileName),
+                                           outputPath(main.txtReport, program().userAppData, kReportFileName)};
+  // The corner record, on demand, beside the report and written with it.
+  if (chkWhy.checked) files.push_back(files[1].parent_path() / (files[1].stem().string() + ".why.txt"));
+  const char* what[] = {"GEOPAK input", "report", "corner record"};
+  for (std::size_t a = 0; a < files.size(); ++a)
+    for (std::size_t b = a + 1; b < files.size(); ++b)
+      if (sameFile(files[a], files[b])) {
+        shell().msgBox("Output Files",
+                       std::string("The ") + what[a] + " \"" + files[a].string() + "\" and the " + what[b] + " \"" +
+                           files[b].string() + "\" are one file. Give each its own name; nothing was written.",
+                       Icon::Exclamation);
+        return std::nullopt;
+      }
+  return files;
+}
+
 void frmSecSub::Main() {
   notices = {};
   showNotices({});
+  const auto outputs = runOutputFiles();
+  if (!outputs) return;
   checkHeld16ths();
   if (!getFormValues()) return;
   checkForMissingChainData();
@@ -496,14 +517,10 @@ void frmSecSub::Main() {
   for (auto& page : {printReport(record, naming, computed), print3rdPage(record, input)})
     lines.insert(lines.end(), page.begin(), page.end());
 
-  auto& main = program().form<frmMain>("frmMain");
-  const auto geopakFile = outputPath(main.txtOutInp, program().userAppData, kGeopakFileName);
-  const auto reportFile = outputPath(main.txtReport, program().userAppData, kReportFileName);
+  const std::filesystem::path& geopakFile = (*outputs)[0];
+  const std::filesystem::path& reportFile = (*outputs)[1];
   std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> files{{geopakFile, geopak}, {reportFile, lines}};
-  // The corner record, on demand, beside the report and written with it.
-  if (chkWhy.checked)
-    files.emplace_back(reportFile.parent_path() / (reportFile.stem().string() + ".why.txt"),
-                       cornerRecordLines(record, origins, drawingTitle()));
+  if (outputs->size() > 2) files.emplace_back((*outputs)[2], cornerRecordLines(record, origins, drawingTitle()));
   program().writeOutputFiles(files);
   report = lines;
   hasRun = true;

@@ -129,6 +129,10 @@ class frmSecSub : public FormModel {
   std::vector<int> nameOutputPositions(const CornerNaming& naming);
 
  private:
+  // The run's output files as named: the GEOPAK input, the report and, when
+  // asked for, the corner record. Two that name one file refuse the run
+  // before anything is computed or written, with the names.
+  std::optional<std::vector<std::filesystem::path>> runOutputFiles();
   void writeSlotFields(int s);
   void applyChainDefaults();
   void showNotices(const std::vector<std::string>& lines);

@@ -30,6 +30,16 @@ std::string textOf(const Json& value, const std::string& where) {
   throw PlanError(where + " must be a text or a number");
 }
 
+// A plan's section, township or range: digits only, for the section
+// window reads them as numbers and the files are named from them; never a
+// slash, "..", a line end or anything else that could become a path.
+// Empty is left for the section window to refuse as missing.
+void requirePlainNumber(const std::string& text, const std::string& where, const char* what) {
+  const bool digits = std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+  if (!digits || text.size() > 9)
+    throw PlanError(where + ": \"" + what + "\" must be a plain number, not " + jsonText(Json(text)));  // quoted, escapes shown
+}
+
 Json objectAt(const Json& parent, const char* key, const std::string& where) {
   const Json value = parent.value(key, Json::object());
   if (!value.is_object()) throw PlanError(where + ": \"" + key + "\" must be an object");
@@ -57,19 +67,25 @@ TownshipPlan parsePlan(const std::string& text) {
   std::set<std::string> seen;
   for (std::size_t n = 0; n < sections.size(); ++n) {
     const Json& s = sections[n];
-    const std::string where = "section " + std::to_string(n + 1);
+    std::string where = "row " + std::to_string(n + 1);
     if (!s.is_object()) throw PlanError(where + " must be an object");
-    refuseUnknown(s, {"section", "township", "range", "direction", "meridian", "corners", "chains", "numbering"}, where);
     SectionPlan p;
     p.section = textOf(s.value("section", Json("")), where + " \"section\"");
+    requirePlainNumber(p.section, where, "section");
+    if (p.section.empty()) throw PlanError(where + ": \"section\" is required");
+    where += " (section " + p.section + ")";
+    refuseUnknown(s, {"section", "township", "range", "direction", "meridian", "corners", "chains", "numbering"}, where);
     p.township = textOf(s.value("township", Json("")), where + " \"township\"");
+    requirePlainNumber(p.township, where, "township");
     p.range = textOf(s.value("range", Json("")), where + " \"range\"");
+    requirePlainNumber(p.range, where, "range");
     p.direction = textOf(s.value("direction", Json("W")), where + " \"direction\"");
     if (p.direction != "E" && p.direction != "W") throw PlanError(where + ": \"direction\" is \"E\" or \"W\"");
     p.meridian = textOf(s.value("meridian", Json("")), where + " \"meridian\"");
-    if (p.section.empty()) throw PlanError(where + ": \"section\" is required");
-    if (!seen.insert(p.section + " " + p.township + " " + p.range + p.direction).second)
-      throw PlanError(where + ": section " + p.section + " of T" + p.township + " R" + p.range + p.direction + " is listed twice");
+    // Sections are the same by their numbers: "14" and "014" are one section.
+    const std::string t = plainNumberText(p.township), r = plainNumberText(p.range);
+    if (!seen.insert(plainNumberText(p.section) + " " + t + " " + r + p.direction).second)
+      throw PlanError(where + ": section " + plainNumberText(p.section) + " of T" + t + " R" + r + p.direction + " is listed twice");
     const Json corners = objectAt(s, "corners", where);
     refuseUnknown(corners, {"NW", "N", "NE", "W", "E", "SW", "S", "SE"}, where + " corners");
     for (std::size_t i = 0; i < kPlanCorners.size(); ++i) {
@@ -138,11 +154,21 @@ std::string planText(const TownshipPlan& plan) {
   return jsonText(Json{{"version", plan.version}, {"source", plan.source}, {"sections", sections}}) + "\n";
 }
 
+std::string plainNumberText(const std::string& digits) {
+  const auto first = digits.find_first_not_of('0');
+  return first == std::string::npos ? (digits.empty() ? "" : "0") : digits.substr(first);
+}
+
 std::string sectionFileStem(const TownshipPlan& plan, const SectionPlan& p) {
-  const bool oneTownship = std::all_of(plan.sections.begin(), plan.sections.end(), [&p](const SectionPlan& other) {
-    return other.section != p.section || (other.township == p.township && other.range == p.range && other.direction == p.direction);
+  // Named from the numbers alone (a parsed plan holds digits only).
+  const std::string section = plainNumberText(p.section), township = plainNumberText(p.township),
+                    range = plainNumberText(p.range);
+  const bool oneTownship = std::all_of(plan.sections.begin(), plan.sections.end(), [&](const SectionPlan& other) {
+    return plainNumberText(other.section) != section ||
+           (plainNumberText(other.township) == township && plainNumberText(other.range) == range &&
+            other.direction == p.direction);
   });
-  return "SecSub-" + p.section + (oneTownship ? "" : "-T" + p.township + "R" + p.range + p.direction);
+  return "SecSub-" + section + (oneTownship ? "" : "-T" + township + "R" + range + p.direction);
 }
 
 Job sectionJob(const TownshipPlan& plan, const SectionPlan& p, const std::string& dataFolder) {

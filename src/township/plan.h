@@ -47,11 +47,16 @@ struct TownshipPlan {
   std::vector<SectionPlan> sections;
 };
 
-// Parses a plan strictly: unknown keys, wrong kinds, a section listed
-// twice or a plan from a newer program are PlanErrors.
+// Parses a plan strictly: unknown keys, wrong kinds, a section, township
+// or range that is not a plain number, a section listed twice (by its
+// numbers) or a plan from a newer program are PlanErrors, each naming its
+// row ("row 5 (section 14)").
 TownshipPlan parsePlan(const std::string& jsonText);
 TownshipPlan readPlanFile(const std::string& file);
 std::string planText(const TownshipPlan& plan);
+
+// A plan's number text without its leading zeros ("014" is "14").
+std::string plainNumberText(const std::string& digits);
 
 // "SecSub-14", or "SecSub-14-T115R22W" where another township of the plan
 // has a section 14 too: the name of the section's report and GEOPAK file.

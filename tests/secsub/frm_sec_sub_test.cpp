@@ -417,6 +417,34 @@ TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
   EXPECT_EQ(shell.dialogTitles.back(), "Export the Corners");
 }
 
+// Two outputs of one run naming one file (by name, by "..", by a hard link)
+// refuse the run before anything is written; the form is left as it was.
+TEST_F(SectionForm, TwoOutputsOfOneRunNamingOneFileAreRefusedBeforeAnythingIsWritten) {
+  location("14", "115", "22");
+  corners();
+  const auto linked = dir.write("kept.inp", "an earlier GEOPAK file");
+  std::filesystem::create_hard_link(linked, dir.path() / "kept.rpt");
+  const std::string d = dir.folder();
+  const std::tuple<std::string, std::string, bool, const char*> cases[] = {
+      {d + "same.txt", d + "same.txt", false, "The GEOPAK input \"" },
+      {d + "sub/../same.txt", d + "same.txt", false, "The GEOPAK input \""},
+      {d + "kept.inp", d + "kept.rpt", false, "The GEOPAK input \""},
+      {d + "r.why.txt", d + "r.txt", true, "and the corner record \""}};
+  for (const auto& [geopak, report, why, said] : cases) {
+    SCOPED_TRACE(geopak);
+    shell.boxes.clear();
+    main.typeText("txtOutInp", geopak);
+    main.typeText("txtReport", report);
+    form.setChecked("chkWhy", why);
+    form.click("btnContinue");
+    ASSERT_EQ(titles(), std::vector<std::string>{"Output Files"});
+    EXPECT_NE(shell.boxes[0].text.find(said), std::string::npos) << shell.boxes[0].text;
+    EXPECT_TRUE(form.slots[12].xc.text.empty());  // nothing computed either
+  }
+  EXPECT_EQ(TempDir::read(linked), "an earlier GEOPAK file");
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "same.txt"));
+}
+
 TEST_F(SectionForm, AutomaticNumbersThatRepeatATypedNumberAreNeverExported) {
   location("14", "115", "22");
   corners();  // typed 1001 to 1008

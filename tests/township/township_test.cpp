@@ -157,8 +157,15 @@ TEST(TownshipPlanFile, RefusedWithWhereAndReadBackAsWritten) {
   const std::pair<const char*, const char*> refused[] = {
       {R"({"sections":[]})", "at least one section"},
       {R"({"version":2,"sections":[{"section":"1"}]})", "newer Tervalo"},
-      {R"({"sections":[{"section":"1","corner":{}}]})", "section 1: unknown key \"corner\""},
-      {R"({"sections":[{"section":"1","township":"2"},{"section":"1","township":"2"}]})", "section 2: section 1 of T2 RW is listed twice"},
+      {R"({"sections":[{"section":"1","corner":{}}]})", "row 1 (section 1): unknown key \"corner\""},
+      {R"({"sections":[{"section":"1","township":"2"},{"section":"1","township":"2"}]})",
+       "row 2 (section 1): section 1 of T2 RW is listed twice"},
+      // Sections are the same by their numbers, and plan text never becomes a path.
+      {R"({"sections":[{"section":"14"},{"section":"014"}]})", "row 2 (section 014): section 14 of T R"},
+      {R"({"sections":[{"section":"../14"}]})", "row 1: \"section\" must be a plain number, not \"../14\""},
+      {R"({"sections":[{"section":"14","township":"115/x"}]})", "row 1 (section 14): \"township\" must be a plain number"},
+      {R"({"sections":[{"section":"14","range":"2\n2"}]})", "\"range\" must be a plain number, not \"2\\n2\""},
+      {R"({"sections":[{"section":"1\u0000"}]})", "must be a plain number, not \"1\\u0000\""},
       {R"({"sections":[{"section":"1","corners":{"NW":{"x":"1"}}}]})", "corner NW: typed coordinates need both x and y"},
       {R"({"sections":[{"section":"1","chains":{"NofX":"20"}}]})", "chains: unknown key \"NofX\""},
       {R"({"sections":[{"section":"1","direction":"N"}]})", "\"direction\" is \"E\" or \"W\""},
