@@ -1,5 +1,7 @@
 // Any text as a job: refused with the runner's own error, or played through
-// the program's windows to its end or to a program end, never a crash.
+// the program's windows to its end or to a program end, never a crash, and
+// every file it wrote whole. Run with a large -max_len, so that nesting far
+// deeper than the program takes is tried too.
 // Jobs play in a scratch folder holding a copy of the examples; a job that
 // names a file outside it (an absolute name, "..") is not played, so the
 // fuzzer never writes where it should not.
@@ -64,6 +66,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   if (!confined(job)) return -1;  // not kept in the corpus
   const auto outcome = tervalo::runJob(job, tervalo::RunOptions{dataFolder, tervalo::Date{2026, 11, 21}}, forms);
-  if (outcome.exitCode != 0 && outcome.exitCode != 3) std::abort();
+  if (outcome.exitCode != 0 && outcome.exitCode != tervalo::kExitEnded && outcome.exitCode != tervalo::kExitCriticalBox)
+    std::abort();
+  // Every file the job wrote is there, a regular file, and whole: no
+  // temporary file is left beside it.
+  for (const auto& file : outcome.result["files"]) {
+    const fs::path written(file.get<std::string>());
+    std::error_code ec;
+    if (!fs::is_regular_file(written, ec)) std::abort();
+    for (fs::directory_iterator it(written.parent_path(), ec), end; !ec && it != end; it.increment(ec))
+      if (it->path().filename().string().rfind(".tervalo-", 0) == 0) std::abort();
+  }
   return 0;
 }
