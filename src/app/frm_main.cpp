@@ -4,6 +4,7 @@
 
 #include "app/job.h"
 #include "app/program.h"
+#include "text/input_file.h"
 #include "app/recovery.h"
 #include "app/shell.h"
 #include "points/readers.h"
@@ -148,8 +149,15 @@ void frmMain::showSourceNotice(const std::string& text) {
 void frmMain::btnContinue_Click() {
   program().inputFileName = txtInFile.text;
   std::error_code ec;
-  if (!std::filesystem::is_regular_file(program().inputFileName, ec)) {
+  if (!std::filesystem::exists(program().inputFileName, ec)) {
     shell().msgBox("Input File Error!", "File does not exist.", Icon::Critical);
+    return;
+  }
+  // A folder, a pipe or a device is never opened: said, and the window stays.
+  try {
+    checkInputFile(program().inputFileName);
+  } catch (const InputFileError& e) {
+    shell().msgBox("Input File Error!", "\"" + program().inputFileName + "\" " + e.what() + ".", Icon::Critical);
     return;
   }
   readInputFile();

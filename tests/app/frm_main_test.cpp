@@ -1,6 +1,7 @@
 // The main window's model: file fields, Continue, the menu.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "app/frm_main.h"
 #include "app/program.h"
@@ -39,13 +40,22 @@ TEST_F(MainWindow, CaptionAndMenuInOrder) {
   EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");
 }
 
-TEST_F(MainWindow, ContinueWithAMissingFileSaysSoAndStays) {
-  main.typeText("txtInFile", (dir.path() / "nope.csv").string());
-  main.click("btnContinue");
-  ASSERT_EQ(shell.boxes.size(), 1u);
-  EXPECT_EQ(shell.boxes[0].title, "Input File Error!");
-  EXPECT_EQ(shell.boxes[0].text, "File does not exist.");
-  EXPECT_EQ(shell.boxes[0].icon, Icon::Critical);
+TEST_F(MainWindow, ContinueWithAMissingFileOrAPipeSaysSoAndStays) {
+  ::mkfifo((dir.path() / "pipe").c_str(), 0644);
+  // A pipe is never opened for reading, so nothing waits for a writer.
+  const std::pair<std::string, std::string> cases[] = {
+      {(dir.path() / "nope.csv").string(), "File does not exist."},
+      {(dir.path() / "pipe").string(), "\"" + (dir.path() / "pipe").string() + "\" is not a regular file (a pipe, a device or a socket)."},
+      {dir.path().string(), "\"" + dir.path().string() + "\" is a folder, not a file."}};
+  for (const auto& [name, said] : cases) {
+    shell.boxes.clear();
+    main.typeText("txtInFile", name);
+    main.click("btnContinue");
+    ASSERT_EQ(shell.boxes.size(), 1u);
+    EXPECT_EQ(shell.boxes[0].title, "Input File Error!");
+    EXPECT_EQ(shell.boxes[0].text, said);
+    EXPECT_EQ(shell.boxes[0].icon, Icon::Critical);
+  }
   EXPECT_EQ(program.points.records[0].name, "");
 }
 
