@@ -24,6 +24,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmHeader", [](Program& p) { return std::make_unique<frmHeader>(p); });
   registry.addForm("frmSetOptions", [](Program& p) { return std::make_unique<frmSetOptions>(p); });
   registry.addForm("frmOutput", [](Program& p) { return std::make_unique<frmOutput>(p); });
+  registry.addForm("frmHistory", [](Program& p) { return std::make_unique<frmHistory>(p); });
   registry.addForm("frmSecSub", [](Program& p) { return std::make_unique<frmSecSub>(p); });
 
   registry.addCalculator({"secsub", "mnuSecSub", "frmSecSub", {}});

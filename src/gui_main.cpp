@@ -92,6 +92,7 @@ int main(int argc, char** argv) {
     return 3;
   }
   tervalo::Program program(shell, folder);
+  program.keepsHistory = true;  // every output file a run replaces is kept
   shell.setProgram(program);
   auto& mainModel = program.form<tervalo::frmMain>("frmMain");
   mainModel.setOpen(true);

@@ -14,6 +14,7 @@ namespace tervalo {
 
 void registerViews(QtShell& shell) {
   shell.addView("frmAbout", makeAboutView);
+  shell.addView("frmHistory", makeHistoryView);
   shell.addView("frmHeader", makeHeaderView);
   shell.addView("frmSetOptions", makeSetOptionsView);
   shell.addView("frmOutput", makeOutputView);

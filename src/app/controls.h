@@ -67,6 +67,7 @@ struct MenuItem {
   bool visible = true;
   bool enabled = true;
   std::string parent;  // name of the submenu it sits in, "" on the bar itself
+  bool separatorBefore = false;  // a line above it, setting it apart from the entries before
 };
 
 using ControlRef = std::variant<TextBox*, Label*, Frame*, CheckBox*, OptionButton*, ComboBox*, ListBox*, Button*, MenuItem*>;

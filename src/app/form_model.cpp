@@ -1,5 +1,7 @@
 #include "app/form_model.h"
 
+#include "app/output_file.h"
+
 #include "app/json_text.h"
 #include "app/program.h"
 #include "app/recovery.h"
@@ -111,7 +113,9 @@ void FormModel::saveInputs() {
   const auto chosen = shell().chooseFile(FileDialog::Save, "Save Inputs", program_.userAppData + calculator + ".tervalo.json",
                                          {"Tervalo inputs (*.tervalo.json)"});
   if (!chosen || chosen->empty()) return;
-  program_.writeOutputFile(*chosen, {jsonText(savedInputsJob(inputForms(), program_.registry()))});
+  // The user's own document, named by the user: written whole, not kept in the history.
+  writeTextFile(*chosen, {jsonText(savedInputsJob(inputForms(), program_.registry()))});
+  shell().fileWritten(std::filesystem::absolute(*chosen));
   program_.recent.add(*chosen);
 }
 

@@ -1,4 +1,6 @@
 #include "app/forms_misc.h"
+#include "text/number.h"
+#include <cmath>
 
 #include "app/header_data.h"
 #include "app/program.h"
@@ -97,6 +99,27 @@ frmSetOptions::frmSetOptions(Program& program)
   add("btnCancel", btnCancel);
 }
 
+frmHistory::frmHistory(Program& program) : FormModel(program, "frmHistory", "Kept Earlier Files") {
+  add("lblKeep", lblKeep);
+  add("txtKeep", txtKeep);
+  add("lblFiles", lblFiles);
+  add("btnOK", btnOK).click([this] { btnOK_Click(); });
+  add("btnCancel", btnCancel).click([this] { unload(); });
+}
+
+void frmHistory::opened() { txtKeep.text = std::to_string(program().history().keep()); }
+
+void frmHistory::btnOK_Click() {
+  const auto files = strictNumber(txtKeep.text);
+  if (!files || *files != std::floor(*files) || *files < 1 || *files > 100000) {
+    shell().msgBox("Kept Earlier Files", "Give a whole number of files from 1 to 100000.", Icon::Exclamation);
+    focusRequest = "txtKeep";
+    return;
+  }
+  program().history().setKeep(static_cast<int>(*files));
+  unload();
+}
+
 frmOutput::frmOutput(Program& program, std::string name, std::string windowCaption)
     : FormModel(program, std::move(name), std::move(windowCaption)) {
   add("lstOutput", lstOutput);
@@ -112,7 +135,7 @@ void frmOutput::btnOut_Click() { browseForOutput(txtOut); }
 
 void frmOutput::btnOutput_Click() {
   program().outputFileName = txtOut.text;
-  program().writeOutputFile(txtOut.text, lstOutput.items);
+  program().writeOutputFile(txtOut.text, lstOutput.items, holds);
   shell().openInEditor(txtOut.text);
 }
 

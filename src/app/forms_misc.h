@@ -88,6 +88,21 @@ class frmSetOptions : public FormModel {
 };
 
 // The shared preview of a calculator's report lines; Save writes them.
+// How many earlier output files the history keeps.
+class frmHistory : public FormModel {
+ public:
+  explicit frmHistory(Program& program);
+
+  Label lblKeep{"&Keep the last"};
+  TextBox txtKeep;
+  Label lblFiles{"earlier output files in the History folder of the data folder."};
+  Button btnOK{"OK"};
+  Button btnCancel{"Cancel"};
+
+  void opened() override;
+  void btnOK_Click();
+};
+
 class frmOutput : public FormModel {
  public:
   // Other calculators' previews (frmGradeOut) are this window under their own name.
@@ -100,6 +115,9 @@ class frmOutput : public FormModel {
   Button btnOutput{"Save"};
   Button btnPrint{"Print..."};  // the lines as they would be saved, on paper or in a PDF
   Button btnReturn{"Return"};
+  // What the preview holds ("125+50 Left"), set by its calculator: the name
+  // an earlier file takes in the history when Save replaces it.
+  std::string holds;
 
   void btnOut_Click();
   void btnOutput_Click();

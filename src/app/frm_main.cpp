@@ -1,6 +1,7 @@
 #include "app/frm_main.h"
 
 #include <filesystem>
+#include <span>
 
 #include "app/job.h"
 #include "app/program.h"
@@ -44,6 +45,7 @@ frmMain::frmMain(Program& program)
   add("mnuExit", mnuExit).click([this] { unload(); });
   add("mnuTownship", mnuTownship).click([this] {
     if (this->program().registry().hasForm("frmTownship")) shell().showModal(this->program().form("frmTownship"));
+    showRecent();
   });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);
@@ -52,22 +54,51 @@ frmMain::frmMain(Program& program)
     add("mnuRecent" + std::to_string(i + 1), mnuRecentFiles[i]).click([this, i] { openRecent(i); });
   }
   add("mnuPrevious", mnuPrevious).click([this] { mnuPrevious_Click(); });
+  add("mnuHistory", mnuHistory);
+  for (std::size_t i = 0; i < mnuHistoryFiles.size(); ++i) {
+    mnuHistoryFiles[i].parent = "mnuHistory";
+    add("mnuHistory" + std::to_string(i + 1), mnuHistoryFiles[i]).click([this, i] { openKept(i); });
+  }
+  add("mnuHistoryFolder", mnuHistoryFolder).click([this] { shell().openFolder(this->program().history().folder()); });
+  add("mnuHistoryKeep", mnuHistoryKeep).click([this] {
+    shell().showModal(this->program().form("frmHistory"));
+    showRecent();
+  });
   showRecent();
   enableMenus();
   // Proposed from the start, so that Continue always has files to write.
   proposeOutputNames();
 }
 
-void frmMain::showRecent() {
-  const auto& files = program().recent.files();
-  for (std::size_t i = 0; i < mnuRecentFiles.size(); ++i) {
-    MenuItem& item = mnuRecentFiles[i];
+namespace {
+
+// Entries naming files, the first of them numbered 1 to 0 for the keyboard.
+void listFiles(std::span<MenuItem> items, const std::vector<std::string>& files) {
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    MenuItem& item = items[i];
     item.visible = i < files.size();
     // "&" would mark a mnemonic: a file name shows its own.
     std::string name = i < files.size() ? files[i] : "";
     for (std::size_t at = name.find('&'); at != std::string::npos; at = name.find('&', at + 2)) name.insert(at, "&");
     item.caption = item.visible ? "&" + std::to_string((i + 1) % 10) + "  " + name : "";
   }
+}
+
+}  // namespace
+
+void frmMain::showRecent() {
+  listFiles(mnuRecentFiles, program().recent.files());
+  std::vector<std::string> kept;
+  if (program().keepsHistory)
+    for (const auto& file : program().history().files()) kept.push_back(file.filename().string());
+  if (kept.size() > mnuHistoryFiles.size()) kept.resize(mnuHistoryFiles.size());
+  listFiles(mnuHistoryFiles, kept);
+  mnuHistory.visible = program().keepsHistory;
+}
+
+void frmMain::openKept(std::size_t index) {
+  const auto files = program().history().files();
+  if (index < files.size()) shell().openInEditor(files[index]);
 }
 
 void frmMain::openRecent(std::size_t index) {

@@ -48,7 +48,13 @@ class frmMain : public FormModel {
   // and saved inputs, and the inputs of the last calculator window closed.
   MenuItem mnuRecent{"Recent", true, true, ""};
   std::array<MenuItem, RecentWork::kMost> mnuRecentFiles;
-  MenuItem mnuPrevious{"Reopen Previous Inputs", true, true, "mnuRecent"};
+  MenuItem mnuPrevious{"Reopen Previous Inputs", true, true, "mnuRecent", true};
+  // The earlier output files the history keeps, newest first, and the
+  // History window, which says how many it keeps.
+  MenuItem mnuHistory{"Kept Earlier Files", true, true, "mnuRecent"};
+  std::array<MenuItem, 10> mnuHistoryFiles;
+  MenuItem mnuHistoryFolder{"Show the History Folder", true, true, "mnuHistory", true};
+  MenuItem mnuHistoryKeep{"How Many to Keep...", true, true, "mnuHistory"};
 
   // Files dropped from the desktop on a file field: the first one's full
   // name goes into the field; the source file is read at once.
@@ -58,6 +64,7 @@ class frmMain : public FormModel {
   void btnInFile_Click();
   void mnuSecSub_Click();
   void openRecent(std::size_t index);
+  void openKept(std::size_t index);
   void mnuPrevious_Click();
   // Shows the recent list as it stands (other windows add to it).
   void showRecent();

@@ -45,7 +45,12 @@ const CalculatorInfo* FormRegistry::calculatorByMenu(std::string_view menu) cons
 }
 
 Program::Program(Shell& shell, std::string dataFolder, const FormRegistry& registry)
-    : userAppData(std::move(dataFolder)), pi(4 * std::atan(1.0)), recent(userAppData), shell_(shell), registry_(registry) {}
+    : userAppData(std::move(dataFolder)),
+      pi(4 * std::atan(1.0)),
+      recent(userAppData),
+      shell_(shell),
+      registry_(registry),
+      history_(userAppData) {}
 
 Program::~Program() = default;
 
@@ -65,13 +70,22 @@ void Program::openCalculator(std::string_view menu) {
   info->openFromMenu(*this);
 }
 
-void Program::writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines) {
-  writeOutputFiles({{file, lines}});
+void Program::writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines, const std::string& holds) {
+  writeOutputFiles({{file, lines}}, holds);
 }
 
-void Program::writeOutputFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files) {
+void Program::writeOutputFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files,
+                               const std::string& holds) {
+  lastKept.clear();
+  // Nothing a run replaces is lost: the earlier files are kept first.
+  if (keepsHistory)
+    for (const auto& file : files)
+      if (auto kept = history_.keepEarlier(file.first)) lastKept.emplace_back(file.first, std::move(*kept));
   writeTextFiles(files);
-  for (const auto& file : files) shell_.fileWritten(std::filesystem::absolute(file.first));
+  for (const auto& file : files) {
+    shell_.fileWritten(std::filesystem::absolute(file.first));
+    if (keepsHistory) history_.written(file.first, holds);
+  }
 }
 
 }  // namespace tervalo

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/header_data.h"
+#include "app/history.h"
 #include "app/recent_work.h"
 #include "points/point_list.h"
 #include "points/readers.h"
@@ -98,14 +99,25 @@ class Program {
   void openCalculator(std::string_view menu);
 
   // Writes an output file whole (CRLF lines) and tells the shell;
-  // RunTimeError when it cannot be written.
-  void writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines);
+  // RunTimeError when it cannot be written. `holds` says what it holds
+  // ("14-115-22W"), for the name its copy takes in the history.
+  void writeOutputFile(const std::filesystem::path& file, const std::vector<std::string>& lines, const std::string& holds = "");
   // Files that belong together, put in place only when all are complete.
-  void writeOutputFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files);
+  void writeOutputFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files,
+                        const std::string& holds = "");
+
+  // The desktop program keeps every output file a run replaces in the
+  // history (the runner, whose jobs repeat, does not).
+  bool keepsHistory = false;
+  History& history() { return history_; }
+  // The earlier files the last write kept in the history: each replaced
+  // file and its copy.
+  std::vector<std::pair<std::filesystem::path, std::filesystem::path>> lastKept;
 
  private:
   Shell& shell_;
   const FormRegistry& registry_;
+  History history_;
   std::map<std::string, std::unique_ptr<FormModel>, std::less<>> forms_;
   std::vector<FormModel*> order_;
 };

@@ -67,6 +67,10 @@ class Shell {
   // runner and tests have no windows to reopen.
   virtual void reopen(const Job& job) { (void)job; }
 
+  // Shows a folder in the desktop's file manager (the history, the folder
+  // of a file just written); the runner and tests have none.
+  virtual void openFolder(const std::filesystem::path& folder) { (void)folder; }
+
   // Told of every output file written whole.
   virtual void fileWritten(const std::filesystem::path& file) { (void)file; }
 

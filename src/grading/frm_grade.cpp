@@ -160,6 +160,7 @@ void frmGrade::btnCalculate_Click() {
   auto& output = program().form<frmOutput>("frmGradeOut");
   output.lstOutput.items = printResults(in, r);
   output.txtOut.text = program().userAppData + "GrWidth.txt";
+  output.holds = (in.station.empty() ? "" : "Sta " + in.station + " ") + in.side;
   shell().showModal(output);
 }
 

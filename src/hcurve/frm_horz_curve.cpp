@@ -152,7 +152,7 @@ void frmHorzCurve::fillResults() {
 
 void frmHorzCurve::createHoutFile() {
   program().outputFileName = txtOut.text;
-  program().writeOutputFile(txtOut.text, houtLines());
+  program().writeOutputFile(txtOut.text, houtLines(), lblPI.caption.empty() ? "" : "PI " + lblPI.caption);
   shell().openInEditor(txtOut.text);
 }
 

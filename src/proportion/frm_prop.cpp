@@ -68,6 +68,7 @@ void frmProp::Main() {
   output.lstOutput.items.insert(output.lstOutput.items.end(), result.lines.begin(), result.lines.end());
   // The data folder ends with its separator already: the name holds two, as it always has.
   output.txtOut.text = program().userAppData + "/Proportion.txt";
+  output.holds = txtBegSta.text.empty() ? "" : "Sta " + txtBegSta.text;
   shell().showModal(output);
 }
 

@@ -521,12 +521,17 @@ void frmSecSub::Main() {
   const std::filesystem::path& reportFile = (*outputs)[1];
   std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> files{{geopakFile, geopak}, {reportFile, lines}};
   if (outputs->size() > 2) files.emplace_back((*outputs)[2], cornerRecordLines(record, origins, drawingTitle()));
-  program().writeOutputFiles(files);
+  program().writeOutputFiles(files, CStr(record.section) + "-" + CStr(record.township) + "-" +
+                                        CStr(record.range < 0 ? -record.range : record.range) + record.direction);
   report = lines;
   hasRun = true;
   btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = true;
   runNaming = naming;
   notices = coincidenceNotices(record, computed, entered, centerTyped);
+  // Nothing this run replaced is lost: say where the earlier files went.
+  for (const auto& [replaced, kept] : program().lastKept)
+    notices.lines.push_back("The earlier " + replaced.filename().string() + " is kept in the History folder as \"" +
+                            kept.filename().string() + "\".");
   for (int s : unnamed)
     notices.lines.push_back("The corner " + std::to_string(s) + " (" + naming.descriptions[static_cast<std::size_t>(s)] +
                             ") has no point number; the files name it " + record.slots[static_cast<std::size_t>(s)].pointNumber + ".");

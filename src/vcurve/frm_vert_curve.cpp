@@ -62,7 +62,7 @@ void frmVCResults::createVoutFile() {
                                  ""};
   lines.insert(lines.end(), lstResults.items.begin(), lstResults.items.end());
   lines.push_back(rule);
-  program().writeOutputFile(txtOut.text, lines);
+  program().writeOutputFile(txtOut.text, lines, "PVI " + lblPVIsta.caption);
   shell().openInEditor(txtOut.text);
 }
 

@@ -34,8 +34,11 @@ TEST_F(MainWindow, CaptionAndMenuInOrder) {
                                      "mnuMprop", "mnuHelp", "mnuExit", "mnuTownship", "mnuOptions", "mnuRecent"};
   // The program's own entries in their order, then the recent work.
   EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 12), own);
-  EXPECT_EQ(menu.size(), 12u + 10u + 1u);
-  EXPECT_EQ(menu.back(), "mnuPrevious");
+  // Ten recent files, a line, Reopen Previous Inputs, then the kept earlier files and the History window.
+  EXPECT_EQ(menu.size(), 12u + 10u + 1u + 1u + 10u + 2u);
+  EXPECT_EQ(menu[22], "mnuPrevious");
+  EXPECT_TRUE(main.mnuPrevious.separatorBefore);
+  EXPECT_EQ(menu.back(), "mnuHistoryKeep");
   EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");
   EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");
 }

@@ -60,7 +60,7 @@ void checkMnemonics(QWidget& root, const QString& window, const QList<QAction*>&
   for (QMenu* menu : root.findChildren<QMenu*>()) {
     std::set<QChar> inMenu;
     for (QAction* a : menu->actions()) {
-      if (!a->isVisible()) continue;
+      if (!a->isVisible() || a->isSeparator()) continue;
       const QChar letter = mnemonic(a->text());
       QVERIFY2(!letter.isNull() && inMenu.insert(letter).second, qPrintable(window + ": menu entry " + a->text()));
     }

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <set>
 #include <tuple>
 
+#include "app/forms_misc.h"
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "secsub/frm_sec_sub.h"
@@ -443,6 +445,55 @@ TEST_F(SectionForm, TwoOutputsOfOneRunNamingOneFileAreRefusedBeforeAnythingIsWri
   }
   EXPECT_EQ(TempDir::read(linked), "an earlier GEOPAK file");
   EXPECT_FALSE(std::filesystem::exists(dir.path() / "same.txt"));
+}
+
+// Section 14 and then section 6 in one sitting: section 14's files are kept
+// in the history, named by what they held, listed under Recent, and the
+// history keeps as many as the user says.
+TEST_F(SectionForm, NothingARunReplacesIsLost) {
+  program.keepsHistory = true;
+  location("14", "115", "22");
+  corners();
+  form.click("btnContinue");
+  EXPECT_TRUE(program.lastKept.empty());  // nothing was there to replace
+  const std::string report14 = TempDir::read(dir.path() / "SecSub.rpt");
+  main.click("mnuSecSub");
+  main.typeText("txtInFile", (dir.path() / "pts.csv").string());
+  main.click("btnContinue");
+  form.click("btnClear");
+  location("6", "48", "1");
+  corners();
+  shell.boxes.clear();
+  form.click("btnContinue");
+  const auto kept = program.history().files();
+  ASSERT_EQ(kept.size(), 2u);
+  std::set<std::string> names;
+  for (const auto& k : kept) names.insert(k.filename().string());
+  const std::string stamp = kept[0].filename().string().substr(std::string("SecSub 14-115-22W ").size(), 15);
+  EXPECT_EQ(names, (std::set<std::string>{"SecSub 14-115-22W " + stamp + ".inp", "SecSub 14-115-22W " + stamp + ".rpt"}));
+  EXPECT_EQ(TempDir::read(dir.path() / "History" / ("SecSub 14-115-22W " + stamp + ".rpt")), report14);
+  EXPECT_NE(form.lblNotice.caption.find("The earlier SecSub.rpt is kept in the History folder as \"SecSub 14-115-22W "),
+            std::string::npos);
+  main.showRecent();
+  EXPECT_TRUE(main.mnuHistoryFiles[0].visible);
+  EXPECT_EQ(main.mnuHistoryFiles[0].caption.substr(0, 20), "&1  SecSub 14-115-22");
+  main.click("mnuHistory1");
+  EXPECT_EQ(shell.editorFiles.back(), kept[0]);
+  // How many to keep: a whole number from 1, or the window says so and stays.
+  auto& keep = program.form<frmHistory>("frmHistory");
+  shell.onModal = [&](FormModel& f) {
+    EXPECT_EQ(keep.txtKeep.text, "200");
+    for (const char* refused : {"abc", "0", "2.5"}) {
+      f.typeText("txtKeep", refused);
+      f.click("btnOK");
+      EXPECT_EQ(shell.boxes.back().text, "Give a whole number of files from 1 to 100000.");
+    }
+    f.typeText("txtKeep", "1");
+    f.click("btnOK");
+  };
+  main.click("mnuHistoryKeep");
+  EXPECT_EQ(program.history().files().size(), 1u);
+  EXPECT_EQ(program.history().keep(), 1);
 }
 
 TEST_F(SectionForm, AutomaticNumbersThatRepeatATypedNumberAreNeverExported) {

@@ -60,18 +60,21 @@ MainWindow::MainWindow(Program& program, QtShell& shell) : model_(program.form<f
       const auto* child = std::get_if<MenuItem*>(&e.control);
       return child && (*child)->parent == entry.name;
     });
+    QMenu* parent = (*item)->parent.empty() ? nullptr : submenus[(*item)->parent];
+    if (parent && (*item)->separatorBefore) parent->addSeparator();
     if (isSubmenu) {
-      QMenu* menu = menuBar()->addMenu(QString::fromStdString((*item)->caption));
+      QMenu* menu = parent ? parent->addMenu(QString::fromStdString((*item)->caption))
+                           : menuBar()->addMenu(QString::fromStdString((*item)->caption));
       menu->setObjectName(name + "Menu");
       menu->menuAction()->setObjectName(name);
       submenus[entry.name] = menu;
     } else {
       auto* action = new QAction(this);
       action->setObjectName(name);
-      if ((*item)->parent.empty())
-        menuBar()->addAction(action);
+      if (parent)
+        parent->addAction(action);
       else
-        submenus[(*item)->parent]->addAction(action);
+        menuBar()->addAction(action);
     }
   }
 

@@ -192,6 +192,13 @@ void QtShell::openInEditor(const std::vector<std::filesystem::path>& files) {
          Icon::Information, Buttons::Ok);
 }
 
+void QtShell::openFolder(const std::filesystem::path& folder) {
+  std::error_code ec;
+  std::filesystem::create_directories(folder, ec);
+  if (unattended || QDesktopServices::openUrl(QUrl::fromLocalFile(q(folder.string())))) return;
+  msgBox("Folder", "No file manager could be started for\n" + folder.string(), Icon::Information, Buttons::Ok);
+}
+
 void QtShell::savePicture(const Picture& picture, const std::filesystem::path& file) {
   writePictureFile(picture, file, QApplication::font());
 }

@@ -35,6 +35,7 @@ class QtShell : public Shell {
                                         const std::vector<std::string>& filters) override;
   void openInEditor(const std::filesystem::path& file) override;
   void openInEditor(const std::vector<std::filesystem::path>& files) override;
+  void openFolder(const std::filesystem::path& folder) override;
   void savePicture(const Picture& picture, const std::filesystem::path& file) override;
   // The print dialog; a fault of the chosen file is said in a box.
   void print(const PrintJob& job) override;

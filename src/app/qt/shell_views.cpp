@@ -128,7 +128,37 @@ class OutputView : public FormDialog {
 
 }  // namespace
 
+// How many earlier output files the history keeps: one number, OK or Cancel.
+class HistoryView : public FormDialog {
+ public:
+  HistoryView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* layout = new QVBoxLayout(this);
+    auto* row = new QHBoxLayout;
+    QLabel* keep = label("lblKeep");
+    QLineEdit* files = edit("txtKeep");
+    keep->setBuddy(files);
+    files->setMaximumWidth(QFontMetrics(files->font()).horizontalAdvance("0000000") + 16);
+    row->addWidget(keep);
+    row->addWidget(files);
+    row->addStretch();
+    layout->addLayout(row);
+    QLabel* what = label("lblFiles");
+    what->setWordWrap(true);
+    layout->addWidget(what);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    QPushButton* ok = button("btnOK");
+    ok->setDefault(true);
+    buttons->addWidget(ok);
+    buttons->addWidget(button("btnCancel"));
+    layout->addLayout(buttons);
+    setMinimumWidth(420);
+    bind();
+  }
+};
+
 QDialog* makeAboutView(FormModel& m, QtShell& s, QWidget* p) { return new AboutView(m, s, p); }
+QDialog* makeHistoryView(FormModel& m, QtShell& s, QWidget* p) { return new HistoryView(m, s, p); }
 QDialog* makeHeaderView(FormModel& m, QtShell& s, QWidget* p) { return new HeaderView(m, s, p); }
 QDialog* makeSetOptionsView(FormModel& m, QtShell& s, QWidget* p) { return new SetOptionsView(m, s, p); }
 QDialog* makeOutputView(FormModel& m, QtShell& s, QWidget* p) { return new OutputView(m, s, p); }

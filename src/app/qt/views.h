@@ -15,6 +15,7 @@ class frmMain;
 class Program;
 
 QDialog* makeAboutView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeHistoryView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeHeaderView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeSetOptionsView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeOutputView(FormModel& model, QtShell& shell, QWidget* parent);
