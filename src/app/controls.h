@@ -13,6 +13,9 @@ struct TextBox {
   std::string text;
   bool visible = true;
   bool enabled = true;
+  // What the window says of the field beside its text (a point number not
+  // found in the point list); shown as its tip, with a warning tint.
+  std::string note;
 };
 
 struct Label {
@@ -82,7 +85,17 @@ struct ControlEntry {
   std::function<void()> onChange;
   std::function<void()> onLostFocus;
   std::function<void()> onClick;
+  // A text box read as a number by the classic rule: text that is not a
+  // plain number is shown with what it reads as; a required one left empty
+  // is marked too (it reads 0).
+  bool number = false;
+  bool required = false;
 
+  ControlEntry& numeric(bool isRequired = false) {
+    number = true;
+    required = isRequired;
+    return *this;
+  }
   ControlEntry& change(std::function<void()> f) { onChange = std::move(f); return *this; }
   ControlEntry& lostFocus(std::function<void()> f) { onLostFocus = std::move(f); return *this; }
   ControlEntry& click(std::function<void()> f) { onClick = std::move(f); return *this; }

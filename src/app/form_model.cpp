@@ -1,6 +1,7 @@
 #include "app/form_model.h"
 
 #include "app/output_file.h"
+#include "text/number.h"
 
 #include "app/json_text.h"
 #include "app/program.h"
@@ -107,6 +108,21 @@ std::string calculatorOf(const FormModel& form, const FormRegistry& registry) {
 }
 
 }  // namespace
+
+std::string FormModel::noteFor(const ControlEntry& entry) const {
+  const auto* const* box = std::get_if<TextBox*>(&entry.control);
+  if (!box) return "";
+  if (!(*box)->note.empty()) return (*box)->note;
+  if (!entry.number) return "";
+  const std::string& text = (*box)->text;
+  if (text.find_first_not_of(" \t") == std::string::npos) return entry.required ? "Empty: read as 0" : "";
+  try {
+    if (strictNumber(text)) return "";
+    return "Not a plain number: read as " + CStr(Val(text));
+  } catch (const RunTimeError& e) {  // beyond a double: the field's own Overflow when it is used
+    return "Not a number the program can hold: " + std::string(e.what());
+  }
+}
 
 void FormModel::saveInputs() {
   const std::string calculator = calculatorOf(*this, program_.registry());

@@ -28,6 +28,12 @@ class FormModel {
   std::string caption;
 
   const std::vector<ControlEntry>& controls() const { return controls_; }
+
+  // What the window says of a text box beside its text: its note, or for a
+  // number field whose text is not a plain number what it is read as
+  // ("Read as 12"), or for an empty required one that it reads 0. Empty
+  // when there is nothing to say.
+  std::string noteFor(const ControlEntry& entry) const;
   const ControlEntry* find(std::string_view control) const;
 
   // Events as a user causes them. Each runs its handler inside the fault

@@ -161,12 +161,19 @@ void frmMain::enableMenus() {
 
 void frmMain::readInputFile() {
   showSourceNotice("");
+  ReadNotes notes;
   if (program().readSource) {
-    showSourceNotice(program().readSource(program().inputFileName, program().formats, program().points).message());
+    notes = program().readSource(program().inputFileName, program().formats, program().points);
   } else {
     getFileFormat(program().inputFileName, program().formats);
-    showSourceNotice(readFile(program().inputFileName, program().formats, program().points).message());
+    notes = readFile(program().inputFileName, program().formats, program().points);
   }
+  showSourceNotice(notes.message());
+  // What the file gave, in the main window only.
+  const std::string given = sourceGiven(std::filesystem::path(program().inputFileName).filename().string(),
+                                        program().formats, program().points);
+  lblNotice.caption = given + (lblNotice.caption.empty() ? "" : "\n" + lblNotice.caption);
+  lblNotice.visible = true;
   program().recent.add(program().inputFileName);
   showRecent();
 }

@@ -32,7 +32,11 @@ Json controlJson(const ControlRef& control) {
 
 Json formJson(const FormModel& form) {
   Json controls = Json::object();
-  for (const auto& entry : form.controls()) controls[entry.name] = controlJson(entry.control);
+  for (const auto& entry : form.controls()) {
+    controls[entry.name] = controlJson(entry.control);
+    // What the window says beside a field (what a number reads as, a point not found).
+    if (const std::string note = form.noteFor(entry); !note.empty()) controls[entry.name]["note"] = note;
+  }
   return Json{{"caption", form.caption}, {"controls", std::move(controls)}};
 }
 

@@ -16,13 +16,13 @@ frmGrade::frmGrade(Program& program) : FormModel(program, "frmGrade", "Grading W
   add("optLeft", optLeft, "side");
   add("optRight", optRight, "side");
   add("lblFinElev", lblFinElev);
-  add("txtFinElev", txtFinElev);
+  add("txtFinElev", txtFinElev).numeric(true);
   add("lblTopSoil", lblTopSoil);
-  add("txtTopSoil", txtTopSoil);
+  add("txtTopSoil", txtTopSoil).numeric();
   add("lblSubElev", lblSubElev);
-  add("txtSubElev", txtSubElev);
+  add("txtSubElev", txtSubElev).numeric();
   add("lblSubThick", lblSubThick);
-  add("txtSubThick", txtSubThick);
+  add("txtSubThick", txtSubThick).numeric();
   add("lblNote", lblNote);
   for (auto& [list, stem, finished] : {std::tuple{&fin, "Fin", true}, std::tuple{&sub, "Sub", false}}) {
     SegmentList& l = *list;
@@ -31,7 +31,7 @@ frmGrade::frmGrade(Program& program) : FormModel(program, "frmGrade", "Grading W
     const std::string s = stem;
     add("frame" + s, l.frame);
     add("lbl" + s + "Width", l.widthCaption);
-    add("txt" + s + "Width", l.width);
+    add("txt" + s + "Width", l.width).numeric();
     add("lbl" + s + "Slope", l.slopeCaption);
     add("cmb" + s + "Slope", l.slope);
     add("btn" + s + "Add", l.add).click([this, &l, f] { addSegment(l, f); });

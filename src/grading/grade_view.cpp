@@ -84,8 +84,9 @@ class GradeView : public FormDialog {
     grid->addWidget(widthField, 0, 1);
     grid->addWidget(slope, 1, 0);
     grid->addWidget(slopeField, 1, 1);
+    // Beside the slope, after it in reading order: Width, Slope, Add.
     QPushButton* add = button(name("btn", "Add").c_str(), box);
-    grid->addWidget(add, 0, 2, 2, 1);
+    grid->addWidget(add, 1, 2);
     // Enter in either field adds the segment (never Calculate); then the width is next.
     connect(widthField, &QLineEdit::returnPressed, add, &QPushButton::click);
     connect(slopeField->lineEdit(), &QLineEdit::returnPressed, add, &QPushButton::click);

@@ -14,23 +14,23 @@ namespace tervalo {
 
 frmHorzCurve::frmHorzCurve(Program& program) : FormModel(program, "frmHorzCurve", "Horizontal Curve Solution") {
   add("lblDeltaAngle", lblDeltaAngle);
-  add("txtDelta", txtDelta);
+  add("txtDelta", txtDelta).numeric();
   add("lblDeltaDeg", lblDeltaDeg);
   add("lblDegree", lblDegree);
-  add("txtDegree", txtDegree);
+  add("txtDegree", txtDegree).numeric();
   add("lblCurveDeg", lblCurveDeg);
   add("lblTanLength", lblTanLength);
-  add("txtTanLength", txtTanLength);
+  add("txtTanLength", txtTanLength).numeric();
   add("lblCurveLength", lblCurveLength);
-  add("txtCurveLength", txtCurveLength);
+  add("txtCurveLength", txtCurveLength).numeric();
   add("lblRadius", lblRadius);
-  add("txtRadius", txtRadius);
+  add("txtRadius", txtRadius).numeric();
   add("lblExternal", lblExternal);
-  add("txtExternal", txtExternal);
+  add("txtExternal", txtExternal).numeric();
   add("lblMidOrd", lblMidOrd);
-  add("txtMidOrd", txtMidOrd);
+  add("txtMidOrd", txtMidOrd).numeric();
   add("lblChord", lblChord);
-  add("txtChord", txtChord);
+  add("txtChord", txtChord).numeric();
   add("frameAngle", frameAngle);
   add("optDec", optDec, "angle").click([this] { optDec_Click(); });
   add("optHms", optHms, "angle").click([this] { optHms_Click(); });

@@ -174,6 +174,18 @@ std::string formatName(const FormatFlags& flags) {
   return "";
 }
 
+std::string sourceGiven(const std::string& fileName, const FormatFlags& flags, const PointList& points) {
+  const std::string format = formatName(flags);
+  if (format == "N-E coordinate report")
+    return "Read " + fileName + " as an N-E coordinate report: it gives no points. Tervalo reads an N-E report "
+           "without taking its points, as it always has (its northing comes before its easting); give the X-Y report "
+           "or a comma-delimited file of the same points instead.";
+  const auto count = std::count_if(points.records.begin(), points.records.end(), [](const PointRecord& p) { return !p.name.empty(); });
+  const std::string article = format.front() == 'S' || format.front() == 'X' ? "an " : "a ";
+  const std::string kind = format.ends_with("report") ? format : format + " file";
+  return "Read " + fileName + " as " + article + kind + ": " + std::to_string(count) + (count == 1 ? " point." : " points.");
+}
+
 void readSDMSfile(const std::filesystem::path& file, PointList& points) {
   LineReader in(file);
   int index = -1;

@@ -41,4 +41,9 @@ void readNEfile(const std::filesystem::path& file, PointList& points);
 // "X-Y coordinate report" and so on, for people; "" when no flag is set.
 std::string formatName(const FormatFlags& flags);
 
+// What reading `fileName` gave, for people: the format it was read as and
+// how many named points it gave; for an N-E report, that it gives none and
+// why.
+std::string sourceGiven(const std::string& fileName, const FormatFlags& flags, const PointList& points);
+
 }  // namespace tervalo

@@ -14,11 +14,11 @@ frmProp::frmProp(Program& program) : FormModel(program, "frmProp", "Proportion F
   add("lblBegSta", lblBegSta);
   add("txtBegSta", txtBegSta);
   add("lblBegValue", lblBegValue);
-  add("txtBegValue", txtBegValue);
+  add("txtBegValue", txtBegValue).numeric();
   add("lblEndSta", lblEndSta);
   add("txtEndSta", txtEndSta);
   add("lblEndValue", lblEndValue);
-  add("txtEndValue", txtEndValue);
+  add("txtEndValue", txtEndValue).numeric();
   add("chkBetween", chkBetween).click([this] { chkBetween_Click(); });
   add("lblStaIn", lblStaIn);
   add("txtStaIn", txtStaIn);
@@ -28,7 +28,7 @@ frmProp::frmProp(Program& program) : FormModel(program, "frmProp", "Proportion F
   add("frmStation", frmStation);
   add("lblValue", lblValue);
   // The two modes empty each other's fields.
-  add("txtValue", txtValue).change([this] {
+  add("txtValue", txtValue).numeric().change([this] {
     if (txtValue.text.empty()) return;
     for (TextBox* box : {&txtFirst, &txtIncrement, &txtLast}) setText(*box, "");
   });
@@ -43,7 +43,7 @@ frmProp::frmProp(Program& program) : FormModel(program, "frmProp", "Proportion F
   add("lblLast", lblLast);
   add("txtLast", txtLast).change(rangeChanged(txtLast));
   add("lblIncrement", lblIncrement);
-  add("txtIncrement", txtIncrement).change(rangeChanged(txtIncrement));
+  add("txtIncrement", txtIncrement).numeric().change(rangeChanged(txtIncrement));
   add("chkRound", chkRound);
   add("frmCompute", frmCompute);
   add("btnCalc", btnCalc).click([this] { Main(); });

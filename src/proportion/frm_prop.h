@@ -22,9 +22,9 @@ class frmProp : public FormModel {
   TextBox txtEndValue;
   CheckBox chkBetween{false, "Equation between beginning and ending stations."};
   Label lblStaIn{" Station In:", false};
-  TextBox txtStaIn{"", false};
+  TextBox txtStaIn{"", false, true, ""};
   Label lblStaOut{"Out:", false};
-  TextBox txtStaOut{"", false};
+  TextBox txtStaOut{"", false, true, ""};
   CheckBox chkMetric{false, "Use Metric Units"};
   Frame frmStation{"Station From Value"};
   Label lblValue{"Compute the Station at which this Value oocurs."};

@@ -43,15 +43,15 @@ std::filesystem::path outputPath(TextBox& field, const std::string& dataFolder, 
 frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Section Subdivision") {
   add("Frame24", Frame24);
   add("lblSection", lblSection);
-  add("txtSection", txtSection).lostFocus([this] { txtSection_LostFocus(); });
+  add("txtSection", txtSection).numeric(true).lostFocus([this] { txtSection_LostFocus(); });
   add("lblTownship", lblTownship);
-  add("txtTwp", txtTwp).lostFocus([this] { applyTownshipRules(); });
+  add("txtTwp", txtTwp).numeric(true).lostFocus([this] { applyTownshipRules(); });
   add("lblRange", lblRange);
-  add("txtRange", txtRange).lostFocus([this] { applyTownshipRules(); });
+  add("txtRange", txtRange).numeric(true).lostFocus([this] { applyTownshipRules(); });
   add("optEast", optEast, "direction");
   add("optWest", optWest, "direction");
   add("lblPM", lblPM);
-  add("txtPM", txtPM);
+  add("txtPM", txtPM).numeric();
   add("chk1", chk1);
   add("chk2", chk2);
   add("chk4", chk4);
@@ -67,8 +67,8 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
     SlotFields& f = slots[static_cast<std::size_t>(s)];
     const std::string n = "txt" + std::to_string(s);
     add(n + "pn", f.pn).change([this, s] { pointNumberChanged(s); }).lostFocus([this, s] { pointNumberLeft(s); });
-    add(n + "xc", f.xc);
-    add(n + "yc", f.yc);
+    add(n + "xc", f.xc).numeric();
+    add(n + "yc", f.yc).numeric();
     add(n + "pf", f.pf);
     add(n + "pd", f.pd);
   }
@@ -78,7 +78,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
     c.caption.caption = kChainFields[i].caption;
     add(std::string("lbl") + c.name + "chain", c.caption);
     // Typing over the regular 20 makes it the user's own value.
-    add(std::string("txt") + c.name + "chain", c.text).change([&c] { c.defaulted = false; });
+    add(std::string("txt") + c.name + "chain", c.text).numeric(true).change([&c] { c.defaulted = false; });
   }
   add("lblNotice", lblNotice);
   add("btnContinue", btnContinue).click([this] { Main(); });
@@ -100,7 +100,19 @@ ChainField& frmSecSub::chain(const std::string& name) {
 
 void frmSecSub::pointNumberChanged(int s) {
   pointFound = false;
-  const std::string wanted = upper(slots[static_cast<std::size_t>(s)].pn.text);
+  SlotFields& fields = slots[static_cast<std::size_t>(s)];
+  const std::string wanted = upper(fields.pn.text);
+  // Said at once, in the slot, when the number is not in the list.
+  fields.pn.note = fields.xc.note = "";
+  const auto sayNotFound = [&] {
+    if (wanted.empty()) return;
+    const bool empty = std::none_of(program().points.records.begin(), program().points.records.end(),
+                                    [](const PointRecord& p) { return !p.name.empty(); });
+    fields.pn.note = "Point " + wanted + " is not in the point list" +
+                     (empty ? " (the list is empty: read the source file again; a run empties it)" : "") +
+                     ": type its X and Y, or keep the number to name a corner the run computes.";
+    fields.xc.note = wanted + " not in the point list";
+  };
   const PointList& list = program().points;
   // Up to and including the loaded count, within the list's 151 records.
   const int last = std::min<int>(list.pointCount, PointList::kSourceCapacity - 1);
@@ -122,6 +134,7 @@ void frmSecSub::pointNumberChanged(int s) {
     pointFound = true;
     return;
   }
+  sayNotFound();
 }
 
 void frmSecSub::pointNumberLeft(int s) {
@@ -136,8 +149,10 @@ void frmSecSub::pointNumberLeft(int s) {
 void frmSecSub::txtSection_LostFocus() {
   if (!txtSection.text.empty()) {
     const double section = Val(txtSection.text);
-    if (section != 0 && !(section >= 1 && section <= 36))
+    if (section != 0 && !(section >= 1 && section <= 36)) {
       shell().msgBox("Invalid Number", "Valid Section numbers are 1-36.", Icon::Information);
+      focusRequest = "txtSection";  // the cursor waits there to mend it
+    }
   }
   applyTownshipRules();
 }

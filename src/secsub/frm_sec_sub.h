@@ -30,7 +30,7 @@ struct SlotFields {
 // until the section's location shows it.
 struct ChainField {
   const char* name = "";  // "NofW": the controls are txtNofWchain and lblNofWchain
-  TextBox text{"", false, true};
+  TextBox text{"", false, true, ""};
   Label caption{"", false, true};
   // Holds the regular "20" that a township-rule pass put there, untouched since.
   bool defaulted = false;

@@ -74,7 +74,7 @@ class frmVertCurve : public FormModel {
   Label lblEndStation{"to Ending Station"};
   TextBox txtEndStation;
   Label lblIncrement{"@ Increment"};
-  TextBox txtIncrement{"", true, false};
+  TextBox txtIncrement{"", true, false, ""};
   CheckBox chkExact{false, "Exact", true, false};
   Frame frameUnits{"Units"};
   CheckBox chkMetric{false, "Metric"};

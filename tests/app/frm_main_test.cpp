@@ -97,11 +97,31 @@ TEST_F(MainWindow, ProposesTheOutputNamesFromTheStartAndNoticesCutCoordinates) {
   EXPECT_TRUE(shell.boxes.empty());  // a notice, not a box
   EXPECT_EQ(program.points.records[1].x, 2170);
   EXPECT_TRUE(main.lblNotice.visible);
+  // What the file gave, then what was cut.
+  EXPECT_EQ(main.lblNotice.caption.rfind("Read xy.txt as an X-Y coordinate report: 2 points.\nCoordinates cut: ", 0), 0u)
+      << main.lblNotice.caption;
   EXPECT_NE(main.lblNotice.caption.find("point 101 hold"), std::string::npos);
-  // The section form opening over the main window says it too.
-  EXPECT_EQ(program.form<frmSecSub>("frmSecSub").lblNotice.caption, main.lblNotice.caption);
+  // The section form opening over the main window says what was cut too.
+  EXPECT_EQ(program.form<frmSecSub>("frmSecSub").lblNotice.caption, program.sourceNotice);
+  EXPECT_NE(program.sourceNotice.find("point 101 hold"), std::string::npos);
   main.click("mnuSecSub");
   EXPECT_FALSE(main.lblNotice.visible);
+}
+
+TEST_F(MainWindow, TheNoticeSaysWhatEachFormatGave) {
+  const std::pair<std::string, std::string> examples[] = {
+      {"section14.sdms", "Read section14.sdms as an SDMS file: 9 points."},
+      {"section14.csv", "Read section14.csv as a comma-delimited file: 9 points."},
+      {"section14-xy.txt", "Read section14-xy.txt as an X-Y coordinate report: 9 points."},
+      {"section14-ne.txt", "Read section14-ne.txt as an N-E coordinate report: it gives no points."}};
+  for (const auto& [file, said] : examples) {
+    Program fresh{shell, dir.folder()};  // the format flags stay set for the life of a program
+    auto& window = fresh.form<frmMain>("frmMain");
+    window.click("mnuSecSub");
+    window.typeText("txtInFile", std::string(TERVALO_SOURCE_DIR) + "/examples/" + file);
+    window.click("btnContinue");
+    EXPECT_EQ(window.lblNotice.caption.substr(0, said.size()), said);
+  }
 }
 
 TEST_F(MainWindow, BrowseAndDropReadTheSourceAtOnce) {

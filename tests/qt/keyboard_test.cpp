@@ -4,6 +4,7 @@
 // and Escape its Return.
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QDialog>
 #include <QLabel>
@@ -123,6 +124,47 @@ class Keyboard : public QObject, testing::DesktopFixture {
     // Section, township, range; slot 0's five fields before slot 1's.
     QVERIFY(at("txtSection") < at("txtTwp") && at("txtTwp") < at("txtRange"));
     QVERIFY(at("txt0pn") < at("txt0xc") && at("txt0xc") < at("txt0pd") && at("txt0pd") < at("txt1pn"));
+  }
+
+  // Section 99 refused as the field is left by Tab: the cursor goes back to
+  // it with the text selected, so typing on mends it and fills nothing after it.
+  void theCursorWaitsWhereTheFaultIs() {
+    auto& form = program->form("frmSecSub");
+    form.setOpen(true);
+    std::unique_ptr<QDialog> view(shell->makeView(form, nullptr));
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    auto* section = view->findChild<QLineEdit*>("txtSection");
+    section->setFocus();
+    QTest::keyClicks(section, "99");
+    QTest::keyClick(section, Qt::Key_Tab);
+    QCOMPARE(shell->boxes.back().text, std::string("Valid Section numbers are 1-36."));
+    QTRY_VERIFY(section->hasFocus());
+    QCOMPARE(section->selectedText(), QString("99"));
+    QTest::keyClicks(QApplication::focusWidget(), "14");
+    QCOMPARE(section->text(), QString("14"));
+    QCOMPARE(view->findChild<QLineEdit*>("txtTwp")->text(), QString());
+  }
+
+  // Each segment list: Width, then Slope, then Add; Enter in Slope adds.
+  void gradingSegmentsAreWidthSlopeAdd() {
+    auto& form = program->form("frmGrade");
+    form.setOpen(true);
+    std::unique_ptr<QDialog> view(shell->makeView(form, nullptr));
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    for (const QString stem : {"Fin", "Sub"}) {
+      QWidget* width = view->findChild<QLineEdit*>("txt" + stem + "Width");
+      auto* slope = view->findChild<QComboBox*>("cmb" + stem + "Slope");
+      QCOMPARE(width->nextInFocusChain(), static_cast<QWidget*>(slope));
+      QWidget* next = slope->nextInFocusChain();
+      while (next && next->parentWidget() == slope) next = next->nextInFocusChain();  // the combo's own line edit
+      QCOMPARE(next->objectName(), "btn" + stem + "Add");
+      width->setFocus();
+      QTest::keyClicks(width, "12");
+      QTest::keyClick(slope->lineEdit(), Qt::Key_Return);
+      QCOMPARE(view->findChild<QListWidget*>("lst" + stem)->count(), 1);
+    }
   }
 
   // Every chain field shown on a 1366 by 768 screen: nothing is pushed out of sight sideways.

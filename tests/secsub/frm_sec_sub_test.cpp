@@ -91,6 +91,20 @@ TEST_F(SectionForm, PointNumberLookup) {
   EXPECT_EQ(form.slots[4].yc.text, "");
 }
 
+TEST_F(SectionForm, APointNumberNotInTheListSaysSoInItsSlot) {
+  form.typeText("txt0pn", "1099");
+  EXPECT_EQ(form.slots[0].pn.note.rfind("Point 1099 is not in the point list: ", 0), 0u) << form.slots[0].pn.note;
+  EXPECT_EQ(form.noteFor(*form.find("txt0xc")), "1099 not in the point list");
+  form.typeText("txt0pn", "1001");  // found: nothing to say
+  EXPECT_EQ(form.slots[0].pn.note, "");
+  // After a run the list is empty, and the slot says why.
+  location("14", "115", "22");
+  corners();
+  form.click("btnContinue");
+  form.typeText("txt3pn", "1002");
+  EXPECT_NE(form.slots[3].pn.note.find("the list is empty: read the source file again"), std::string::npos);
+}
+
 TEST_F(SectionForm, TownshipRulesFollowEachField) {
   location("36", "48", "1");
   EXPECT_EQ(form.txtPM.text, "4");

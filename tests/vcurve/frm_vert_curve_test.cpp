@@ -59,6 +59,23 @@ TEST_F(VerticalForm, CaptionsAndResults) {
   EXPECT_EQ(results.lblPVCelev.caption, ".500");
 }
 
+// The classic reading is kept (" 12a34" is 12, "abc" is 0), and the window
+// says what a number field reads as when its text is not a plain number.
+TEST_F(VerticalForm, ANumberFieldSaysWhatItReadsAs) {
+  const auto note = [this](const char* field) { return form.noteFor(*form.find(field)); };
+  const std::pair<const char*, std::string> cases[] = {{"-2", ""},
+                                                       {" 12a34", "Not a plain number: read as 12"},
+                                                       {"abc", "Not a plain number: read as 0"},
+                                                       {"1,000", "Not a plain number: read as 1"},
+                                                       {"", "Empty: read as 0"}};
+  for (const auto& [text, said] : cases) {
+    form.editText("txtEntryGrade", text);
+    EXPECT_EQ(note("txtEntryGrade"), said) << text;
+  }
+  EXPECT_EQ(note("txtProfile1"), "");  // an empty optional number says nothing
+  EXPECT_EQ(note("txtStation"), "");   // a station is no plain number, and says nothing
+}
+
 TEST_F(VerticalForm, EqualGradesHaveNoTurningPointAndTheReportSaysSo) {
   form.typeText("txtExitGrade", "-2");
   form.click("btnCalculate");

@@ -13,7 +13,10 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QPalette>
+#include <QPointer>
 #include <QSignalBlocker>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -158,6 +161,26 @@ void Binder::markMnemonics() {
   for (const auto& [scope, captioned] : markedFor_) marked_.merge(tervalo::markMnemonics(captioned));
 }
 
+// What the model says of a field: its tip, in its empty field in place of
+// the hint, and a ground tinted toward the notices' amber; otherwise the
+// tip is the text, so a text wider than its field reads in full.
+void Binder::showNote(QLineEdit& w, const QString& note) {
+  if (!w.property("tervaloHint").isValid()) w.setProperty("tervaloHint", w.placeholderText());
+  w.setToolTip(note.isEmpty() ? w.text() : note);
+  w.setPlaceholderText(note.isEmpty() || !w.text().isEmpty() ? w.property("tervaloHint").toString() : note);
+  const bool tinted = w.property("tervaloNoted").toBool();
+  if (tinted == !note.isEmpty()) return;
+  w.setProperty("tervaloNoted", !note.isEmpty());
+  QPalette palette = root_.palette();
+  if (!note.isEmpty()) {
+    const QColor base = palette.color(QPalette::Base), amber(0xd3, 0x9e, 0x00);
+    palette.setColor(QPalette::Base, QColor::fromRgbF(base.redF() * 0.7f + amber.redF() * 0.3f,
+                                                      base.greenF() * 0.7f + amber.greenF() * 0.3f,
+                                                      base.blueF() * 0.7f + amber.blueF() * 0.3f));
+  }
+  w.setPalette(palette);
+}
+
 void Binder::refresh() {
   root_.setWindowTitle(q(model_.caption));
   markMnemonics();
@@ -172,8 +195,8 @@ void Binder::refresh() {
               if (w->text() != q(c->text)) {
                 w->setText(q(c->text));
                 if (!w->hasFocus()) w->setCursorPosition(0);  // a filled field shows its start
-                w->setToolTip(q(c->text));  // a text wider than its field reads in full
               }
+              showNote(*w, q(model_.noteFor(entry)));
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, Label>) {
@@ -229,9 +252,17 @@ void Binder::refresh() {
   }
   if (!model_.focusRequest.empty()) {
     if (auto* w = widget<QWidget>(root_, model_.focusRequest)) {
-      w->setFocus(Qt::OtherFocusReason);
-      for (QWidget* p = w->parentWidget(); p; p = p->parentWidget())
-        if (auto* scroll = qobject_cast<QScrollArea*>(p)) scroll->ensureWidgetVisible(w);
+      // After the focus change under way (a Tab that left the field) has
+      // ended: the cursor waits in the field, its text selected, so typing
+      // on mends it rather than filling the fields after it.
+      const QPointer<QWidget> field(w);
+      QTimer::singleShot(0, w, [field] {
+        if (!field) return;
+        field->setFocus(Qt::OtherFocusReason);
+        if (auto* edit = qobject_cast<QLineEdit*>(field.data())) edit->selectAll();
+        for (QWidget* p = field->parentWidget(); p; p = p->parentWidget())
+          if (auto* scroll = qobject_cast<QScrollArea*>(p)) scroll->ensureWidgetVisible(field);
+      });
     }
     model_.focusRequest.clear();
   }

@@ -4,6 +4,9 @@
 // Every view uses it; no view copies a control by hand.
 
 #include <QObject>
+#include <QString>
+
+class QLineEdit;
 #include <functional>
 #include <map>
 #include <string>
@@ -44,6 +47,7 @@ class Binder : public QObject {
   std::map<std::string, std::string> marked_;
   std::map<std::string, Captioned> markedFor_;  // the captions the letters were matched for
   void markMnemonics();
+  void showNote(QLineEdit& field, const QString& note);
 };
 
 }  // namespace tervalo
