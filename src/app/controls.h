@@ -22,6 +22,9 @@ struct Label {
   std::string caption;
   bool visible = true;
   bool enabled = true;
+  // Files named in the caption that the window makes clickable, each
+  // opening the folder it lies in (the files an export wrote).
+  std::vector<std::string> links{};
 };
 
 struct Frame {

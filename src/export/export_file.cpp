@@ -31,7 +31,8 @@ XmlStamp stampOf(const Date& today) {
 
 void writeDocument(const std::filesystem::path& file, const std::string& text) { writeBytesFile(file, text); }
 
-void exportFile(Shell& shell, const std::string& title, const std::filesystem::path& file, const ExportWriters& writers) {
+std::optional<std::filesystem::path> exportFile(Shell& shell, const std::string& title, const std::filesystem::path& file,
+                                                const ExportWriters& writers) {
   const std::string kind = exportKind(file);
   try {
     const auto writer = std::find_if(writers.begin(), writers.end(), [&kind](const auto& w) { return w.first == kind; });
@@ -43,12 +44,14 @@ void exportFile(Shell& shell, const std::string& title, const std::filesystem::p
     writer->second();
   } catch (const ExportError& e) {
     shell.msgBox(title, e.what(), Icon::Exclamation, Buttons::Ok);
-    return;
+    return std::nullopt;
   } catch (const RunTimeError& e) {
     shell.msgBox(title, e.what(), Icon::Critical, Buttons::Ok);
-    return;
+    return std::nullopt;
   }
-  shell.fileWritten(std::filesystem::absolute(file));
+  const std::filesystem::path written = std::filesystem::absolute(file);
+  shell.fileWritten(written);
+  return written;
 }
 
 }  // namespace tervalo

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <functional>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -31,7 +32,8 @@ using ExportWriters = std::vector<std::pair<std::string, std::function<void()>>>
 // name's ending runs; a fault of the file (an ending not offered, a field
 // the kind cannot hold, a file that cannot be written) is said in a box
 // titled `title`, and nothing is written and nothing ends; a written file
-// is told to the shell.
-void exportFile(Shell& shell, const std::string& title, const std::filesystem::path& file, const ExportWriters& writers);
+// is told to the shell. Returns the file written, or nothing.
+std::optional<std::filesystem::path> exportFile(Shell& shell, const std::string& title, const std::filesystem::path& file,
+                                                const ExportWriters& writers);
 
 }  // namespace tervalo

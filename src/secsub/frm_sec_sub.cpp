@@ -220,6 +220,7 @@ void frmSecSub::btnClear_Click() {
   origins = {};
   lookups = {};
   notices = {};
+  writtenFiles.clear();
   showNotices({});
   hasRun = false;
   btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = false;
@@ -289,7 +290,7 @@ void frmSecSub::btnSaveDrawing_Click() {
   const std::filesystem::path file(*chosen);
   const Picture picture = drawing();
   const auto save = [&] { shell().savePicture(picture, file); };
-  exportFile(shell(), "Save the Drawing", file, {{".svg", save}, {".png", save}, {".pdf", save}});
+  sayWritten(exportFile(shell(), "Save the Drawing", file, {{".svg", save}, {".png", save}, {".pdf", save}}));
 }
 
 std::vector<FormModel*> frmSecSub::inputForms() { return {&program().form("frmMain"), this}; }
@@ -303,11 +304,11 @@ void frmSecSub::btnExport_Click() {
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
   const CornerMap map = sectionMap(record, computed, runNaming);
-  exportFile(shell(), "Export the Corners", file,
-             {{".csv", [&] { writeTextFile(file, pnezdLines(map)); }},
-              {".txt", [&] { writeTextFile(file, tervaloPointLines(map)); }},
-              {".xml", [&] { writeDocument(file, cornerLandXml(map, stampOf(shell().today()))); }},
-              {".dxf", [&] { writeCornerDxf(map, file); }}});
+  sayWritten(exportFile(shell(), "Export the Corners", file,
+                        {{".csv", [&] { writeTextFile(file, pnezdLines(map)); }},
+                         {".txt", [&] { writeTextFile(file, tervaloPointLines(map)); }},
+                         {".xml", [&] { writeDocument(file, cornerLandXml(map, stampOf(shell().today()))); }},
+                         {".dxf", [&] { writeCornerDxf(map, file); }}}));
 }
 
 bool frmSecSub::checkHeld16ths() {
@@ -453,11 +454,19 @@ std::vector<int> frmSecSub::nameOutputPositions(const CornerNaming& naming) {
   return unnamed;
 }
 
-// The source file's notice first, then the run's.
+// The source file's notice first, then the run's, then the files written since.
 void frmSecSub::showNotices(const std::vector<std::string>& lines) {
   lblNotice.caption = program().sourceNotice;
   for (const std::string& line : lines) lblNotice.caption += (lblNotice.caption.empty() ? "" : "\n") + line;
+  for (const std::string& file : writtenFiles) lblNotice.caption += (lblNotice.caption.empty() ? "" : "\n") + std::string("Written: ") + file;
+  lblNotice.links = writtenFiles;
   lblNotice.visible = !lblNotice.caption.empty();
+}
+
+void frmSecSub::sayWritten(const std::optional<std::filesystem::path>& file) {
+  if (!file) return;  // refused: its box said why
+  writtenFiles.push_back(file->string());
+  showNotices(notices.lines);
 }
 
 std::optional<std::vector<std::filesystem::path>> frmSecSub::runOutputFiles() {
@@ -481,6 +490,7 @@ std::optional<std::vector<std::filesystem::path>> frmSecSub::runOutputFiles() {
 
 void frmSecSub::Main() {
   notices = {};
+  writtenFiles.clear();
   showNotices({});
   const auto outputs = runOutputFiles();
   if (!outputs) return;

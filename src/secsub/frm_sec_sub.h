@@ -136,6 +136,10 @@ class frmSecSub : public FormModel {
   void writeSlotFields(int s);
   void applyChainDefaults();
   void showNotices(const std::vector<std::string>& lines);
+  // Says in the notice which file an export or Save Drawing wrote, its name
+  // a link to its folder.
+  void sayWritten(const std::optional<std::filesystem::path>& file);
+  std::vector<std::string> writtenFiles;  // since the last run
 };
 
 }  // namespace tervalo

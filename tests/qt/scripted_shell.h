@@ -33,10 +33,12 @@ class ScriptedShell : public QtShell, public BoxScript {
   // Acts in a modal window while it is open; the window closes after.
   std::function<void(QDialog&)> inDialog;
   std::vector<PrintJob> printed;
+  std::vector<std::filesystem::path> foldersOpened;
 
   Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
     return record(title, text, icon, buttons);
   }
+  void openFolder(const std::filesystem::path& folder) override { foldersOpened.push_back(folder); }
   std::optional<std::string> chooseFile(FileDialog, const std::string&, const std::string&,
                                         const std::vector<std::string>&) override {
     if (chosenFiles.empty()) return std::nullopt;

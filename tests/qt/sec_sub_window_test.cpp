@@ -8,6 +8,8 @@
 #include <QTableWidget>
 #include <QSettings>
 #include <QTest>
+#include <QUrl>
+#include <QLabel>
 #include <fstream>
 #include <map>
 
@@ -128,6 +130,11 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
       QVERIFY(d.findChild<QPushButton*>("btnSaveDrawing")->isEnabled());
       shell->chosenFiles.push_back((dir->path() / "s14.dxf").string());
       QTest::mouseClick(d.findChild<QPushButton*>("btnExport"), Qt::LeftButton);
+      // The notice names what was written; its link opens the folder.
+      auto* notice = d.findChild<QLabel*>("lblNotice");
+      QVERIFY(notice->text().contains("s14.dxf</a>"));
+      Q_EMIT notice->linkActivated(QUrl::fromLocalFile(QString::fromStdString((dir->path() / "s14.dxf").string())).toString());
+      QCOMPARE(shell->foldersOpened.back(), dir->path());
     };
     main.click("btnContinue");
     QCOMPARE(markers, 25);  // one per present corner

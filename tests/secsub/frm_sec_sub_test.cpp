@@ -426,7 +426,12 @@ TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
   for (const char* name : {"c.csv", "c.TXT", "c.xml", "c.dxf", "c.pdf", "no/such/folder/c.csv"})
     shell.chosenFiles.push_back((dir.path() / name).string());
   for (int i = 0; i < 6; ++i) form.click("btnExport");
-  for (const char* name : {"c.csv", "c.TXT", "c.xml", "c.dxf"}) EXPECT_TRUE(std::filesystem::exists(dir.path() / name)) << name;
+  for (const char* name : {"c.csv", "c.TXT", "c.xml", "c.dxf"}) {
+    EXPECT_TRUE(std::filesystem::exists(dir.path() / name)) << name;
+    // Said in the notice, the name a link to its folder; the refused ones are not.
+    EXPECT_NE(form.lblNotice.caption.find("Written: " + (dir.path() / name).string()), std::string::npos) << name;
+  }
+  EXPECT_EQ(form.lblNotice.links.size(), 4u);
   ASSERT_EQ(shell.boxes.size(), 2u);
   EXPECT_EQ(shell.boxes[0].text, "Name the file with the ending of the kind you want: .csv, .txt, .xml or .dxf.");
   EXPECT_EQ(shell.boxes[1].icon, Icon::Critical);  // cannot be written: said, and the program goes on

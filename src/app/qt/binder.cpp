@@ -17,6 +17,9 @@
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QTimer>
+#include <QUrl>
+
+#include <filesystem>
 
 #include <algorithm>
 
@@ -181,6 +184,30 @@ void Binder::showNote(QLineEdit& w, const QString& note) {
   w.setPalette(palette);
 }
 
+// A caption as plain text; the files it names as links, each opening its folder.
+void Binder::showCaption(QLabel& w, const Label& label) {
+  if (label.links.empty()) {
+    w.setTextFormat(Qt::PlainText);
+    w.setText(q(label.caption));
+    return;
+  }
+  QString html = q(label.caption).toHtmlEscaped();
+  for (const std::string& file : label.links) {
+    const QString name = q(file).toHtmlEscaped();
+    html.replace(name, "<a href=\"" + QUrl::fromLocalFile(q(file)).toString().toHtmlEscaped() + "\">" + name + "</a>");
+  }
+  html.replace("\n", "<br>");
+  w.setTextFormat(Qt::RichText);
+  w.setText(html);
+  w.setTextInteractionFlags(w.textInteractionFlags() | Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+  if (!w.property("tervaloLinks").toBool()) {
+    w.setProperty("tervaloLinks", true);
+    connect(&w, &QLabel::linkActivated, this, [this](const QString& link) {
+      shell_.openFolder(std::filesystem::path(QUrl(link).toLocalFile().toStdString()).parent_path());
+    });
+  }
+}
+
 void Binder::refresh() {
   root_.setWindowTitle(q(model_.caption));
   markMnemonics();
@@ -201,7 +228,7 @@ void Binder::refresh() {
             }
           } else if constexpr (std::is_same_v<T, Label>) {
             if (auto* w = widget<QLabel>(root_, name)) {
-              w->setText(q(c->caption));
+              showCaption(*w, *c);
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, Frame>) {

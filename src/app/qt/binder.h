@@ -6,11 +6,13 @@
 #include <QObject>
 #include <QString>
 
+class QLabel;
 class QLineEdit;
 #include <functional>
 #include <map>
 #include <string>
 
+#include "app/controls.h"
 #include "app/mnemonics.h"
 
 namespace tervalo {
@@ -48,6 +50,7 @@ class Binder : public QObject {
   std::map<std::string, Captioned> markedFor_;  // the captions the letters were matched for
   void markMnemonics();
   void showNote(QLineEdit& field, const QString& note);
+  void showCaption(QLabel& label, const Label& caption);
 };
 
 }  // namespace tervalo
