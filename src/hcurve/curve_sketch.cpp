@@ -39,8 +39,9 @@ Picture curveSketch(const CurveElements& e, const SketchLabels& labels) {
     p.marks.push_back(markAt(k.at));
     p.texts.push_back({k.at, k.station.empty() ? std::string(k.name) : std::string(k.name) + " " + k.station, Ink::Main, k.place});
   }
+  // On either side of the middle ordinate line, so that the two never read as one word.
   p.texts.push_back({{(pi.x + middle.x) / 2, (pi.y + middle.y) / 2}, "E", Ink::Quiet, Place::Right});
-  p.texts.push_back({{(chordMiddle.x + middle.x) / 2, (chordMiddle.y + middle.y) / 2}, "M", Ink::Quiet, Place::Right});
+  p.texts.push_back({{(chordMiddle.x + middle.x) / 2, (chordMiddle.y + middle.y) / 2}, "M", Ink::Quiet, Place::Left});
   p.caption = "\u0394 " + labels.delta + "   R " + labels.radius;
   return p;
 }

@@ -7,13 +7,20 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QApplication>
+#include <QLineF>
+#include <algorithm>
+#include <cmath>
 #include <QImage>
 #include <QSvgRenderer>
 #include <QTest>
 
 #include "app/frm_main.h"
+#include "hcurve/curve_sketch.h"
+#include "vcurve/profile_sketch.h"
 #include "app/program.h"
 #include "app/qt/binder.h"
+#include "app/qt/picture_files.h"
 #include "app/qt/picture_view.h"
 #include "app/qt/views.h"
 #include "qt/scripted_shell.h"
@@ -30,6 +37,60 @@ class CurveWindow : public QObject {
   Q_OBJECT
 
  private Q_SLOTS:
+  // A saved PNG is laid out as a picture on screen and drawn at twice the
+  // size: its text is as large against the picture as on screen.
+  void aSavedPngsTextIsAsLargeAsOnScreen() {
+    TempDir dir;
+    Picture p;
+    p.lines.push_back({{{0, 0}, {100, 0}}, Ink::Quiet});
+    p.texts.push_back({{50, 0}, "HHHH", Ink::Main, Place::Above});
+    const auto file = dir.path() / "label.png";
+    writePictureFile(p, file, QApplication::font());
+    const QImage image(QString::fromStdString(file.string()));
+    QCOMPARE(image.size(), QSize(1500, 1000));
+    int top = image.height(), bottom = -1;
+    for (int y = 0; y < image.height(); ++y)
+      for (int x = 0; x < image.width(); ++x)
+        if (qGray(image.pixel(x, y)) < 40) {
+          top = std::min(top, y);
+          bottom = std::max(bottom, y);
+        }
+    const int capHeight = static_cast<int>(QFontMetricsF(QApplication::font()).capHeight());
+    QVERIFY2(bottom - top + 1 >= 2 * capHeight - 2, qPrintable(QString("text %1 px, capitals %2 px on screen").arg(bottom - top + 1).arg(capHeight)));
+  }
+
+  // The key points' labels stand beside their curve, never on a line or a
+  // mark of the drawing, and every label stays inside the picture.
+  void pictureLabelsStandBesideTheirCurves() {
+    VerticalCurve sag = makeCurve(-0.02, 0.02, 400, KnownPoint::PVI, 1000, 100);
+    minMaxCalc(sag);
+    CurveOptions options;
+    options.pi = 4 * std::atan(1.0);
+    const CurveSolution solved = solveCurve({30, 0, 0, 0, 1000, 0, 0, 0}, options);
+    const std::pair<Picture, std::vector<std::string>> pictures[] = {
+        {profileSketch({sag, false, {0, -0.5, 0}, {}, {}}).picture, {"PVC", "PVI", "PVT", "Low"}},
+        {curveSketch(solved.e, {"7+32.0508", "10+00.0000", "12+55.6496", "", ""}), {"PC", "PI", "PT", "E", "M"}}};
+    for (const auto& [picture, keys] : pictures) {
+      const QRectF area(0, 0, 430, 520);
+      const QFontMetricsF metrics(QApplication::font());
+      const PictureFrame frame = pictureFrame(picture, area, QApplication::font());
+      for (const PlacedLabel& label : placeLabels(picture, frame, area, metrics)) {
+        const std::string& text = picture.texts[label.index].text;
+        QVERIFY2(area.contains(label.box), text.c_str());
+        if (std::none_of(keys.begin(), keys.end(), [&](const std::string& k) { return text.rfind(k, 0) == 0; })) continue;
+        for (const auto& line : picture.lines)
+          for (std::size_t i = 1; i < line.points.size(); ++i) {
+            const QLineF stroke(frame.at(line.points[i - 1]), frame.at(line.points[i]));
+            const QRectF r = label.box;
+            const bool crosses = r.contains(stroke.p1()) || r.contains(stroke.p2()) ||
+                                 stroke.intersects({r.topLeft(), r.bottomRight()}, nullptr) == QLineF::BoundedIntersection ||
+                                 stroke.intersects({r.topRight(), r.bottomLeft()}, nullptr) == QLineF::BoundedIntersection;
+            QVERIFY2(!crosses, text.c_str());
+          }
+      }
+    }
+  }
+
   void typeTwoElementsAndCalculate() {
     TempDir dir;
     Desktop desktop(dir.folder());

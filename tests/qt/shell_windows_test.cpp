@@ -12,6 +12,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStandardPaths>
+#include <QMessageBox>
 #include <QTest>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -216,6 +217,26 @@ class ShellWindows : public QObject, testing::DesktopFixture {
   }
 
   // Without APPDATA the data folder is the desktop's own data location for the program.
+  // A box's title is never cut by the window manager, and the box stands
+  // centred on the window it speaks for.
+  void boxesAreWideEnoughForTheirTitlesAndCentredOnTheirWindow() {
+    QWidget window;
+    window.setGeometry(200, 150, 900, 600);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    for (const char* title : {"Input File Error!", "Run-time Error", "Entered 1/16 Corner Coordinates"}) {
+      QMessageBox box(&window);
+      box.setWindowTitle(title);
+      box.setText("OK.");
+      fitBoxToItsTitle(box);
+      box.show();
+      QVERIFY(QTest::qWaitForWindowExposed(&box));
+      const int titleWidth = QFontMetrics(QApplication::font("QMdiSubWindowTitleBar")).horizontalAdvance(title);
+      QVERIFY2(box.width() >= titleWidth + 150, title);
+      QVERIFY((box.frameGeometry().center() - window.frameGeometry().center()).manhattanLength() <= 4);
+    }
+  }
+
   void dataFolderIsTheApplicationsDataLocation() {
     const QByteArray appData = qgetenv("APPDATA"), xdg = qgetenv("XDG_DATA_HOME");
     qunsetenv("APPDATA");

@@ -24,7 +24,11 @@ QPalette paperPalette() {
   return paper;
 }
 
-constexpr int kWidth = 1500, kHeight = 1000;  // pixels of an SVG or PNG picture
+// An SVG or PNG picture is laid out as a picture of 750 by 500 on screen,
+// in the window's font, and drawn at twice that: its text is as large
+// against the picture as on screen, and sharp.
+constexpr int kWidth = 750, kHeight = 500;
+constexpr int kDotsPerPoint = 2;
 
 }  // namespace
 
@@ -47,7 +51,7 @@ void writePictureFile(const Picture& picture, const std::filesystem::path& file,
     write = [&](const std::filesystem::path& temp) {
       QSvgGenerator svg;
       svg.setFileName(QString::fromStdString(temp.string()));
-      svg.setSize(QSize(kWidth, kHeight));
+      svg.setSize(QSize(kWidth * kDotsPerPoint, kHeight * kDotsPerPoint));
       svg.setViewBox(QRect(0, 0, kWidth, kHeight));
       svg.setTitle(QString::fromStdString(picture.caption));
       QPainter painter(&svg);
@@ -56,7 +60,8 @@ void writePictureFile(const Picture& picture, const std::filesystem::path& file,
     };
   } else if (ending == ".png") {
     write = [&](const std::filesystem::path& temp) {
-      QImage image(kWidth, kHeight, QImage::Format_ARGB32);
+      QImage image(kWidth * kDotsPerPoint, kHeight * kDotsPerPoint, QImage::Format_ARGB32);
+      image.setDevicePixelRatio(kDotsPerPoint);
       QPainter painter(&image);
       paintPicture(painter, picture, QRectF(0, 0, kWidth, kHeight), paperPalette(), font);
       painter.end();

@@ -117,6 +117,89 @@ PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFon
   return f;
 }
 
+std::vector<PlacedLabel> placeLabels(const Picture& picture, const PictureFrame& frame, const QRectF& area,
+                                     const QFontMetricsF& metrics, std::vector<QRectF> taken) {
+  std::vector<PlacedLabel> placed;
+  // What a label should stand clear of: the strokes drawn and the marks.
+  std::vector<QLineF> strokes;
+  for (const auto& l : picture.lines)
+    for (std::size_t i = 1; i < l.points.size(); ++i) strokes.emplace_back(frame.at(l.points[i - 1]), frame.at(l.points[i]));
+  std::vector<QRectF> markRooms;
+  for (const auto& m : picture.marks) {
+    const QPointF p = frame.at(m.at);
+    markRooms.emplace_back(p.x() - m.radius, p.y() - m.radius, 2 * m.radius, 2 * m.radius);
+  }
+  const auto clearOfDrawing = [&](const QRectF& room) {
+    const QRectF r = room.adjusted(-1, -1, 1, 1);
+    if (std::any_of(markRooms.begin(), markRooms.end(), [&](const QRectF& m) { return m.intersects(r); })) return false;
+    const QLineF edges[] = {{r.topLeft(), r.topRight()}, {r.topRight(), r.bottomRight()},
+                            {r.bottomRight(), r.bottomLeft()}, {r.bottomLeft(), r.topLeft()}};
+    return std::none_of(strokes.begin(), strokes.end(), [&](const QLineF& s) {
+      if (r.contains(s.p1()) || r.contains(s.p2())) return true;
+      return std::any_of(std::begin(edges), std::end(edges),
+                         [&](const QLineF& e) { return s.intersects(e, nullptr) == QLineF::BoundedIntersection; });
+    });
+  };
+  const auto free = [&](const QRectF& room) {
+    return area.contains(room) && std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(room); });
+  };
+  // Labels never overprint: each takes its own place when that is free, else
+  // the first free one of the others, moved further out step by step; first
+  // only where it covers no line or mark of the drawing (a label beside its
+  // curve, not on it), then anywhere free.
+  for (std::size_t i = 0; i < picture.texts.size(); ++i) {
+    const PictureText& t = picture.texts[i];
+    const QString text = QString::fromStdString(t.text);
+    const QPointF p = frame.at(t.at);
+    const double width = metrics.horizontalAdvance(text), height = metrics.height();
+    if (t.along != 0) {
+      // Along its line and upright: turned no further than a quarter turn.
+      double degrees = -t.along;
+      while (degrees > 90) degrees -= 180;
+      while (degrees <= -90) degrees += 180;
+      const double first = t.place == Place::Below ? 1 : -1;
+      for (double side : {first, -first}) {
+        const QRectF box(p.x() - width / 2, side < 0 ? p.y() - 3 - height : p.y() + 3, width, height);
+        const QRectF room = turnedBox(box, p, degrees);
+        if (free(room)) {
+          taken.push_back(room);
+          placed.push_back({i, box, degrees});
+          break;
+        }
+      }
+      continue;  // a length with no free room is left out rather than written over a name
+    }
+    auto box = [&](Place place, double gap) {
+      switch (place) {
+        case Place::Above: return QRectF(p.x() - width / 2, p.y() - gap - height, width, height);
+        case Place::Below: return QRectF(p.x() - width / 2, p.y() + gap, width, height);
+        case Place::Left: return QRectF(p.x() - gap - width, p.y() - height / 2, width, height);
+        case Place::AboveRight: return QRectF(p.x() + gap * 0.7, p.y() - gap * 0.7 - height, width, height);
+        case Place::Right: break;
+      }
+      return QRectF(p.x() + gap, p.y() - height / 2, width, height);
+    };
+    QRectF chosen = box(t.place, 6);
+    bool found = false;
+    for (const bool clear : {true, false})
+      for (double gap = 6; !found && gap < 6 + 6 * height; gap += height / 2)
+        for (Place place : {t.place, Place::AboveRight, Place::Above, Place::Below, Place::Right, Place::Left}) {
+          const QRectF candidate = box(place, gap);
+          if (free(candidate) && (!clear || clearOfDrawing(candidate))) {
+            chosen = candidate;
+            found = true;
+            break;
+          }
+        }
+    // Never cut at the picture's edge.
+    chosen.moveLeft(std::clamp(chosen.left(), area.left(), std::max(area.left(), area.right() - chosen.width())));
+    chosen.moveTop(std::clamp(chosen.top(), area.top(), std::max(area.top(), area.bottom() - chosen.height())));
+    taken.push_back(chosen);
+    placed.push_back({i, chosen, 0});
+  }
+  return placed;
+}
+
 void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font) {
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
@@ -162,69 +245,25 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
     taken.push_back(paintScaleBar(painter, area, captionTop, frame.scale, frame.width, picture.mapUnits, metrics, mainInk));
     painter.restore();
   }
-  // Labels never overprint: each takes its own place when that is free, else
-  // the first free one of the others, moved further out step by step.
-  for (const auto& t : picture.texts) {
+  for (const PlacedLabel& label : placeLabels(picture, frame, area, metrics, taken)) {
+    const PictureText& t = picture.texts[label.index];
     painter.setPen(inkColor(t.ink, palette));
     const QString text = QString::fromStdString(t.text);
-    const QPointF p = frame.at(t.at);
-    const double width = metrics.horizontalAdvance(text), height = metrics.height();
-    if (t.along != 0) {
-      // Along its line and upright: turned no further than a quarter turn.
-      double degrees = -t.along;
-      while (degrees > 90) degrees -= 180;
-      while (degrees <= -90) degrees += 180;
-      std::optional<QRectF> free;
-      const double first = t.place == Place::Below ? 1 : -1;
-      for (double side : {first, -first}) {
-        const QRectF box(p.x() - width / 2, side < 0 ? p.y() - 3 - height : p.y() + 3, width, height);
-        const QRectF room = turnedBox(box, p, degrees);
-        if (area.contains(room) && std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(room); })) {
-          free = box;
-          taken.push_back(room);
-          break;
-        }
-      }
-      if (!free) continue;  // a length with no free room is left out rather than written over a name
+    if (label.degrees != 0 || t.along != 0) {
+      const QPointF p = frame.at(t.at);
       painter.save();
       painter.translate(p);
-      painter.rotate(degrees);
+      painter.rotate(label.degrees);
       painter.translate(-p);
-      painter.drawText(*free, Qt::AlignCenter, text);
+      painter.drawText(label.box, Qt::AlignCenter, text);
       painter.restore();
       continue;
     }
-    auto box = [&](Place place, double gap) {
-      switch (place) {
-        case Place::Above: return QRectF(p.x() - width / 2, p.y() - gap - height, width, height);
-        case Place::Below: return QRectF(p.x() - width / 2, p.y() + gap, width, height);
-        case Place::Left: return QRectF(p.x() - gap - width, p.y() - height / 2, width, height);
-        case Place::AboveRight: return QRectF(p.x() + gap * 0.7, p.y() - gap * 0.7 - height, width, height);
-        case Place::Right: break;
-      }
-      return QRectF(p.x() + gap, p.y() - height / 2, width, height);
-    };
-    QRectF chosen = box(t.place, 6);
-    bool found = false;
-    for (double gap = 6; !found && gap < 6 + 6 * height; gap += height / 2)
-      for (Place place : {t.place, Place::AboveRight, Place::Above, Place::Below, Place::Right, Place::Left}) {
-        const QRectF candidate = box(place, gap);
-        if (area.contains(candidate) &&
-            std::none_of(taken.begin(), taken.end(), [&](const QRectF& r) { return r.intersects(candidate); })) {
-          chosen = candidate;
-          found = true;
-          break;
-        }
-      }
-    // Never cut at the picture's edge.
-    chosen.moveLeft(std::clamp(chosen.left(), area.left(), std::max(area.left(), area.right() - chosen.width())));
-    chosen.moveTop(std::clamp(chosen.top(), area.top(), std::max(area.top(), area.bottom() - chosen.height())));
-    taken.push_back(chosen);
     // On a ground of its own, so a line running under a label does not cross out its figures.
     QColor ground = palette.color(QPalette::Base);
     ground.setAlpha(210);
-    painter.fillRect(chosen.adjusted(-1, 0, 1, 0), ground);
-    painter.drawText(chosen, Qt::AlignLeft | Qt::AlignVCenter, text);
+    painter.fillRect(label.box.adjusted(-1, 0, 1, 0), ground);
+    painter.drawText(label.box, Qt::AlignLeft | Qt::AlignVCenter, text);
   }
   painter.setPen(mainInk);
   double y = captionTop;

@@ -10,7 +10,10 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QRegularExpression>
+#include <QGridLayout>
 #include <QMessageBox>
+#include <QSpacerItem>
+#include <QTimer>
 #include <QProcess>
 #include <QUrl>
 #include <algorithm>
@@ -46,6 +49,29 @@ QWidget* QtShell::activeWindow() const {
   return main_;
 }
 
+void fitBoxToItsTitle(QMessageBox& box) {
+  // A window manager cuts a title wider than its window: the box is made
+  // wide enough for its title and the frame's own buttons.
+  const int titleWidth = QFontMetrics(QApplication::font("QMdiSubWindowTitleBar")).horizontalAdvance(box.windowTitle());
+  if (auto* grid = qobject_cast<QGridLayout*>(box.layout()))
+    grid->addItem(new QSpacerItem(titleWidth + 160, 0, QSizePolicy::Minimum, QSizePolicy::Minimum), grid->rowCount(), 0, 1,
+                  grid->columnCount());
+  // Centred on the window it speaks for, wherever the desktop would put it:
+  // once shown, when the box has taken its final size.
+  struct CentreWhenShown : QObject {
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+      if (event->type() == QEvent::Show)
+        QTimer::singleShot(0, watched, [box = static_cast<QWidget*>(watched)] {
+          if (const QWidget* over = box->parentWidget())
+            box->move(over->window()->frameGeometry().center() - QPoint(box->width() / 2, box->height() / 2));
+        });
+      return false;
+    }
+  };
+  box.installEventFilter(new CentreWhenShown(&box));
+}
+
 Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) {
   if (unattended) return buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok;
   QMessageBox box(activeWindow());
@@ -58,9 +84,11 @@ Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon i
   if (buttons == Buttons::YesNo) {
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::Yes);
+    fitBoxToItsTitle(box);
     return box.exec() == QMessageBox::Yes ? Answer::Yes : Answer::No;
   }
   box.setStandardButtons(QMessageBox::Ok);
+  fitBoxToItsTitle(box);
   box.exec();
   return Answer::Ok;
 }

@@ -3,6 +3,7 @@
 // the user's editor.
 
 #include <QDialog>
+#include <QMessageBox>
 #include <deque>
 #include <functional>
 #include <map>
@@ -15,6 +16,10 @@
 namespace tervalo {
 
 class Program;
+
+// A message box made wide enough that its title is never cut, and centred
+// on its window.
+void fitBoxToItsTitle(QMessageBox& box);
 
 class QtShell : public Shell {
  public:
