@@ -1,5 +1,7 @@
 #include "township/frm_township.h"
 
+#include "secsub/section_record.h"
+
 #include <algorithm>
 
 #include "app/program.h"
@@ -26,19 +28,59 @@ frmTownship::frmTownship(Program& program) : FormModel(program, "frmTownship", "
       row.direction = plan.sections.back().direction;
     }
     plan.sections.push_back(row);
-    currentRow = static_cast<int>(plan.sections.size()) - 1;
+    selectRow(static_cast<int>(plan.sections.size()) - 1);
     ++tableVersion;
   });
   add("btnRemoveSection", btnRemoveSection).click([this] {
     if (currentRow < 0 || currentRow >= static_cast<int>(plan.sections.size())) return;
     plan.sections.erase(plan.sections.begin() + currentRow);
-    currentRow = std::min(currentRow, static_cast<int>(plan.sections.size()) - 1);
+    selectRow(std::min(currentRow, static_cast<int>(plan.sections.size()) - 1));
     ++tableVersion;
   });
   add("btnRun", btnRun).click([this] { btnRun_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("lblSummary", lblSummary);
   add("lstSummary", lstSummary);
+  add("fraRow", fraRow);
+  add("lblPM", lblPM);
+  add("txtPM", txtPM).numeric().change([this] {
+    if (SectionPlan* row = selected()) row->meridian = txtPM.text;
+  });
+  for (std::size_t i = 0; i < rowChains.size(); ++i) {
+    RowChain& c = rowChains[i];
+    c.stem = kPlanChains[i];
+    c.caption.caption = std::find_if(kChainFields.begin(), kChainFields.end(), [&c](const ChainFieldInfo& f) {
+                          return c.stem == f.stem;
+                        })->caption;
+    add("lbl" + c.stem + "chain", c.caption);
+    add("txt" + c.stem + "chain", c.text).numeric().change([this, &c] {
+      SectionPlan* row = selected();
+      if (!row) return;
+      if (c.text.text.empty())
+        row->chains.erase(c.stem);  // the section window's own default
+      else
+        row->chains[c.stem] = c.text.text;
+    });
+  }
+  selectRow(-1);
+}
+
+SectionPlan* frmTownship::selected() {
+  return currentRow >= 0 && currentRow < static_cast<int>(plan.sections.size()) ? &plan.sections[static_cast<std::size_t>(currentRow)]
+                                                                                 : nullptr;
+}
+
+void frmTownship::selectRow(int row) {
+  currentRow = row;
+  const SectionPlan* s = selected();
+  fraRow.caption = s ? "Row " + std::to_string(row + 1) + " (section " + s->section + ")" : "Selected row";
+  txtPM.text = s ? s->meridian : "";
+  txtPM.enabled = s != nullptr;
+  for (RowChain& c : rowChains) {
+    const auto chain = s ? s->chains.find(c.stem) : std::map<std::string, std::string>::const_iterator{};
+    c.text.text = s && chain != s->chains.end() ? chain->second : "";
+    c.text.enabled = s != nullptr;
+  }
 }
 
 std::string frmTownship::cell(int row, int column) const {
@@ -58,7 +100,10 @@ std::string frmTownship::cell(int row, int column) const {
 void frmTownship::setCell(int row, int column, const std::string& text) {
   SectionPlan& s = plan.sections.at(static_cast<std::size_t>(row));
   switch (column) {
-    case 0: s.section = text; return;
+    case 0:
+      s.section = text;
+      if (row == currentRow) selectRow(row);  // the row's frame names its section
+      return;
     case 1: s.township = text; return;
     case 2: s.range = text; return;
     case 3: s.direction.assign(1, text == "e" || text == "E" ? 'E' : 'W'); return;
@@ -88,7 +133,7 @@ void frmTownship::btnOpenPlan_Click() {
     return;
   }
   txtSource.text = plan.source;
-  currentRow = plan.sections.empty() ? -1 : 0;
+  selectRow(plan.sections.empty() ? -1 : 0);
   lstSummary.items.clear();
   disagreementLines.clear();
   stoppedRows.clear();

@@ -27,12 +27,25 @@ class frmTownship : public FormModel {
   Button btnReturn{"Return"};
   Label lblSummary{"Summary:"};
   ListBox lstSummary;
+  // The row the cursor is in, in full: its meridian and the record chains of
+  // its irregular quarter-miles, which the table has no room for.
+  Frame fraRow{"Selected row"};
+  Label lblPM{"P.M."};
+  TextBox txtPM;
+  struct RowChain {
+    std::string stem;  // "NofW": txtNofWchain
+    Label caption;
+    TextBox text;
+  };
+  std::array<RowChain, 8> rowChains;
 
   // The table: one row per section of the plan, in these columns.
   static constexpr std::array<const char*, 13> kColumns{"Section", "Township", "Range", "E/W", "NW", "N",   "NE",
                                                         "W",       "E",        "SW",    "S",   "SE",  "Numbering"};
   TownshipPlan plan;
-  int currentRow = -1;   // the row the cursor is in, for Remove Section
+  int currentRow = -1;   // the row the cursor is in, for Remove Section and the row's fields
+  // The cursor moved to `row`: the row's fields show it.
+  void selectRow(int row);
   int tableVersion = 0;  // changes whenever rows come or go, so the view rebuilds its table
   std::string cell(int row, int column) const;
   void setCell(int row, int column, const std::string& text);
@@ -45,6 +58,7 @@ class frmTownship : public FormModel {
   std::vector<int> stoppedLines;
 
   void btnOpenPlan_Click();
+  SectionPlan* selected();
   void btnSavePlan_Click();
   void btnRun_Click();
 };

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <QGridLayout>
+#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -51,7 +53,27 @@ class TownshipView : public FormDialog {
       if (filling_) return;
       form().setCell(item->row(), item->column(), item->text().trimmed().toStdString());
     });
-    connect(table_, &QTableWidget::currentCellChanged, this, [this](int row) { form().currentRow = row; });
+    connect(table_, &QTableWidget::currentCellChanged, this, [this](int row) {
+      if (row != form().currentRow) binder_->run([this, row] { form().selectRow(row); });
+    });
+
+    // The selected row's meridian and record chains, as the section window names them.
+    QGroupBox* detail = frame("fraRow");
+    auto* fields = new QGridLayout(detail);
+    auto field = [&](const char* captionName, const char* fieldName, int row, int column) {
+      QLabel* l = label(captionName, detail);
+      QLineEdit* e = edit(fieldName, detail);
+      e->setMaximumWidth(QFontMetrics(e->font()).horizontalAdvance("000.0000") + 16);
+      l->setBuddy(e);
+      fields->addWidget(l, row, column * 2);
+      fields->addWidget(e, row, column * 2 + 1);
+    };
+    field("lblPM", "txtPM", 0, 0);
+    const auto& chains = static_cast<frmTownship&>(model_).rowChains;
+    for (std::size_t i = 0; i < chains.size(); ++i)
+      field(("lbl" + chains[i].stem + "chain").c_str(), ("txt" + chains[i].stem + "chain").c_str(), static_cast<int>(i / 4),
+            static_cast<int>(i % 4) + 1);
+    outer->addWidget(detail);
 
     auto* rows = new QHBoxLayout;
     rows->addWidget(button("btnAddSection"));

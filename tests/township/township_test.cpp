@@ -7,6 +7,8 @@
 #include <set>
 
 #include "app/program.h"
+#include "support/recording_shell.h"
+#include "township/frm_township.h"
 #include "support/temp_dir.h"
 
 namespace tervalo {
@@ -151,6 +153,29 @@ TEST_F(Township, TownshipFilesThatCannotBeWrittenStillReportEverySection) {
   EXPECT_EQ(out.result["sections"].size(), 4u);
   EXPECT_NE(out.result["fault"].get<std::string>().find("Township.xml"), std::string::npos) << out.result["fault"];
   EXPECT_NE(out.summary.back().find("could not all be written"), std::string::npos);
+}
+
+// The table has no room for a row's meridian and chains: the selected
+// row's fields show and edit them.
+TEST(TownshipWindow, TheSelectedRowShowsAndEditsItsMeridianAndChains) {
+  TempDir dir;
+  testing::RecordingShell shell;
+  Program program{shell, dir.folder()};
+  auto& window = program.form<frmTownship>("frmTownship");
+  window.plan = readPlanFile(kExamples + "township.plan.json");
+  window.selectRow(1);
+  EXPECT_EQ(window.fraRow.caption, "Row 2 (section 13)");
+  EXPECT_EQ(window.rowChains[0].caption.caption, "N 1/4 mile on W line");
+  EXPECT_EQ(window.rowChains[0].text.text, "20.25");
+  window.typeText("txtNofWchain", "20.5");
+  window.typeText("txtSofWchain", "");
+  window.typeText("txtPM", "5");
+  EXPECT_EQ(window.plan.sections[1].chains.at("NofW"), "20.5");
+  EXPECT_EQ(window.plan.sections[1].chains.count("SofW"), 0u);  // empty: the section window's own default
+  EXPECT_EQ(window.plan.sections[1].meridian, "5");
+  window.selectRow(0);
+  EXPECT_EQ(window.rowChains[0].text.text, "");
+  EXPECT_EQ(window.txtPM.text, "");
 }
 
 TEST(TownshipPlanFile, RefusedWithWhereAndReadBackAsWritten) {

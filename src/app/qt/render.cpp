@@ -97,6 +97,7 @@ void fillExamples(Program& program) {
   township.txtSource.text = township.plan.source;
   ++township.tableVersion;
   township.setCell(1, 4, "517601.886 289872.136");
+  township.selectRow(1);  // section 13, its chains shown
   township.click("btnRun");
 }
 
