@@ -54,9 +54,12 @@ class SecSubView : public FormDialog {
     options->addWidget(check("chkLengths", sidePanel));
     options->addWidget(check("chkWhy", sidePanel));
     side->addLayout(options);
+    // In two rows, so that the drawing's side can be narrow beside the form.
+    auto* inputs = new QHBoxLayout;
+    inputs->addWidget(button("btnOpenInputs"));
+    inputs->addWidget(button("btnSaveInputs"));
+    side->addLayout(inputs);
     auto* files = new QHBoxLayout;
-    files->addWidget(button("btnOpenInputs"));
-    files->addWidget(button("btnSaveInputs"));
     files->addWidget(button("btnSaveDrawing"));
     files->addWidget(button("btnExport"));
     files->addWidget(button("btnPrint"));
@@ -82,13 +85,44 @@ class SecSubView : public FormDialog {
     binder_->onRefresh();
 
     // As large as the content wants, within the screen: it scrolls, never clips.
+    content_ = content;
+    side_ = sidePanel;
     const QSize want(content->sizeHint().width() + 420, content->sizeHint().height() + 40);
     const QRect screen = QGuiApplication::primaryScreen() ? QGuiApplication::primaryScreen()->availableGeometry()
                                                           : QRect(0, 0, 1366, 768);
     resize(want.boundedTo(screen.size() - QSize(20, 40)));
-    // The drawing keeps what the form does not need, until the user drags the splitter.
-    split->setSizes({content->sizeHint().width() + 20, std::max(420, width() - content->sizeHint().width() - 40)});
+    share();
   }
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override {
+    FormDialog::resizeEvent(event);
+    share();
+  }
+
+ private:
+  // The form keeps its whole width beside the drawing where the window is
+  // wide enough; in a narrower one (a 1024 by 768 screen) the drawing and
+  // the buttons go below the form, so that nothing of the form needs a
+  // sideways scroll. The drawing keeps what the form does not need, until
+  // the user drags the splitter.
+  void share() {
+    if (!split || !content_) return;
+    // The least width the form takes without a sideways scroll, with room for its own scroll bar.
+    const int formWidth = content_->minimumSizeHint().width() + 24;
+    const bool beside = split->width() >= formWidth + split->handleWidth() + side_->minimumSizeHint().width();
+    const Qt::Orientation wanted = beside ? Qt::Horizontal : Qt::Vertical;
+    if (split->orientation() == wanted && shared_) return;
+    shared_ = true;
+    split->setOrientation(wanted);
+    drawing_->setMinimumSize(beside ? QSize(340, 340) : QSize(200, 160));
+    if (beside)
+      split->setSizes({formWidth, std::max(420, width() - formWidth - 20)});
+    else
+      split->setSizes({std::max(200, height() - side_->minimumSizeHint().height() - 120), side_->minimumSizeHint().height() + 100});
+  }
+
+ public:
 
  private:
   QGroupBox* sectionData(QWidget* parent) {
@@ -210,6 +244,9 @@ class SecSubView : public FormDialog {
 
   PictureView* drawing_ = nullptr;
   QSplitter* split = nullptr;
+  QWidget* content_ = nullptr;
+  QWidget* side_ = nullptr;
+  bool shared_ = false;
 };
 
 }  // namespace

@@ -126,6 +126,23 @@ class Keyboard : public QObject, testing::DesktopFixture {
     QVERIFY(at("txt0pn") < at("txt0xc") && at("txt0xc") < at("txt0pd") && at("txt0pd") < at("txt1pn"));
   }
 
+  // A 1024 by 768 screen with fresh settings: the drawing gives way, and
+  // East/West, P.M. and the right column are there without a sideways scroll.
+  void theSectionFormFitsA1024Screen() {
+    auto& form = program->form("frmSecSub");
+    std::unique_ptr<QDialog> view(shell->makeView(form, nullptr));
+    view->resize(1004, 700);
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    auto* scroll = view->findChild<QScrollArea*>();
+    QVERIFY(!scroll->horizontalScrollBar()->isVisible());
+    for (const char* name : {"optEast", "optWest", "txtPM", "txt4pn", "txt24pd"}) {
+      auto* w = view->findChild<QWidget*>(name);
+      const QRect at(w->mapTo(scroll->viewport(), QPoint(0, 0)), w->size());
+      QVERIFY2(at.left() >= 0 && at.right() <= scroll->viewport()->width(), name);
+    }
+  }
+
   // Section 99 refused as the field is left by Tab: the cursor goes back to
   // it with the text selected, so typing on mends it and fills nothing after it.
   void theCursorWaitsWhereTheFaultIs() {

@@ -245,6 +245,11 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
     taken.push_back(paintScaleBar(painter, area, captionTop, frame.scale, frame.width, picture.mapUnits, metrics, mainInk));
     painter.restore();
   }
+  // The caption's lines are written on too.
+  for (std::size_t i = 0; i < caption.size(); ++i) {
+    const double w = metrics.horizontalAdvance(caption[i]);
+    taken.emplace_back(area.center().x() - w / 2, captionTop + metrics.height() * static_cast<double>(i), w, metrics.height());
+  }
   for (const PlacedLabel& label : placeLabels(picture, frame, area, metrics, taken)) {
     const PictureText& t = picture.texts[label.index];
     painter.setPen(inkColor(t.ink, palette));

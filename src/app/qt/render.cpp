@@ -205,6 +205,8 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     // Every chain field shown: the form's widest content, still within the laptop screen.
     form.setChecked("chkDefaults", false);
     failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-all-chains", laptop) ? 0 : 1;
+    // A 1024 by 768 screen: the form keeps its width, the drawing gives way.
+    failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-1024", QSize(1004, 700)) ? 0 : 1;
   }
   return failures == 0 ? 0 : 1;
 }
