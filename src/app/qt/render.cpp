@@ -43,7 +43,7 @@ bool save(QWidget& w, const QString& dir, const std::string& name, QSize size = 
 void fillExamples(Program& program) {
   auto& main = program.form<frmMain>("frmMain");
   main.click("mnuSecSub");
-  main.txtInFile.text = "examples/section14.sdms";
+  main.dropFiles("txtInFile", {"examples/section14.sdms"});  // read at once: the notice says what it gave
 
   auto& header = program.form<frmHeader>("frmHeader");
   header.txtSP.text = "8821-114";
@@ -205,6 +205,13 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     // Every chain field shown: the form's widest content, still within the laptop screen.
     form.setChecked("chkDefaults", false);
     failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-all-chains", laptop) ? 0 : 1;
+    // Numbers that are not plain: each field says what it reads as.
+    auto& vertical = program.form("frmVertCurve");
+    vertical.typeText("txtEntryGrade", "");
+    vertical.typeText("txtExitGrade", "2,5");
+    failures += saveView(program, shell, main, dir, "frmVertCurve", "frmVertCurve-numbers") ? 0 : 1;
+    vertical.typeText("txtEntryGrade", "-2");
+    vertical.typeText("txtExitGrade", "2");
     // A 1024 by 768 screen: the form keeps its width, the drawing gives way.
     failures += saveView(program, shell, main, dir, "frmSecSub", "frmSecSub-1024", QSize(1004, 700)) ? 0 : 1;
   }
