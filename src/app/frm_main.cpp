@@ -53,7 +53,10 @@ frmMain::frmMain(Program& program)
     mnuRecentFiles[i].parent = "mnuRecent";
     add("mnuRecent" + std::to_string(i + 1), mnuRecentFiles[i]).click([this, i] { openRecent(i); });
   }
-  add("mnuPrevious", mnuPrevious).click([this] { mnuPrevious_Click(); });
+  add("mnuPrevious", mnuPrevious).click([this] {
+    mnuPrevious_Click();
+    showRecent();
+  });
   add("mnuHistory", mnuHistory);
   for (std::size_t i = 0; i < mnuHistoryFiles.size(); ++i) {
     mnuHistoryFiles[i].parent = "mnuHistory";

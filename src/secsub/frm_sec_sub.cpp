@@ -43,11 +43,11 @@ std::filesystem::path outputPath(TextBox& field, const std::string& dataFolder, 
 frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Section Subdivision") {
   add("Frame24", Frame24);
   add("lblSection", lblSection);
-  add("txtSection", txtSection).numeric(true).lostFocus([this] { txtSection_LostFocus(); });
+  add("txtSection", txtSection).numeric().lostFocus([this] { txtSection_LostFocus(); });
   add("lblTownship", lblTownship);
-  add("txtTwp", txtTwp).numeric(true).lostFocus([this] { applyTownshipRules(); });
+  add("txtTwp", txtTwp).numeric().lostFocus([this] { applyTownshipRules(); });
   add("lblRange", lblRange);
-  add("txtRange", txtRange).numeric(true).lostFocus([this] { applyTownshipRules(); });
+  add("txtRange", txtRange).numeric().lostFocus([this] { applyTownshipRules(); });
   add("optEast", optEast, "direction");
   add("optWest", optWest, "direction");
   add("lblPM", lblPM);

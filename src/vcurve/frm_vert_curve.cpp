@@ -93,7 +93,7 @@ frmVertCurve::frmVertCurve(Program& program)
   add("lblElevation", lblElevation);
   add("txtElevation", txtElevation).numeric(true);
   add("lblLength", lblLength);
-  add("txtLength", txtLength).numeric(true);
+  add("txtLength", txtLength).numeric();  // empty is refused with its own box
   add("lblStartStation", lblStartStation);
   add("lblStartStation2", lblStartStation2);
   add("txtStartStation", txtStartStation);
