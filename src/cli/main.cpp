@@ -13,6 +13,7 @@
 #include "app/program.h"
 #include "app/runner.h"
 #include "cli/points_command.h"
+#include "cli/restore_command.h"
 #include "township/township.h"
 #include "text/errors.h"
 
@@ -123,6 +124,14 @@ int run(int argc, char** argv) {
   townshipCmd->add_option("--today", township.today, "The date for reports, as YYYY-MM-DD");
   townshipCmd->add_option("--data-dir", township.dataDir, "The data folder the sections' and township's files go to");
 
+  RunOptionsCli restore;
+  auto* restoreCmd =
+      app.add_subcommand("restore", "Restore the lost corners of a restoration file by proportionate measurement.");
+  restoreCmd->add_option("file", restore.job, "The restoration file (JSON)")->required();
+  restoreCmd->add_flag("--json", restore.json, "Print the whole result as JSON on standard output");
+  restoreCmd->add_option("--today", restore.today, "The date for the report, as YYYY-MM-DD");
+  restoreCmd->add_option("--data-dir", restore.dataDir, "The data folder the report and the restored corners go to");
+
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
   pointsCmd->add_option("file", pointsFile, "The coordinate file")->required();
@@ -136,6 +145,13 @@ int run(int argc, char** argv) {
   if (runCmd->parsed()) return runCommand(run);
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
+  if (restoreCmd->parsed()) {
+    int status = 0;
+    const auto options = runOptions(restore, status);
+    if (!options) return status;
+    return tervalo::restoreCommand(restore.job, restore.json, options->dataFolder, options->today.value_or(tervalo::localToday()),
+                                   std::cout, std::cerr);
+  }
   return kUsage;
 }
 

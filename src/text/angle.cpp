@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "text/errors.h"
 #include "text/format.h"
 #include "text/number.h"
 
@@ -60,6 +61,24 @@ std::string decimalToDmsCarried(double degrees) {
   const double seconds = (hundredths - whole * 360000.0 - minutes * 6000.0) / 100.0;
   return std::string(degrees < 0 && hundredths > 0 ? "-" : "") + Format(whole, "00") + "\u00B0" + Format(minutes, "00") +
          "'" + Format(seconds, "00.00") + "\"";
+}
+
+std::optional<double> angleFromText(const std::string& text) try {
+  std::string t = text;
+  t.erase(0, t.find_first_not_of(' '));
+  t.erase(t.find_last_not_of(' ') + 1);
+  const auto dash = t.find('-', 1);  // a leading "-" is a sign
+  if (dash == std::string::npos) return strictNumber(t);
+  const auto second = t.find('-', dash + 1);
+  if (second == std::string::npos) return std::nullopt;
+  const auto d = strictNumber(t.substr(0, dash)), m = strictNumber(t.substr(dash + 1, second - dash - 1)),
+             s = strictNumber(t.substr(second + 1));
+  if (!d || !m || !s || *m < 0 || *m >= 60 || *s < 0 || *s >= 60 || *m != std::floor(*m) || *d != std::floor(*d))
+    return std::nullopt;
+  const double magnitude = std::fabs(*d) + *m / 60 + *s / 3600;
+  return t.front() == '-' ? -magnitude : magnitude;
+} catch (const RunTimeError&) {  // a number beyond a double is no angle
+  return std::nullopt;
 }
 
 }  // namespace tervalo

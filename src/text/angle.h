@@ -1,6 +1,7 @@
 #pragma once
 // Angles typed packed as "ddd.mmssss" and shown as 12°34'56.78".
 
+#include <optional>
 #include <string>
 
 namespace tervalo {
@@ -23,5 +24,11 @@ std::string decimalToDms(double degrees);
 // (12.9999999 shows 13°00'00.00"). For the report pages of this program's
 // own design; the fields and stored texts keep decimalToDms.
 std::string decimalToDmsCarried(double degrees);
+
+// Degrees of an angle typed in the text forms of field notes and files:
+// degrees, minutes and seconds joined by hyphens ("45-30-15", "95-10-30.5";
+// minutes and seconds below 60) or decimal degrees ("45.504167"). Nothing
+// for any other text.
+std::optional<double> angleFromText(const std::string& text);
 
 }  // namespace tervalo

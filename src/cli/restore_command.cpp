@@ -1,0 +1,49 @@
+#include "cli/restore_command.h"
+
+#include <filesystem>
+#include <ostream>
+
+#include "app/json_text.h"
+#include "app/output_file.h"
+#include "app/runner.h"
+#include "restore/restoration_file.h"
+#include "text/errors.h"
+
+namespace tervalo {
+
+int restoreCommand(const std::string& name, bool json, const std::string& dataFolder, const Date& today, std::ostream& out,
+                   std::ostream& err) {
+  RestorationFile file;
+  try {
+    file = readRestorationFile(name);
+  } catch (const RestorationFileError& e) {
+    err << "tervalo-cli: " << name << ": " << e.what() << "\n";
+    return kExitUsage;
+  }
+  nlohmann::ordered_json messages = nlohmann::ordered_json::array(), files = nlohmann::ordered_json::array();
+  RestorationRun run;
+  try {
+    run = runRestoration(file, formatShortDate(today));
+    const auto [report, points] = restorationOutputs(dataFolder, std::filesystem::path(name).stem().string());
+    std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> written{{report, run.report}};
+    if (!run.points.empty()) written.emplace_back(points, run.points);
+    writeTextFiles(written);
+    for (const auto& [path, lines] : written) files.push_back(std::filesystem::absolute(path).string());
+  } catch (const RestorationFileError& e) {
+    messages.push_back(e.what());
+  } catch (const RunTimeError& e) {
+    messages.push_back(std::string("Run-time Error: ") + e.what());
+  }
+  run.result["messages"] = messages;
+  run.result["files"] = files;
+  if (json) {
+    out << jsonText(run.result) << "\n";
+  } else {
+    for (const auto& line : run.report) out << line << "\n";
+    for (const auto& m : messages) err << m.get<std::string>() << "\n";
+    for (const auto& f : files) out << "Written: " << f.get<std::string>() << "\n";
+  }
+  return messages.empty() && run.allRestored() ? 0 : kExitEnded;
+}
+
+}  // namespace tervalo

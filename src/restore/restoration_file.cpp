@@ -1,0 +1,267 @@
+#include "restore/restoration_file.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "app/json_text.h"
+#include "points/readers.h"
+#include "text/angle.h"
+#include "text/errors.h"
+#include "text/format.h"
+#include "text/input_file.h"
+#include "text/justify.h"
+#include "text/number.h"
+
+namespace tervalo {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kDirections[] = {"north", "south", "east", "west"};
+
+void refuseUnknown(const Json& object, std::initializer_list<const char*> known, const std::string& where) {
+  for (const auto& item : object.items())
+    if (std::none_of(known.begin(), known.end(), [&item](const char* k) { return item.key() == k; }))
+      throw RestorationFileError(where + ": unknown key \"" + item.key() + "\"");
+}
+
+double numberAt(const Json& value, const std::string& where, const std::string& what) {
+  if (value.is_number()) return value.get<double>();
+  if (value.is_string())
+    if (const auto v = strictNumber(value.get<std::string>())) return *v;
+  throw RestorationFileError(where + ": \"" + what + "\" must be a number");
+}
+
+// Degrees as a number or in the angle text forms ("45-30-15").
+double angleAt(const Json& value, const std::string& where, const std::string& what) {
+  if (value.is_number()) return value.get<double>();
+  if (value.is_string())
+    if (const auto v = angleFromText(value.get<std::string>())) return *v;
+  throw RestorationFileError(where + ": \"" + what + "\" must be an angle in degrees (45.5 or \"45-30-00\")");
+}
+
+std::string textAt(const Json& value, const std::string& where, const std::string& what) {
+  if (value.is_string()) return value.get<std::string>();
+  if (value.is_number()) return jsonText(value);
+  throw RestorationFileError(where + ": \"" + what + "\" must be a text");
+}
+
+ControlEntry controlAt(const Json& c, const std::string& where) {
+  if (!c.is_object()) throw RestorationFileError(where + " must be an object");
+  refuseUnknown(c, {"point", "x", "y", "record"}, where);
+  ControlEntry control;
+  if (c.contains("point")) control.point = textAt(c["point"], where, "point");
+  if (c.contains("x") || c.contains("y")) {
+    if (!c.contains("x") || !c.contains("y")) throw RestorationFileError(where + ": typed coordinates need both \"x\" and \"y\"");
+    control.at = Position{numberAt(c["x"], where, "x"), numberAt(c["y"], where, "y")};
+  }
+  if (control.point.empty() && !control.at) throw RestorationFileError(where + ": give a \"point\" number or \"x\" and \"y\"");
+  if (!c.contains("record")) throw RestorationFileError(where + ": \"record\" (the record distance in chains) is required");
+  control.record = numberAt(c["record"], where, "record");
+  return control;
+}
+
+std::optional<ControlEntry>& controlOf(CornerEntry& c, int k) { return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west; }
+const std::optional<ControlEntry>& controlOf(const CornerEntry& c, int k) {
+  return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west;
+}
+std::optional<Control>& controlOf(LostCorner& c, int k) { return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west; }
+
+std::string coordinate(double v) { return Format(v, "#######0.0000"); }
+
+}  // namespace
+
+RestorationFile parseRestoration(const std::string& text) {
+  Json json;
+  try {
+    json = parseStrictJson(text);
+  } catch (const JsonTextError& e) {
+    throw RestorationFileError(std::string("not valid JSON: ") + e.what());
+  }
+  if (!json.is_object()) throw RestorationFileError("a restoration file is a JSON object");
+  refuseUnknown(json, {"version", "units", "basis", "source", "corners", "crs"}, "the file");
+  const Json version = json.value("version", Json(std::uint64_t{kRestorationVersion}));
+  if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw RestorationFileError("\"version\" must be 1");
+  if (version.get<std::uint64_t>() > kRestorationVersion)
+    throw RestorationFileError("the file comes from a newer Tervalo (version " + jsonText(version) + ")");
+  RestorationFile file;
+  file.units = textAt(json.value("units", Json("ft")), "the file", "units");
+  if (file.units != "ft" && file.units != "m") throw RestorationFileError("\"units\" is \"ft\" or \"m\"");
+  if (json.contains("basis")) file.basis = angleAt(json["basis"], "the file", "basis");
+  if (json.contains("source")) file.source = textAt(json["source"], "the file", "source");
+  if (json.contains("crs")) file.crs = json["crs"];
+  const Json corners = json.value("corners", Json::array());
+  if (!corners.is_array() || corners.empty()) throw RestorationFileError("\"corners\" must list at least one corner");
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    const Json& c = corners[i];
+    std::string where = "corner " + std::to_string(i + 1);
+    if (!c.is_object()) throw RestorationFileError(where + " must be an object");
+    CornerEntry corner;
+    if (c.contains("name")) corner.name = textAt(c["name"], where, "name");
+    if (!corner.name.empty()) where += " (" + corner.name + ")";
+    refuseUnknown(c, {"name", "method", "index", "north", "south", "east", "west", "azimuth"}, where);
+    if (c.contains("method")) {
+      const std::string name = textAt(c["method"], where, "method");
+      const auto method = methodNamed(name);
+      if (!method)
+        throw RestorationFileError(where + ": \"method\" is auto, single, double, three-point, two-point or one-point, not \"" +
+                                   name + "\"");
+      corner.method = *method;
+    }
+    if (c.contains("index")) corner.index = numberAt(c["index"], where, "index");
+    if (c.contains("azimuth")) corner.azimuth = angleAt(c["azimuth"], where, "azimuth");
+    for (int k = 0; k < 4; ++k)
+      if (c.contains(kDirections[k])) controlOf(corner, k) = controlAt(c[kDirections[k]], where + " " + kDirections[k]);
+    file.corners.push_back(std::move(corner));
+  }
+  return file;
+}
+
+RestorationFile readRestorationFile(const std::string& name) {
+  std::string text;
+  try {
+    text = readInputFile(name);
+  } catch (const InputFileError& e) {
+    throw RestorationFileError("\"" + name + "\" " + e.what());
+  }
+  RestorationFile file = parseRestoration(text);
+  const std::filesystem::path source(file.source);
+  if (!file.source.empty() && source.is_relative())
+    file.source = (std::filesystem::path(name).parent_path() / source).lexically_normal().string();
+  return file;
+}
+
+std::string restorationText(const RestorationFile& file) {
+  Json corners = Json::array();
+  for (const CornerEntry& c : file.corners) {
+    Json corner{{"name", c.name}, {"method", methodName(c.method)}, {"index", c.index}};
+    if (c.azimuth) corner["azimuth"] = *c.azimuth;
+    for (int k = 0; k < 4; ++k)
+      if (const auto& control = controlOf(c, k)) {
+        Json j = Json::object();
+        if (!control->point.empty()) j["point"] = control->point;
+        if (control->at) j["x"] = control->at->x, j["y"] = control->at->y;
+        j["record"] = control->record;
+        corner[kDirections[k]] = j;
+      }
+    corners.push_back(corner);
+  }
+  Json json{{"version", kRestorationVersion}, {"units", file.units}, {"basis", file.basis}};
+  if (!file.source.empty()) json["source"] = file.source;
+  if (!file.crs.is_null()) json["crs"] = file.crs;
+  json["corners"] = corners;
+  return jsonText(json) + "\n";
+}
+
+bool RestorationRun::allRestored() const {
+  return std::all_of(corners.begin(), corners.end(), [](const CornerOutcome& c) { return c.restored.has_value(); });
+}
+
+RestorationRun runRestoration(const RestorationFile& file, const std::string& today) {
+  // The source, read whole by the program's readers: controls by number come from it.
+  PointList points = PointList::unbounded();
+  if (!file.source.empty()) {
+    try {
+      FormatFlags formats;
+      getFileFormat(file.source, formats);
+      readFile(file.source, formats, points);
+    } catch (const ProgramFault& e) {
+      throw RestorationFileError("the source file \"" + file.source + "\" cannot be read: " + e.what());
+    }
+  }
+  const auto lookUp = [&points](const std::string& number) -> std::optional<Position> {
+    for (const std::string& wanted : {number, upper(number)})
+      for (const PointRecord& p : points.records)
+        if (p.name == wanted) return Position{p.x, p.y};
+    return std::nullopt;
+  };
+
+  RestorationRun run;
+  Json corners = Json::array(), refused = Json::array();
+  const double chain = file.chain();
+  const char* unit = file.units == "m" ? "m" : "ft";
+  run.report = {"                RESTORATION OF LOST CORNERS", "",
+                "  Source: " + (file.source.empty() ? std::string("(typed coordinates)") : file.source),
+                "  Date: " + today + "    Units: " + (file.units == "m" ? "metres (chain 20.1168 m)" : "feet (chain 66 ft)") +
+                    "    Basis: " + decimalToDmsCarried(file.basis) + " from grid north to true north",
+                ""};
+  for (const CornerEntry& entry : file.corners) {
+    CornerOutcome outcome;
+    outcome.name = entry.name;
+    outcome.corner = {entry.name, entry.method, entry.index, {}, {}, {}, {}, entry.azimuth};
+    try {
+      for (int k = 0; k < 4; ++k) {
+        const auto& given = controlOf(entry, k);
+        if (!given) continue;
+        Control control{given->point, {}, given->record};
+        if (given->at) {
+          control.at = *given->at;
+        } else if (const auto found = lookUp(given->point)) {
+          control.at = *found;
+        } else {
+          throw RestoreError(std::string("the ") + kDirections[k] + " control names point " + given->point + ", which is " +
+                             (file.source.empty() ? "in no source file (the file names none)" : "not in the source file"));
+        }
+        controlOf(outcome.corner, k) = control;
+      }
+      outcome.restored = restoreCorner(outcome.corner, file.basis, chain);
+    } catch (const RestoreError& e) {
+      outcome.refused = e.what();
+    }
+
+    // The report: the corner, its controls, record and measured distances, the ratio, the rule and the result.
+    run.report.push_back("  " + leftJustify(entry.name, 40) +
+                         (outcome.restored ? std::string(methodName(outcome.restored->method)) + " proportion" : "REFUSED"));
+    run.report.push_back("     " + leftJustify("Control", 8) + " " + leftJustify("Point", 8) + rightJustify("X", 14) + " " +
+                         rightJustify("Y", 14) + rightJustify("Record ch", 12) + rightJustify("Measured ch", 13) +
+                         rightJustify("Ratio", 9));
+    for (int k = 0; k < 4; ++k) {
+      const auto& c = controlOf(outcome.corner, k);
+      if (!c) continue;
+      std::string line = "     " + leftJustify(kDirections[k], 8) + " " + leftJustify(c->point, 8) + rightJustify(coordinate(c->at.x), 14) +
+                         " " + rightJustify(coordinate(c->at.y), 14) + rightJustify(Format(c->record, "0.00"), 12);
+      if (outcome.restored) {
+        const double measured = std::hypot(c->at.x - outcome.restored->at.x, c->at.y - outcome.restored->at.y) / chain;
+        line += rightJustify(Format(measured, "0.000"), 13) + rightJustify(Format(measured / c->record, "0.00000"), 9);
+      }
+      run.report.push_back(line);
+    }
+    if (outcome.restored) {
+      for (const TemporaryPoint& t : outcome.restored->temporary)
+        run.report.push_back("     Temporary point " + leftJustify(t.name, 24) + rightJustify(coordinate(t.at.x), 14) + " " +
+                             rightJustify(coordinate(t.at.y), 14));
+      run.report.push_back("     Restored                 " + rightJustify(coordinate(outcome.restored->at.x), 14) + " " +
+                           rightJustify(coordinate(outcome.restored->at.y), 14) + "  " + unit);
+      run.report.push_back("     By " + outcome.restored->text + ".");
+      // The points file knows no quoting: a comma or semicolon in a name becomes a blank.
+      std::string pointName = entry.name;
+      std::replace_if(pointName.begin(), pointName.end(), [](char ch) { return ch == ',' || ch == ';'; }, ' ');
+      run.points.push_back(pointName + "," + Format(outcome.restored->at.x, "0.0000") + "," +
+                           Format(outcome.restored->at.y, "0.0000") + ",RES,RESTORED " +
+                           upper(methodName(outcome.restored->method)) + " PROPORTION");
+      Json temporary = Json::array();
+      for (const TemporaryPoint& t : outcome.restored->temporary)
+        temporary.push_back(Json{{"name", t.name}, {"x", t.at.x}, {"y", t.at.y}});
+      corners.push_back(Json{{"name", entry.name},
+                             {"x", outcome.restored->at.x},
+                             {"y", outcome.restored->at.y},
+                             {"method", methodName(outcome.restored->method)},
+                             {"temporary", temporary},
+                             {"text", outcome.restored->text}});
+    } else {
+      run.report.push_back("     Not restored: " + outcome.refused + ".");
+      refused.push_back(Json{{"name", entry.name}, {"reason", outcome.refused}});
+    }
+    run.report.emplace_back("");
+    run.corners.push_back(std::move(outcome));
+  }
+  run.result = Json{{"corners", corners}, {"refused", refused}};
+  return run;
+}
+
+std::pair<std::filesystem::path, std::filesystem::path> restorationOutputs(const std::filesystem::path& folder,
+                                                                           const std::string& stem) {
+  return {folder / (stem + "-restored.rpt"), folder / (stem + "-restored.txt")};
+}
+
+}  // namespace tervalo
