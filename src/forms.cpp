@@ -10,6 +10,7 @@
 #include "grading/frm_grade.h"
 #include "hcurve/frm_horz_curve.h"
 #include "proportion/frm_prop.h"
+#include "restore/frm_restore.h"
 #include "secsub/frm_sec_sub.h"
 #include "township/frm_township.h"
 #include "vcurve/frm_vert_curve.h"
@@ -45,6 +46,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmProp", [](Program& p) { return std::make_unique<frmProp>(p); });
   registry.addCalculator({"proportion", "mnuMprop", "frmProp", [](Program& p) { p.shell().showModal(p.form("frmProp")); }});
   registry.addForm("frmTownship", [](Program& p) { return std::make_unique<frmTownship>(p); });
+  registry.addForm("frmRestore", [](Program& p) { return std::make_unique<frmRestore>(p); });
   return registry;
 }
 

@@ -6,6 +6,7 @@
 #include "grading/grade_view.h"
 #include "hcurve/horz_curve_view.h"
 #include "proportion/prop_view.h"
+#include "restore/restore_view.h"
 #include "secsub/sec_sub_view.h"
 #include "township/township_view.h"
 #include "vcurve/vert_curve_view.h"
@@ -26,6 +27,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmGrade", makeGradeView);
   shell.addView("frmGradeOut", makeOutputView);
   shell.addView("frmTownship", makeTownshipView);
+  shell.addView("frmRestore", makeRestoreView);
 }
 
 }  // namespace tervalo

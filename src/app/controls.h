@@ -15,7 +15,7 @@ struct TextBox {
   bool enabled = true;
   // What the window says of the field beside its text (a point number not
   // found in the point list); shown as its tip, with a warning tint.
-  std::string note;
+  std::string note{};
 };
 
 struct Label {

@@ -47,6 +47,10 @@ frmMain::frmMain(Program& program)
     if (this->program().registry().hasForm("frmTownship")) shell().showModal(this->program().form("frmTownship"));
     showRecent();
   });
+  add("mnuRestore", mnuRestore).click([this] {
+    if (this->program().registry().hasForm("frmRestore")) shell().showModal(this->program().form("frmRestore"));
+    showRecent();
+  });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);
   for (std::size_t i = 0; i < mnuRecentFiles.size(); ++i) {

@@ -46,10 +46,10 @@ std::string textAt(const Json& value, const std::string& where, const std::strin
   throw RestorationFileError(where + ": \"" + what + "\" must be a text");
 }
 
-ControlEntry controlAt(const Json& c, const std::string& where) {
+GivenControl controlAt(const Json& c, const std::string& where) {
   if (!c.is_object()) throw RestorationFileError(where + " must be an object");
   refuseUnknown(c, {"point", "x", "y", "record"}, where);
-  ControlEntry control;
+  GivenControl control;
   if (c.contains("point")) control.point = textAt(c["point"], where, "point");
   if (c.contains("x") || c.contains("y")) {
     if (!c.contains("x") || !c.contains("y")) throw RestorationFileError(where + ": typed coordinates need both \"x\" and \"y\"");
@@ -61,8 +61,8 @@ ControlEntry controlAt(const Json& c, const std::string& where) {
   return control;
 }
 
-std::optional<ControlEntry>& controlOf(CornerEntry& c, int k) { return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west; }
-const std::optional<ControlEntry>& controlOf(const CornerEntry& c, int k) {
+std::optional<GivenControl>& controlOf(CornerEntry& c, int k) { return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west; }
+const std::optional<GivenControl>& controlOf(const CornerEntry& c, int k) {
   return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west;
 }
 std::optional<Control>& controlOf(LostCorner& c, int k) { return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west; }

@@ -25,7 +25,7 @@ class RestorationFileError : public std::runtime_error {
 inline constexpr int kRestorationVersion = 1;
 
 // A control as the file gives it: a point number, or X and Y.
-struct ControlEntry {
+struct GivenControl {
   std::string point;
   std::optional<Position> at;
   double record = 0;
@@ -35,7 +35,7 @@ struct CornerEntry {
   std::string name;
   RestoreMethod method = RestoreMethod::Auto;
   double index = 1;
-  std::optional<ControlEntry> north{}, south{}, east{}, west{};
+  std::optional<GivenControl> north{}, south{}, east{}, west{};
   std::optional<double> azimuth{};  // degrees, one-point control
 };
 

@@ -22,6 +22,7 @@
 #include "vcurve/frm_vert_curve.h"
 #include "secsub/frm_sec_sub.h"
 #include "text/errors.h"
+#include "restore/frm_restore.h"
 #include "township/frm_township.h"
 
 namespace tervalo {
@@ -99,6 +100,11 @@ void fillExamples(Program& program) {
   township.setCell(1, 4, "517601.886 289872.136");
   township.selectRow(1);  // section 13, its chains shown
   township.click("btnRun");
+
+  // The example restoration: the section corner 13-14-23-24 by double proportion.
+  auto& restore = program.form<frmRestore>("frmRestore");
+  restore.setFile(readRestorationFile("examples/section14.restore.json"));
+  restore.click("btnRestore");
 }
 
 // A dark theme as a desktop's dark colour scheme gives one.
@@ -155,7 +161,7 @@ bool saveView(Program& program, QtShell& shell, QWidget& main, const QString& di
 
 int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QString& dir) {
   // The windows are filled from the project's examples, by names relative to its top folder.
-  for (const char* example : {"examples/section14.sdms", "examples/township.plan.json"})
+  for (const char* example : {"examples/section14.sdms", "examples/township.plan.json", "examples/section14.restore.json"})
     if (!std::filesystem::is_regular_file(example)) {
       std::cerr << "tervalo: --render-windows fills the windows from the project's examples, but " << example
                 << " is not in the working folder (" << std::filesystem::current_path().string()

@@ -1,0 +1,128 @@
+#include "restore/restore_view.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "app/qt/binder.h"
+#include "app/qt/form_dialog.h"
+#include "app/qt/picture_view.h"
+#include "restore/frm_restore.h"
+
+namespace tervalo {
+namespace {
+
+class RestoreView : public FormDialog {
+ public:
+  RestoreView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto& form = static_cast<frmRestore&>(model_);
+    auto* window = new QHBoxLayout(this);
+    auto* left = new QVBoxLayout;
+    window->addLayout(left, 3);
+    auto* sketch = picture("sketch");
+    window->addWidget(sketch, 2);
+
+    auto* source = new QHBoxLayout;
+    QLabel* sourceCaption = label("lblSource");
+    QLineEdit* sourceName = edit("txtSource");
+    sourceCaption->setBuddy(sourceName);
+    source->addWidget(sourceCaption);
+    source->addWidget(sourceName, 1);
+    source->addWidget(button("btnSource"));
+    left->addLayout(source);
+    auto* frameRow = new QHBoxLayout;
+    frameRow->addWidget(option("optFeet"));
+    frameRow->addWidget(option("optMetres"));
+    QLabel* basis = label("lblBasis");
+    QLineEdit* basisField = edit("txtBasis");
+    basisField->setMaximumWidth(110);
+    basis->setBuddy(basisField);
+    frameRow->addSpacing(20);
+    frameRow->addWidget(basis);
+    frameRow->addWidget(basisField);
+    frameRow->addStretch();
+    left->addLayout(frameRow);
+
+    auto* cornersRow = new QHBoxLayout;
+    auto* listColumn = new QVBoxLayout;
+    QLabel* cornersCaption = label("lblCorners");
+    QListWidget* corners = list("lstCorners", false);
+    cornersCaption->setBuddy(corners);
+    corners->setMinimumWidth(200);
+    listColumn->addWidget(cornersCaption);
+    listColumn->addWidget(corners, 1);
+    auto* listButtons = new QHBoxLayout;
+    listButtons->addWidget(button("btnAddCorner"));
+    listButtons->addWidget(button("btnRemoveCorner"));
+    listColumn->addLayout(listButtons);
+    cornersRow->addLayout(listColumn, 1);
+
+    // The corner the list points at: its name, method and controls.
+    QGroupBox* corner = frame("fraCorner");
+    auto* grid = new QGridLayout(corner);
+    int row = 0;
+    const auto field = [&](const char* caption, QWidget* input, int column) {
+      QLabel* l = label(caption, corner);
+      l->setBuddy(input);
+      grid->addWidget(l, row, column);
+      grid->addWidget(input, row, column + 1, 1, column == 0 ? 2 : 1);
+    };
+    field("lblName", edit("txtName", corner), 0);
+    field("lblMethod", combo("cmbMethod", false, corner), 3);
+    ++row;
+    field("lblIndex", edit("txtIndex", corner), 0);
+    field("lblAzimuth", edit("txtAzimuth", corner), 3);
+    ++row;
+    const char* captions[] = {"lblPointCaption", "lblXCaption", "lblYCaption", "lblRecordCaption"};
+    for (int c = 0; c < 4; ++c) grid->addWidget(label(captions[c], corner), row, c + 1);
+    ++row;
+    for (const auto& f : form.controlFields) {
+      QLabel* l = label(("lbl" + f.direction).c_str(), corner);
+      grid->addWidget(l, row, 0);
+      int column = 1;
+      for (const char* part : {"Point", "X", "Y", "Record"}) {
+        QLineEdit* e = edit(("txt" + f.direction + part).c_str(), corner);
+        if (column == 1) l->setBuddy(e);
+        e->setMinimumWidth(column == 2 || column == 3 ? 110 : 70);
+        grid->addWidget(e, row, column++);
+      }
+      ++row;
+    }
+    cornersRow->addWidget(corner, 3);
+    left->addLayout(cornersRow, 1);
+
+    auto* restoreRow = new QHBoxLayout;
+    QPushButton* restore = button("btnRestore");
+    restore->setDefault(true);
+    restoreRow->addWidget(restore);
+    QLabel* result = label("lblResult");
+    result->setWordWrap(true);
+    result->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    restoreRow->addWidget(result, 1);
+    left->addLayout(restoreRow);
+    auto* files = new QHBoxLayout;
+    files->addWidget(button("btnOpenInputs"));
+    files->addWidget(button("btnSaveInputs"));
+    files->addWidget(button("btnWriteReport"));
+    files->addStretch();
+    files->addWidget(button("btnReturn"));
+    left->addLayout(files);
+    bind();
+    binder_->onRefresh = [this, sketch] { sketch->showPicture(static_cast<const frmRestore&>(model_).sketch()); };
+    binder_->onRefresh();
+    resize(1200, 560);
+  }
+};
+
+}  // namespace
+
+QDialog* makeRestoreView(FormModel& m, QtShell& s, QWidget* p) { return new RestoreView(m, s, p); }
+
+}  // namespace tervalo
