@@ -32,6 +32,7 @@ const char* originName(const CornerOrigin& o) {
     case CornerOrigin::Kind::Absent: return "absent";
     case CornerOrigin::Kind::Typed: return "held";
     case CornerOrigin::Kind::LookedUp: return "looked up";
+    case CornerOrigin::Kind::Restored: return "restored";
     case CornerOrigin::Kind::Computed: break;
   }
   switch (o.rule.kind) {
@@ -49,6 +50,7 @@ std::string explainCorner(const SectionRecord& r, const CornerOrigins& origins, 
     case CornerOrigin::Kind::Absent: return "Not computed: a corner it depends on is missing.";
     case CornerOrigin::Kind::Typed: return "Held as typed.";
     case CornerOrigin::Kind::LookedUp: return "Held: looked up from the point file as point " + o.point + ".";
+    case CornerOrigin::Kind::Restored: return "Held as restored by " + o.restoredBy + ".";
     case CornerOrigin::Kind::Computed: break;
   }
   if (rule.kind == CornerRule::Kind::Intersection)

@@ -17,10 +17,11 @@ namespace tervalo {
 extern const std::array<const char*, slot::count> kSlotTitles;
 
 struct CornerOrigin {
-  enum class Kind { Absent, Typed, LookedUp, Computed };
+  enum class Kind { Absent, Typed, LookedUp, Computed, Restored };
   Kind kind = Kind::Absent;
   std::string point;  // looked up: the point's name in the file
   CornerRule rule;    // computed: how
+  std::string restoredBy;  // restored: the rule in words ("double proportion: northing by ...")
 };
 using CornerOrigins = std::array<CornerOrigin, slot::count>;
 

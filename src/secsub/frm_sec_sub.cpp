@@ -1,5 +1,7 @@
 #include "secsub/frm_sec_sub.h"
 
+#include "restore/frm_restore.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -66,11 +68,15 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   for (int s = 0; s < slot::count; ++s) {
     SlotFields& f = slots[static_cast<std::size_t>(s)];
     const std::string n = "txt" + std::to_string(s);
-    add(n + "pn", f.pn).change([this, s] { pointNumberChanged(s); }).lostFocus([this, s] { pointNumberLeft(s); });
-    add(n + "xc", f.xc).numeric();
-    add(n + "yc", f.yc).numeric();
-    add(n + "pf", f.pf);
-    add(n + "pd", f.pd);
+    const auto left = [this, s] { lastSlot = s; };
+    add(n + "pn", f.pn).change([this, s] { pointNumberChanged(s); }).lostFocus([this, s] {
+      lastSlot = s;
+      pointNumberLeft(s);
+    });
+    add(n + "xc", f.xc).numeric().lostFocus(left);
+    add(n + "yc", f.yc).numeric().lostFocus(left);
+    add(n + "pf", f.pf).lostFocus(left);
+    add(n + "pd", f.pd).lostFocus(left);
   }
   for (std::size_t i = 0; i < chains.size(); ++i) {
     ChainField& c = chains[i];
@@ -89,6 +95,14 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("chkWhy", chkWhy);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
+  add("btnRestoreCorner", btnRestoreCorner).click([this] {
+    if (lastSlot >= 0) {
+      restoreSlot(lastSlot);
+    } else {
+      shell().msgBox("Corner Restoration", "Put the cursor in the slot of the lost corner first, then Restore Corner.",
+                     Icon::Information);
+    }
+  });
   add("btnPrint", btnPrint).click([this] {
     if (hasRun) shell().print({"Section Subdivision Report", report, drawing()});
   });
@@ -219,6 +233,7 @@ void frmSecSub::btnClear_Click() {
   placedBy = {};
   origins = {};
   lookups = {};
+  restorations = {};
   notices = {};
   writtenFiles.clear();
   showNotices({});
@@ -247,6 +262,7 @@ void frmSecSub::addToResult(nlohmann::ordered_json& result) const {
     nlohmann::ordered_json entry{{"slot", s}, {"corner", kSlotTitles[i]}, {"point", record.slots[i].pointNumber},
                                  {"rule", originName(o)}};
     if (o.kind == CornerOrigin::Kind::LookedUp) entry["from_file"] = o.point;
+    if (o.kind == CornerOrigin::Kind::Restored) entry["restored_by"] = o.restoredBy;
     if (o.kind == CornerOrigin::Kind::Computed && o.rule.kind == CornerRule::Kind::Intersection) {
       entry["lines"] = {{o.rule.ends[0], o.rule.ends[1]}, {o.rule.ends[2], o.rule.ends[3]}};
     } else if (o.kind == CornerOrigin::Kind::Computed) {
@@ -291,6 +307,22 @@ void frmSecSub::btnSaveDrawing_Click() {
   const Picture picture = drawing();
   const auto save = [&] { shell().savePicture(picture, file); };
   sayWritten(exportFile(shell(), "Save the Drawing", file, {{".svg", save}, {".png", save}, {".pdf", save}}));
+}
+
+void frmSecSub::restoreSlot(int s) {
+  if (s < 0 || s >= slot::count || !program().registry().hasForm("frmRestore")) return;
+  auto& restore = program().form<frmRestore>("frmRestore");
+  std::string name = std::string(kSlotTitles[static_cast<std::size_t>(s)]);
+  if (!txtSection.text.empty()) name += " SEC " + txtSection.text;
+  restore.openForCorner(name, program().inputFileName);
+  shell().showModal(restore);
+  const auto restored = restore.restoredCorner();
+  if (!restored) return;
+  SlotFields& f = slots[static_cast<std::size_t>(s)];
+  setText(f.xc, coordinateText(restored->at.x));
+  setText(f.yc, coordinateText(restored->at.y));
+  restorations[static_cast<std::size_t>(s)] = std::array<std::string, 3>{restored->text, f.xc.text, f.yc.text};
+  focusRequest = "txt" + std::to_string(s) + "xc";
 }
 
 std::vector<FormModel*> frmSecSub::inputForms() { return {&program().form("frmMain"), this}; }
@@ -528,6 +560,9 @@ void frmSecSub::Main() {
     if (computed[i] && placedBy[i]) {
       o.kind = CornerOrigin::Kind::Computed;
       o.rule = *placedBy[i];
+    } else if (restorations[i] && (*restorations[i])[1] == slots[i].xc.text && (*restorations[i])[2] == slots[i].yc.text) {
+      o.kind = CornerOrigin::Kind::Restored;
+      o.restoredBy = (*restorations[i])[0];
     } else if (lookups[i] && (*lookups[i])[1] == slots[i].xc.text && (*lookups[i])[2] == slots[i].yc.text) {
       o.kind = CornerOrigin::Kind::LookedUp;
       o.point = (*lookups[i])[0];

@@ -76,6 +76,7 @@ class frmSecSub : public FormModel {
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
   Button btnExport{"Export...", true, false};            // once there are corners to export
   Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page
+  Button btnRestoreCorner{"Restore Corner..."};  // the slot the cursor was last in, as a lost corner
 
   SectionRecord record;   // lives as long as the form
   std::vector<std::string> report;  // the last run's report, as written
@@ -86,6 +87,10 @@ class frmSecSub : public FormModel {
   CornerOrigins origins;  // after a run: where every position came from
   // Each slot's last lookup in the point file: its name and the X and Y texts it gave.
   std::array<std::optional<std::array<std::string, 3>>, slot::count> lookups;
+  // Each slot's last restoration: the rule in words and the X and Y texts it gave.
+  std::array<std::optional<std::array<std::string, 3>>, slot::count> restorations;
+  // The slot the cursor was last in, for Restore Corner.
+  int lastSlot = -1;
   RunNotices notices;
   CornerNaming runNaming;  // the last run's names and descriptions, for the exports
   bool hasRun = false;
@@ -101,6 +106,9 @@ class frmSecSub : public FormModel {
   void chkAddHeader_Click();
   void btnClear_Click();
   void btnSaveDrawing_Click();
+  // Restores slot `s` as a lost corner in the Corner Restoration window;
+  // a restored position comes back into the slot.
+  void restoreSlot(int s);
   // The run's corners for another program: PNEZD or Tervalo points, LandXML
   // or DXF, as the chosen name's ending says.
   void btnExport_Click();

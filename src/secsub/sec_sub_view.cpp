@@ -6,6 +6,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -58,6 +59,7 @@ class SecSubView : public FormDialog {
     auto* inputs = new QHBoxLayout;
     inputs->addWidget(button("btnOpenInputs"));
     inputs->addWidget(button("btnSaveInputs"));
+    inputs->addWidget(button("btnRestoreCorner"));
     side->addLayout(inputs);
     auto* files = new QHBoxLayout;
     files->addWidget(button("btnSaveDrawing"));
@@ -191,6 +193,15 @@ class SecSubView : public FormDialog {
     const bool pls = s == 0 || s == 2 || s == 4 || s == 10 || s == 14 || s == 20 || s == 22 || s == 24;
     auto* box = new QGroupBox(QString("%1  %2").arg(s).arg(kSlotTitles[static_cast<std::size_t>(s)]), parent);
     box->setObjectName(QString("slot%1").arg(s));
+    // Its context menu restores it as a lost corner.
+    box->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(box, &QWidget::customContextMenuRequested, this, [this, box, s](const QPoint& at) {
+      QMenu menu(box);
+      menu.addAction("&Restore This Corner...", [this, s] {
+        binder_->run([this, s] { static_cast<frmSecSub&>(model_).restoreSlot(s); });
+      });
+      menu.exec(box->mapToGlobal(at));
+    });
     // Section and quarter corners stand out from the sixteenths and centers.
     // (in the palette's own alternate ground, so a dark theme stays dark).
     box->setStyleSheet(pls ? "QGroupBox { background: palette(alternate-base); font-weight: bold; }"

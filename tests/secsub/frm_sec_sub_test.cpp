@@ -11,6 +11,7 @@
 #include "app/forms_misc.h"
 #include "app/frm_main.h"
 #include "app/program.h"
+#include "restore/frm_restore.h"
 #include "secsub/frm_sec_sub.h"
 #include "support/geopak_names.h"
 #include "support/recording_shell.h"
@@ -513,6 +514,33 @@ TEST_F(SectionForm, NothingARunReplacesIsLost) {
   main.click("mnuHistoryKeep");
   EXPECT_EQ(program.history().files().size(), 1u);
   EXPECT_EQ(program.history().keep(), 1);
+}
+
+// A lost corner of the section restored in the Corner Restoration window:
+// its position comes back into the slot and the run holds it as restored.
+TEST_F(SectionForm, ALostCornerRestoredComesBackIntoItsSlotAndTheRecordSaysHow) {
+  form.click("btnRestoreCorner");  // the cursor in no slot yet: said
+  ASSERT_FALSE(shell.boxes.empty());
+  EXPECT_EQ(shell.boxes.back().title, "Corner Restoration");
+  location("14", "115", "22");
+  corners({24});  // the SE corner lost
+  form.lostFocus("txt24pn");
+  shell.onModal = [](FormModel& window) {
+    ASSERT_EQ(window.name(), "frmRestore");
+    auto& restore = static_cast<frmRestore&>(window);
+    EXPECT_EQ(restore.txtName.text, "SE Cor SEC 14");
+    // One-point control: 40 chains south of the E 1/4 (point 1005).
+    window.typeText("txtNorthPoint", "1005");
+    window.typeText("txtNorthRecord", "40");
+    window.click("btnRestore");
+  };
+  form.click("btnRestoreCorner");
+  EXPECT_EQ(form.slots[24].xc.text, "517610.0690");
+  EXPECT_EQ(form.slots[24].yc.text, "284595.7390");  // 287235.739 - 2640
+  form.click("btnContinue");
+  EXPECT_EQ(form.origins[24].kind, CornerOrigin::Kind::Restored);
+  EXPECT_EQ(form.why(24).rfind("Held as restored by one-point control: 40.00 chains from the north control 1005", 0), 0u)
+      << form.why(24);
 }
 
 TEST_F(SectionForm, AutomaticNumbersThatRepeatATypedNumberAreNeverExported) {
