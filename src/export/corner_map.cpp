@@ -31,7 +31,8 @@ CornerMap sectionMap(const SectionRecord& r, const std::array<bool, slot::count>
     const auto i = static_cast<std::size_t>(s);
     const CornerSlot& c = r.slots[i];
     if (c.x == 0) continue;
-    MapPoint point{uniqueNames ? naming.pointNames[i] : c.pointNumber, c.description, c.feature, c.x, c.y, computed[i], s};
+    MapPoint point{uniqueNames ? naming.pointNames[i] : c.pointNumber, c.description, c.feature, c.x, c.y, computed[i], s,
+                   computed[i] ? "computed" : "entered"};
     const auto [at, added] = named.emplace(point.name, map.points.size());
     if (added) {
       index[i] = map.points.size();

@@ -20,6 +20,9 @@ struct MapPoint {
   double x = 0, y = 0;
   bool computed = false;
   int slot = -1;  // the section's position it stands for (the first, where slots share it)
+  // "entered", "computed" or "restored"; for a restored corner the rule that placed it.
+  std::string status = "entered";
+  std::string rule{};
 };
 
 // A name that two different positions of one map would be written under.

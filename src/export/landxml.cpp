@@ -62,6 +62,20 @@ std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
     p.append_attribute("pntSurv") = c.computed ? "boundary" : "monument";
     p.text() = (coordinate(c.y) + " " + coordinate(c.x)).c_str();
   }
+  // A point's status where it is more than entered or computed (a restored
+  // corner and its rule), as a feature of the points: a CgPoint holds only
+  // its coordinates.
+  for (const MapPoint& c : map.points) {
+    if (c.status != "restored") continue;
+    pugi::xml_node f = points.append_child("Feature");
+    f.append_attribute("name") = c.name.c_str();
+    f.append_attribute("code") = "corner";
+    for (const auto& [label, value] : {std::pair{"status", c.status}, {"rule", c.rule}}) {
+      pugi::xml_node property = f.append_child("Property");
+      property.append_attribute("label") = label;
+      property.append_attribute("value") = value.c_str();
+    }
+  }
   pugi::xml_node features;
   for (const char* group : kFeatureGroups) {
     pugi::xml_node geometry;

@@ -24,7 +24,8 @@ struct Layer {
   const char* name;
   int color;
 };
-constexpr Layer kLayers[] = {{"SEC", 7}, {"EWQ", 5}, {"NSQ", 5}, {"EWSX", 4}, {"NSSX", 4}, {"POINTS", 1}, {"ANNO", 3}};
+constexpr Layer kLayers[] = {{"SEC", 7},    {"EWQ", 5},  {"NSQ", 5},      {"EWSX", 4},
+                             {"NSSX", 4},   {"POINTS", 1}, {"ANNO", 3}, {"RESTORED", 6}};
 
 // dxflib's writer, less the flush it makes after every number: a township
 // drawing holds hundreds of thousands of them. Numbers are written as
@@ -137,6 +138,8 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
     }
     for (const MapPoint& c : map.points) {
       dxf.writePoint(*dw, DL_PointData(c.x, c.y, 0.0), on("POINTS"));
+      // A restored corner is ringed on a layer of its own.
+      if (c.status == "restored") dxf.writeCircle(*dw, DL_CircleData(c.x, c.y, 0.0, nameHeight), on("RESTORED"));
       dxf.writeText(*dw, DL_TextData(c.x + nameHeight / 2, c.y + nameHeight / 2, 0.0, 0.0, 0.0, 0.0, nameHeight, 1.0, 0, 0, 0,
                                      c.name, "Standard", 0.0),
                     on("POINTS"));

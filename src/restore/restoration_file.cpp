@@ -71,6 +71,42 @@ std::string coordinate(double v) { return Format(v, "#######0.0000"); }
 
 }  // namespace
 
+CornerEntry parseCornerEntry(const Json& c, const std::string& place) {
+  std::string where = place;
+  if (!c.is_object()) throw RestorationFileError(where + " must be an object");
+  CornerEntry corner;
+  if (c.contains("name")) corner.name = textAt(c["name"], where, "name");
+  if (!corner.name.empty()) where += " (" + corner.name + ")";
+  refuseUnknown(c, {"name", "method", "index", "north", "south", "east", "west", "azimuth"}, where);
+  if (c.contains("method")) {
+    const std::string name = textAt(c["method"], where, "method");
+    const auto method = methodNamed(name);
+    if (!method)
+      throw RestorationFileError(where + ": \"method\" is auto, single, double, three-point, two-point or one-point, not \"" +
+                                 name + "\"");
+    corner.method = *method;
+  }
+  if (c.contains("index")) corner.index = numberAt(c["index"], where, "index");
+  if (c.contains("azimuth")) corner.azimuth = angleAt(c["azimuth"], where, "azimuth");
+  for (int k = 0; k < 4; ++k)
+    if (c.contains(kDirections[k])) controlOf(corner, k) = controlAt(c[kDirections[k]], where + " " + kDirections[k]);
+  return corner;
+}
+
+Json cornerEntryJson(const CornerEntry& c) {
+  Json corner{{"name", c.name}, {"method", methodName(c.method)}, {"index", c.index}};
+  if (c.azimuth) corner["azimuth"] = *c.azimuth;
+  for (int k = 0; k < 4; ++k)
+    if (const auto& control = controlOf(c, k)) {
+      Json j = Json::object();
+      if (!control->point.empty()) j["point"] = control->point;
+      if (control->at) j["x"] = control->at->x, j["y"] = control->at->y;
+      j["record"] = control->record;
+      corner[kDirections[k]] = j;
+    }
+  return corner;
+}
+
 RestorationFile parseRestoration(const std::string& text) {
   Json json;
   try {
@@ -92,28 +128,7 @@ RestorationFile parseRestoration(const std::string& text) {
   if (json.contains("crs")) file.crs = json["crs"];
   const Json corners = json.value("corners", Json::array());
   if (!corners.is_array() || corners.empty()) throw RestorationFileError("\"corners\" must list at least one corner");
-  for (std::size_t i = 0; i < corners.size(); ++i) {
-    const Json& c = corners[i];
-    std::string where = "corner " + std::to_string(i + 1);
-    if (!c.is_object()) throw RestorationFileError(where + " must be an object");
-    CornerEntry corner;
-    if (c.contains("name")) corner.name = textAt(c["name"], where, "name");
-    if (!corner.name.empty()) where += " (" + corner.name + ")";
-    refuseUnknown(c, {"name", "method", "index", "north", "south", "east", "west", "azimuth"}, where);
-    if (c.contains("method")) {
-      const std::string name = textAt(c["method"], where, "method");
-      const auto method = methodNamed(name);
-      if (!method)
-        throw RestorationFileError(where + ": \"method\" is auto, single, double, three-point, two-point or one-point, not \"" +
-                                   name + "\"");
-      corner.method = *method;
-    }
-    if (c.contains("index")) corner.index = numberAt(c["index"], where, "index");
-    if (c.contains("azimuth")) corner.azimuth = angleAt(c["azimuth"], where, "azimuth");
-    for (int k = 0; k < 4; ++k)
-      if (c.contains(kDirections[k])) controlOf(corner, k) = controlAt(c[kDirections[k]], where + " " + kDirections[k]);
-    file.corners.push_back(std::move(corner));
-  }
+  for (std::size_t i = 0; i < corners.size(); ++i) file.corners.push_back(parseCornerEntry(corners[i], "corner " + std::to_string(i + 1)));
   return file;
 }
 
@@ -133,19 +148,7 @@ RestorationFile readRestorationFile(const std::string& name) {
 
 std::string restorationText(const RestorationFile& file) {
   Json corners = Json::array();
-  for (const CornerEntry& c : file.corners) {
-    Json corner{{"name", c.name}, {"method", methodName(c.method)}, {"index", c.index}};
-    if (c.azimuth) corner["azimuth"] = *c.azimuth;
-    for (int k = 0; k < 4; ++k)
-      if (const auto& control = controlOf(c, k)) {
-        Json j = Json::object();
-        if (!control->point.empty()) j["point"] = control->point;
-        if (control->at) j["x"] = control->at->x, j["y"] = control->at->y;
-        j["record"] = control->record;
-        corner[kDirections[k]] = j;
-      }
-    corners.push_back(corner);
-  }
+  for (const CornerEntry& c : file.corners) corners.push_back(cornerEntryJson(c));
   Json json{{"version", kRestorationVersion}, {"units", file.units}, {"basis", file.basis}};
   if (!file.source.empty()) json["source"] = file.source;
   if (!file.crs.is_null()) json["crs"] = file.crs;
@@ -155,6 +158,38 @@ std::string restorationText(const RestorationFile& file) {
 
 bool RestorationRun::allRestored() const {
   return std::all_of(corners.begin(), corners.end(), [](const CornerOutcome& c) { return c.restored.has_value(); });
+}
+
+CornerOutcome restoreEntry(const CornerEntry& entry, const PointList& points, bool haveSource, double basis, double chain) {
+  const auto lookUp = [&points](const std::string& number) -> std::optional<Position> {
+    for (const std::string& wanted : {number, upper(number)})
+      for (const PointRecord& p : points.records)
+        if (p.name == wanted) return Position{p.x, p.y};
+    return std::nullopt;
+  };
+  CornerOutcome outcome;
+  outcome.name = entry.name;
+  outcome.corner = {entry.name, entry.method, entry.index, {}, {}, {}, {}, entry.azimuth};
+  try {
+    for (int k = 0; k < 4; ++k) {
+      const auto& given = controlOf(entry, k);
+      if (!given) continue;
+      Control control{given->point, {}, given->record};
+      if (given->at) {
+        control.at = *given->at;
+      } else if (const auto found = lookUp(given->point)) {
+        control.at = *found;
+      } else {
+        throw RestoreError(std::string("the ") + kDirections[k] + " control names point " + given->point + ", which is " +
+                           (haveSource ? "not in the source file" : "in no source file (the file names none)"));
+      }
+      controlOf(outcome.corner, k) = control;
+    }
+    outcome.restored = restoreCorner(outcome.corner, basis, chain);
+  } catch (const RestoreError& e) {
+    outcome.refused = e.what();
+  }
+  return outcome;
 }
 
 RestorationRun runRestoration(const RestorationFile& file, const std::string& today) {
@@ -169,12 +204,6 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
       throw RestorationFileError("the source file \"" + file.source + "\" cannot be read: " + e.what());
     }
   }
-  const auto lookUp = [&points](const std::string& number) -> std::optional<Position> {
-    for (const std::string& wanted : {number, upper(number)})
-      for (const PointRecord& p : points.records)
-        if (p.name == wanted) return Position{p.x, p.y};
-    return std::nullopt;
-  };
 
   RestorationRun run;
   Json corners = Json::array(), refused = Json::array();
@@ -186,28 +215,7 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
                     "    Basis: " + decimalToDmsCarried(file.basis) + " from grid north to true north",
                 ""};
   for (const CornerEntry& entry : file.corners) {
-    CornerOutcome outcome;
-    outcome.name = entry.name;
-    outcome.corner = {entry.name, entry.method, entry.index, {}, {}, {}, {}, entry.azimuth};
-    try {
-      for (int k = 0; k < 4; ++k) {
-        const auto& given = controlOf(entry, k);
-        if (!given) continue;
-        Control control{given->point, {}, given->record};
-        if (given->at) {
-          control.at = *given->at;
-        } else if (const auto found = lookUp(given->point)) {
-          control.at = *found;
-        } else {
-          throw RestoreError(std::string("the ") + kDirections[k] + " control names point " + given->point + ", which is " +
-                             (file.source.empty() ? "in no source file (the file names none)" : "not in the source file"));
-        }
-        controlOf(outcome.corner, k) = control;
-      }
-      outcome.restored = restoreCorner(outcome.corner, file.basis, chain);
-    } catch (const RestoreError& e) {
-      outcome.refused = e.what();
-    }
+    CornerOutcome outcome = restoreEntry(entry, points, !file.source.empty(), file.basis, chain);
 
     // The report: the corner, its controls, record and measured distances, the ratio, the rule and the result.
     run.report.push_back("  " + leftJustify(entry.name, 40) +

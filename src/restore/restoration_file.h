@@ -12,6 +12,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "points/point_list.h"
 #include "restore/proportion.h"
 
 namespace tervalo {
@@ -50,15 +51,6 @@ struct RestorationFile {
   double chain() const { return units == "m" ? kChainMetres : kChainFeet; }
 };
 
-// Parses strictly: unknown keys, wrong kinds, a method or unit not known,
-// a control with neither a point nor X and Y, or a newer version is a
-// RestorationFileError naming the place ("corner 2 (NE COR) north:
-// \"record\" must be a number of chains").
-RestorationFile parseRestoration(const std::string& jsonText);
-RestorationFile readRestorationFile(const std::string& file);
-// The file as the program writes it (Save Inputs of the restoration window).
-std::string restorationText(const RestorationFile& file);
-
 // One corner's outcome.
 struct CornerOutcome {
   std::string name;
@@ -66,6 +58,23 @@ struct CornerOutcome {
   std::string refused;               // why not
   LostCorner corner;                 // its controls with their positions, as used
 };
+
+// Parses strictly: unknown keys, wrong kinds, a method or unit not known,
+// a control with neither a point nor X and Y, or a newer version is a
+// RestorationFileError naming the place ("corner 2 (NE COR) north:
+// \"record\" must be a number of chains").
+RestorationFile parseRestoration(const std::string& jsonText);
+// One corner as the file writes it, for other files that hold one (a
+// township plan's restored corner); `where` names its place in faults.
+CornerEntry parseCornerEntry(const nlohmann::ordered_json& corner, const std::string& where);
+nlohmann::ordered_json cornerEntryJson(const CornerEntry& corner);
+// Restores one corner of a file, its controls by number looked up in
+// `points` (a source read whole): the outcome, restored or refused.
+CornerOutcome restoreEntry(const CornerEntry& entry, const PointList& points, bool haveSource, double basis,
+                           double chain);
+RestorationFile readRestorationFile(const std::string& file);
+// The file as the program writes it (Save Inputs of the restoration window).
+std::string restorationText(const RestorationFile& file);
 
 struct RestorationRun {
   std::vector<CornerOutcome> corners;

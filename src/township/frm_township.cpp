@@ -94,6 +94,7 @@ std::string frmTownship::cell(int row, int column) const {
     default: break;
   }
   const PlanCorner& c = s.corners.at(static_cast<std::size_t>(column - 4));
+  if (c.restore) return "restore " + c.restore->name;  // restored before the run; typing over it names a point instead
   return c.point.empty() && !c.x.empty() ? c.x + " " + c.y : c.point;
 }
 

@@ -92,7 +92,14 @@ TownshipPlan parsePlan(const std::string& text) {
       if (!corners.contains(kPlanCorners[i])) continue;
       const Json& c = corners[kPlanCorners[i]];
       const std::string cw = where + " corner " + kPlanCorners[i];
-      if (c.is_object()) {
+      if (c.is_object() && c.contains("restore")) {
+        refuseUnknown(c, {"restore"}, cw);
+        try {
+          p.corners[i].restore = parseCornerEntry(c["restore"], cw + " restore");
+        } catch (const RestorationFileError& e) {
+          throw PlanError(e.what());
+        }
+      } else if (c.is_object()) {
         refuseUnknown(c, {"x", "y"}, cw);
         p.corners[i].x = textOf(c.value("x", Json("")), cw + " \"x\"");
         p.corners[i].y = textOf(c.value("y", Json("")), cw + " \"y\"");
@@ -136,7 +143,9 @@ std::string planText(const TownshipPlan& plan) {
     Json corners = Json::object();
     for (std::size_t i = 0; i < kPlanCorners.size(); ++i) {
       const PlanCorner& c = p.corners[i];
-      if (!c.point.empty())
+      if (c.restore)
+        corners[kPlanCorners[i]] = Json{{"restore", cornerEntryJson(*c.restore)}};
+      else if (!c.point.empty())
         corners[kPlanCorners[i]] = c.point;
       else if (!c.x.empty())
         corners[kPlanCorners[i]] = Json{{"x", c.x}, {"y", c.y}};

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "app/job.h"
+#include "restore/restoration_file.h"
 
 namespace tervalo {
 
@@ -28,8 +29,9 @@ inline constexpr std::array<const char*, 8> kPlanChains{"NofW", "SofW", "NofE", 
 
 struct PlanCorner {
   std::string point;       // a point number in the source file, or
-  std::string x, y;        // typed coordinates
-  bool given() const { return !point.empty() || !x.empty(); }
+  std::string x, y;        // typed coordinates, or
+  std::optional<CornerEntry> restore{};  // a lost corner, restored from its controls before the sections run
+  bool given() const { return !point.empty() || !x.empty() || restore.has_value(); }
 };
 
 struct SectionPlan {

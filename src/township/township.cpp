@@ -14,6 +14,7 @@
 #include "secsub/frm_sec_sub.h"
 #include "text/errors.h"
 #include "text/format.h"
+#include "text/number.h"
 #include "text/justify.h"
 
 namespace tervalo {
@@ -24,6 +25,7 @@ using Json = nlohmann::ordered_json;
 // What a section's run left behind, for the township files.
 struct SectionRun {
   std::string section;
+  std::size_t row = 0;  // of the plan
   SectionRecord record;
   std::array<bool, slot::count> computed{};
   CornerNaming naming;
@@ -112,28 +114,68 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   Json stopped = Json::array();
   bool criticalBox = false;
   const PlanSource source = readPlanSource(plan.source);
-  for (std::size_t row = 0; row < plan.sections.size(); ++row) {
+  // A row refused before its section runs, with the boxes that say why.
+  const auto refuseRow = [&](std::size_t row, const std::string& title, const std::vector<std::string>& texts) {
     const SectionPlan& p = plan.sections[row];
+    Json messages = Json::array();
+    std::vector<std::string> boxes;
+    for (const std::string& text : texts) {
+      messages.push_back(Json{{"form", ""}, {"title", title}, {"text", text}, {"icon", "critical"}, {"buttons", "ok"}, {"answer", nullptr}});
+      boxes.push_back(title + ": " + text);
+    }
+    sections.push_back(Json{{"section", p.section},
+                            {"completed", false},
+                            {"result", Json{{"messages", std::move(messages)}, {"ended", false}, {"files", Json::array()}}}});
+    stopped.push_back(Json{{"row", row + 1}, {"section", p.section}, {"ended", false}, {"boxes", boxes}});
+    out.stopped.push_back({static_cast<int>(row), p.section, false, boxes});
+  };
+
+  // Lost corners are restored first, once each by name, from the plan's
+  // source; every section naming one takes the restored position as typed
+  // coordinates. A plan restores in feet, to the coordinates' north.
+  TownshipPlan runPlan = plan;
+  std::map<std::string, CornerOutcome> restorations;  // by name
+  std::map<std::pair<std::size_t, int>, std::string> restoredSlots;  // (row, slot) -> name
+  std::vector<std::vector<std::string>> restoreRefusals(plan.sections.size());
+  for (std::size_t row = 0; row < plan.sections.size(); ++row)
+    for (std::size_t k = 0; k < kPlanCorners.size(); ++k) {
+      const PlanCorner& corner = plan.sections[row].corners[k];
+      if (!corner.restore) continue;
+      const std::string name = corner.restore->name.empty() ? "row " + std::to_string(row + 1) + " corner " + kPlanCorners[k]
+                                                            : corner.restore->name;
+      auto found = restorations.find(name);
+      if (found == restorations.end())
+        found = restorations.emplace(name, restoreEntry(*corner.restore, source.points, source.read, 0, kChainFeet)).first;
+      const CornerOutcome& outcome = found->second;
+      if (!outcome.restored) {
+        restoreRefusals[row].push_back("corner " + std::string(kPlanCorners[k]) + " (" + name + ") cannot be restored: " +
+                                       outcome.refused + ".");
+        continue;
+      }
+      PlanCorner& typed = runPlan.sections[row].corners[k];
+      typed = {};
+      typed.x = CStr(outcome.restored->at.x);
+      typed.y = CStr(outcome.restored->at.y);
+      restoredSlots[{row, kPlanCornerSlots[k]}] = name;
+    }
+
+  for (std::size_t row = 0; row < runPlan.sections.size(); ++row) {
+    const SectionPlan& p = runPlan.sections[row];
     const auto named = namedPoints(p);
     RunOptions one = options;
+    if (!restoreRefusals[row].empty()) {
+      refuseRow(row, "Restore Refused", restoreRefusals[row]);
+      continue;
+    }
     if (source.read) {
       // A corner naming a point the source does not hold is refused here, by
       // row, corner and number, rather than left blank in the section.
       std::vector<std::string> missing;
       for (const auto& [corner, point] : named)
         if (!source.firstByName.count(point))
-          missing.push_back("Missing Point: corner " + corner + " names point " + point + ", which is not in the source file " +
-                            plan.source + ".");
+          missing.push_back("corner " + corner + " names point " + point + ", which is not in the source file " + plan.source + ".");
       if (!missing.empty()) {
-        Json messages = Json::array();
-        for (const std::string& m : missing)
-          messages.push_back(Json{{"form", ""}, {"title", "Missing Point"}, {"text", m.substr(m.find(": ") + 2)},
-                                  {"icon", "critical"}, {"buttons", "ok"}, {"answer", nullptr}});
-        sections.push_back(Json{{"section", p.section},
-                                {"completed", false},
-                                {"result", Json{{"messages", std::move(messages)}, {"ended", false}, {"files", Json::array()}}}});
-        stopped.push_back(Json{{"row", row + 1}, {"section", p.section}, {"ended", false}, {"boxes", missing}});
-        out.stopped.push_back({static_cast<int>(row), p.section, false, missing});
+        refuseRow(row, "Missing Point", missing);
         continue;
       }
       one.prepare = [&source, &named](Program& program) {
@@ -145,9 +187,9 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
     std::optional<SectionRun> taken;
     one.inspect = [&](Program& program) {
       auto& form = program.form<frmSecSub>("frmSecSub");
-      if (form.hasRun) taken = SectionRun{p.section, form.record, form.computed, form.runNaming};
+      if (form.hasRun) taken = SectionRun{p.section, row, form.record, form.computed, form.runNaming};
     };
-    RunOutcome run = runJob(sectionJob(plan, p, options.dataFolder), one, registry);
+    RunOutcome run = runJob(sectionJob(runPlan, p, options.dataFolder), one, registry);
     criticalBox = criticalBox || run.exitCode == kExitCriticalBox;
     // A section that did not complete its run (refused by the form, or
     // ended) is said with the boxes that tell why, never passed over.
@@ -181,6 +223,12 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
         positions.emplace_back();
       }
       positions[at->second].push_back({run.section, point.slot, point.x, point.y});
+      // A corner a section took restored is restored in the township's files too, with its rule.
+      if (const auto r = restoredSlots.find({run.row, point.slot}); r != restoredSlots.end()) {
+        MapPoint& kept = out.map.points[at->second];
+        kept.status = "restored";
+        kept.rule = "restored by " + restorations.at(r->second).restored->text;
+      }
       index[k] = at->second;
     }
     for (const MapLine& l : own.lines) {
@@ -231,6 +279,21 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
     }
   }
   s.push_back("Corners: " + std::to_string(out.map.points.size()));
+  if (!restorations.empty()) {
+    s.push_back("Restored corners: " + std::to_string(restorations.size()));
+    for (const auto& [name, outcome] : restorations) {
+      std::string rows;
+      for (const auto& [at, used] : restoredSlots)
+        if (used == name) rows += (rows.empty() ? "" : ", ") + std::to_string(at.first + 1) + " (section " + plan.sections[at.first].section + ")";
+      if (outcome.restored) {
+        s.push_back("  " + name + "  X " + coordinate(outcome.restored->at.x) + "  Y " + coordinate(outcome.restored->at.y) +
+                    "  for rows " + rows);
+        s.push_back("    restored by " + outcome.restored->text);
+      } else {
+        s.push_back("  " + name + "  not restored: " + outcome.refused);
+      }
+    }
+  }
   s.push_back("Shared corners: " + std::to_string(out.sharedCorners));
   s.push_back("Lines: " + std::to_string(out.map.lines.size()));
   char tolerance[64];
@@ -274,8 +337,17 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
     }
   }
 
+  Json restored = Json::array();
+  for (const auto& [name, outcome] : restorations)
+    restored.push_back(outcome.restored ? Json{{"name", name},
+                                               {"x", outcome.restored->at.x},
+                                               {"y", outcome.restored->at.y},
+                                               {"method", methodName(outcome.restored->method)},
+                                               {"text", outcome.restored->text}}
+                                        : Json{{"name", name}, {"refused", outcome.refused}});
   out.result = Json{{"sections", std::move(sections)},
                     {"stopped", std::move(stopped)},
+                    {"restored", std::move(restored)},
                     {"corners", out.map.points.size()},
                     {"shared", out.sharedCorners},
                     {"lines", out.map.lines.size()},

@@ -16,6 +16,7 @@ schema=tests/export/LandXML-1.2.xsd
 "$cli" run tests/export/irregular.job.json --data-dir "$out/irregular/" >/dev/null
 "$cli" run tests/export/vcurve.job.json --data-dir "$out/vcurve/" >/dev/null
 "$cli" township examples/township.plan.json --data-dir "$out/township/" >/dev/null
+"$cli" township examples/township-restored.plan.json --data-dir "$out/restored/" >/dev/null
 
 count() {  # the feature count ogrinfo finds
   ogrinfo -ro -so -al "$@" | sed -n 's/^Feature Count: //p'
@@ -33,6 +34,9 @@ case $what in
     expect "ogrinfo DXF features" 130 "$(count "$out/regular/Section14.dxf")"
     # Four sections: 81 corners and 144 lines, each once, with their names and annotations.
     expect "ogrinfo township DXF features" 450 "$(count "$out/township/Township.dxf")"
+    # The restored corner ringed on its own layer: one feature more.
+    /usr/bin/python3 tests/export/check_dxf.py "$out/restored/Township.dxf" 81 SNE1411522 517623.535 284593.475
+    expect "ogrinfo restored township DXF features" 451 "$(count "$out/restored/Township.dxf")"
     ;;
   csv)
     for f in "$out/regular/Section14.csv" "$out/irregular/irregular.csv" "$out/township/Township.csv"; do
@@ -48,6 +52,8 @@ case $what in
     ;;
   landxml)
     xmllint --noout --schema "$schema" "$out/regular/Section14.xml" "$out/irregular/irregular.xml" "$out/vcurve/profile.xml" \
-      "$out/township/Township.xml"
+      "$out/township/Township.xml" "$out/restored/Township.xml"
+    grep -q '<Property label="status" value="restored"' "$out/restored/Township.xml" ||
+      { echo "FAIL: the restored corner's status is not in the LandXML"; exit 1; }
     ;;
 esac

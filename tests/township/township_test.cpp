@@ -135,6 +135,33 @@ TEST_F(Township, APlanCornerNamingAMissingPointIsRefusedByRowCornerAndNumber) {
   EXPECT_TRUE(out.result["sections"][2]["completed"].get<bool>());
 }
 
+// A lost corner four sections share, restored once by double proportion
+// before they run: each section holds it, and the township's files say it
+// is restored and by which rule.
+TEST_F(Township, ALostCornerIsRestoredOnceForEverySectionThatSharesIt) {
+  plan = readPlanFile(kExamples + "township-restored.plan.json");
+  const TownshipOutcome out = run();
+  EXPECT_EQ(out.exitCode, 0);
+  ASSERT_EQ(out.result["restored"].size(), 1u);
+  EXPECT_EQ(out.result["restored"][0]["method"], "double");
+  EXPECT_TRUE(out.disagreements.empty());  // four sections, one restored position
+  const auto restored = std::find_if(out.map.points.begin(), out.map.points.end(), [](const MapPoint& p) { return p.status == "restored"; });
+  ASSERT_NE(restored, out.map.points.end());
+  EXPECT_NEAR(restored->x, 517623.535, 5e-4);
+  EXPECT_EQ(restored->rule.rfind("restored by double proportion", 0), 0u);
+  EXPECT_EQ(std::count_if(out.map.points.begin(), out.map.points.end(), [](const MapPoint& p) { return p.status == "restored"; }), 1);
+  for (const char* report : {"SecSub-14.rpt", "SecSub-23.rpt"})
+    EXPECT_NE(TempDir::read(dir.path() / report).find("517623.5350"), std::string::npos) << report;
+  EXPECT_NE(TempDir::read(dir.path() / "Township.txt").find("Restored corners: 1"), std::string::npos);
+  // A restoration that cannot be made refuses every section naming it.
+  plan.sections[0].corners[7].restore->north->point = "9999";
+  plan.sections[0].corners[7].restore->name = "ELSEWHERE";
+  const TownshipOutcome refused = run();
+  ASSERT_EQ(refused.stopped.size(), 1u);
+  EXPECT_EQ(refused.stopped[0].boxes[0].rfind("Restore Refused: corner SE (ELSEWHERE) cannot be restored: the north control names point 9999", 0), 0u)
+      << refused.stopped[0].boxes[0];
+}
+
 TEST_F(Township, ARunInWhichNoSectionCompletedLeavesTheEarlierFiles) {
   const auto earlier = dir.write("Township.csv", "the earlier run's corners\r\n");
   for (SectionPlan& s : plan.sections) s.township = "";
