@@ -24,7 +24,10 @@ int restoreCommand(const std::string& name, bool json, const std::string& dataFo
   RestorationRun run;
   try {
     run = runRestoration(file, formatShortDate(today));
-    const auto [report, points] = restorationOutputs(dataFolder, std::filesystem::path(name).stem().string());
+    // "section14.restore.json" writes "section14-restored.rpt" and ".txt".
+    std::string stem = std::filesystem::path(name).stem().string();
+    if (stem.ends_with(".restore")) stem.erase(stem.size() - 8);
+    const auto [report, points] = restorationOutputs(dataFolder, stem);
     std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> written{{report, run.report}};
     if (!run.points.empty()) written.emplace_back(points, run.points);
     writeTextFiles(written);
