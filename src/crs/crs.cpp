@@ -1,0 +1,108 @@
+#include "crs/crs.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <mutex>
+
+#include "app/json_text.h"
+
+namespace tervalo {
+
+CrsChoice crsFromJson(const nlohmann::ordered_json& value) {
+  if (value.is_null()) return {};
+  if (!value.is_object()) throw CrsError("\"crs\" must be an object such as {\"epsg\": 3419}");
+  for (const auto& item : value.items())
+    if (item.key() != "epsg" && item.key() != "foot") throw CrsError("\"crs\": unknown key \"" + item.key() + "\"");
+  const auto epsg = value.find("epsg");
+  if (epsg == value.end() || !epsg->is_number_integer() || epsg->get<std::int64_t>() < 1 || epsg->get<std::int64_t>() > 999999)
+    throw CrsError("\"crs\": \"epsg\" must be the code of a projected system, such as 3419");
+  CrsChoice crs;
+  crs.epsg = static_cast<int>(epsg->get<std::int64_t>());
+  if (const auto foot = value.find("foot"); foot != value.end()) {
+    if (!foot->is_string() || (*foot != "us" && *foot != "international"))
+      throw CrsError("\"crs\": \"foot\" is \"us\" or \"international\"");
+    crs.foot = foot->get<std::string>();
+  }
+  return crs;
+}
+
+nlohmann::ordered_json crsToJson(const CrsChoice& crs) {
+  if (crs.none()) return nullptr;
+  nlohmann::ordered_json j{{"epsg", crs.epsg}};
+  if (!crs.foot.empty()) j["foot"] = crs.foot;
+  return j;
+}
+
+namespace {
+
+using Factory = Geo* (*)();
+
+// Beside the program (the build folder), or where the package puts it.
+std::vector<std::filesystem::path> moduleCandidates() {
+  std::vector<std::filesystem::path> found;
+  if (const char* chosen = std::getenv("TERVALO_GEO_MODULE")) found.emplace_back(chosen);
+  std::error_code ec;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", ec);
+  if (!ec) {
+    found.push_back(self.parent_path() / "libtervalo_geo.so");
+    found.push_back(self.parent_path().parent_path() / TERVALO_LIBDIR / "tervalo" / "libtervalo_geo.so");
+  }
+  return found;
+}
+
+Geo* loaded = nullptr;
+
+}  // namespace
+
+Geo& geo() {
+  static std::once_flag once;
+  static std::string fault;
+  std::call_once(once, [] {
+    std::string tried;
+    for (const auto& candidate : moduleCandidates()) {
+      std::error_code ec;
+      if (!std::filesystem::exists(candidate, ec)) {
+        tried += "\n  " + candidate.string() + " (not there)";
+        continue;
+      }
+      void* handle = ::dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
+      if (!handle) {
+        tried += "\n  " + candidate.string() + " (" + ::dlerror() + ")";
+        continue;
+      }
+      if (auto make = reinterpret_cast<Factory>(::dlsym(handle, "tervalo_make_geo"))) {
+        loaded = make();
+        return;
+      }
+      tried += "\n  " + candidate.string() + " (not Tervalo's coordinate system module)";
+    }
+    fault = "The coordinate system module (PROJ and GDAL) cannot be loaded:" + tried;
+  });
+  if (!loaded) throw CrsError(fault);
+  return *loaded;
+}
+
+bool geoLoaded() { return loaded != nullptr; }
+
+std::string landXmlUnit(const CrsChoice& crs, const CrsDescription* system) {
+  if (crs.foot == "international") return "foot";
+  if (crs.none() || crs.foot == "us" || !system) return "USSurveyFoot";
+  if (system->unit.find("US survey foot") != std::string::npos) return "USSurveyFoot";
+  if (system->unit.find("foot") != std::string::npos) return "foot";
+  return "meter";
+}
+
+std::string crsTitle(const CrsChoice& crs) {
+  if (crs.none()) return "local coordinates";
+  std::string title = "EPSG:" + std::to_string(crs.epsg);
+  try {
+    title += " " + geo().describe(crs.epsg).name;
+  } catch (const CrsError&) {  // the code alone, where the module or the code is not there
+  }
+  if (!crs.foot.empty()) title += crs.foot == "us" ? ", coordinates in US survey feet" : ", coordinates in international feet";
+  return title;
+}
+
+}  // namespace tervalo

@@ -1,0 +1,87 @@
+// Coordinate systems through PROJ: the module loaded on first use, a system
+// described, positions and factors as PROJ's own programs give them.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+
+#include "crs/crs.h"
+
+namespace tervalo {
+namespace {
+
+// What one of PROJ's own programs prints for `input`.
+std::string run(const std::string& command, const std::string& input) {
+  const std::string line = "echo '" + input + "' | " + command;
+  std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(line.c_str(), "r"), ::pclose);
+  std::string out;
+  std::array<char, 256> buffer{};
+  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get())) out += buffer.data();
+  return out;
+}
+
+TEST(CoordinateSystems, TheCrsKeyIsReadStrictly) {
+  EXPECT_TRUE(crsFromJson(nullptr).none());
+  EXPECT_EQ(crsFromJson({{"epsg", 26915}, {"foot", "us"}}), (CrsChoice{26915, "us"}));
+  const std::pair<nlohmann::ordered_json, const char*> refused[] = {
+      {"EPSG:3419", "must be an object"},
+      {{{"epsg", "3419"}}, "\"epsg\" must be the code"},
+      {{{"epsg", 3419}, {"foot", "survey"}}, "\"foot\" is \"us\" or \"international\""},
+      {{{"epsg", 3419}, {"datum", "NAD83"}}, "unknown key \"datum\""}};
+  for (const auto& [value, why] : refused) {
+    try {
+      crsFromJson(value);
+      ADD_FAILURE() << value;
+    } catch (const CrsError& e) {
+      EXPECT_NE(std::string(e.what()).find(why), std::string::npos) << e.what();
+    }
+  }
+  EXPECT_EQ(crsToJson(CrsChoice{3419, ""}), (nlohmann::ordered_json{{"epsg", 3419}}));
+}
+
+TEST(CoordinateSystems, PositionsAndFactorsAreProjsOwn) {
+  EXPECT_FALSE(geoLoaded());  // nothing loads PROJ before a system is used
+  const CrsDescription kansas = geo().describe(3419);
+  EXPECT_TRUE(geoLoaded());
+  EXPECT_EQ(kansas.unit, "US survey foot");
+  EXPECT_NE(kansas.datum.find("1983"), std::string::npos) << kansas.datum;
+  for (const int refused : {4326, 999999})
+    EXPECT_THROW(geo().describe(refused), CrsError) << refused;
+  EXPECT_FALSE(geo().search("Kansas ftUS", 10).empty());
+
+  // Latitudes and longitudes as PROJ's cs2cs gives them, to 1e-9 degrees.
+  const std::vector<PlanePosition> at{{1800000, 500000}, {2250000.5, 123456.75}};
+  const auto positions = geo().geographic({3419, ""}, at);
+  for (std::size_t i = 0; i < at.size(); ++i) {
+    double lat = 0, lon = 0;
+    const std::string out = run("cs2cs -f %.12f EPSG:3419 EPSG:4269", std::to_string(at[i].x) + " " + std::to_string(at[i].y));
+    ASSERT_EQ(std::sscanf(out.c_str(), "%lf %lf", &lat, &lon), 2) << out;
+    EXPECT_NEAR(positions[i].latitude, lat, 1e-9);
+    EXPECT_NEAR(positions[i].longitude, lon, 1e-9);
+  }
+  // A system in metres with coordinates in US survey feet: the same place.
+  const auto utm = geo().geographic({26915, ""}, {{500000, 4400000}});
+  const auto utmFeet = geo().geographic({26915, "us"}, {{500000 / (1200.0 / 3937), 4400000 / (1200.0 / 3937)}});
+  EXPECT_NEAR(utm[0].latitude, utmFeet[0].latitude, 1e-10);
+  EXPECT_NEAR(utm[0].longitude, utmFeet[0].longitude, 1e-10);
+  EXPECT_THROW(geo().geographic({3419, "international"}, at), CrsError);  // a US survey foot system's foot is fixed
+
+  // The scale factor and convergence as PROJ's proj -V gives them (to its printed 8 decimals).
+  const GridFactors f = geo().factors({3419, ""}, {at[0]})[0];
+  char input[64];
+  std::snprintf(input, sizeof input, "%.12f %.12f", positions[0].longitude, positions[0].latitude);
+  const std::string definition = run("projinfo -q -o PROJ EPSG:3419 | sed 's/+type=crs//'", "");
+  const std::string out = run("proj -V " + definition.substr(0, definition.find('\n')), input);
+  double k = 0, convergence = 0;
+  ASSERT_EQ(std::sscanf(out.c_str() + out.find("Parallel scale (k) :"), "Parallel scale (k) : %lf", &k), 1) << out;
+  const auto bracket = out.find('[', out.find("Convergence"));
+  ASSERT_EQ(std::sscanf(out.c_str() + bracket, "[ %lf ]", &convergence), 1) << out;
+  EXPECT_NEAR(f.scale, k, 1e-8);
+  EXPECT_NEAR(f.convergence, convergence, 1e-8);
+  EXPECT_GT(f.convergence, 1);  // east of the zone's central meridian
+}
+
+}  // namespace
+}  // namespace tervalo
