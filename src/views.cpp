@@ -3,6 +3,7 @@
 
 #include "app/qt/qt_shell.h"
 #include "app/qt/views.h"
+#include "crs/crs_view.h"
 #include "grading/grade_view.h"
 #include "hcurve/horz_curve_view.h"
 #include "proportion/prop_view.h"
@@ -28,6 +29,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmGradeOut", makeOutputView);
   shell.addView("frmTownship", makeTownshipView);
   shell.addView("frmRestore", makeRestoreView);
+  shell.addView("frmCrs", makeCrsView);
 }
 
 }  // namespace tervalo

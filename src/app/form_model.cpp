@@ -130,7 +130,7 @@ void FormModel::saveInputs() {
                                          {"Tervalo inputs (*.tervalo.json)"});
   if (!chosen || chosen->empty()) return;
   // The user's own document, named by the user: written whole, not kept in the history.
-  writeTextFile(*chosen, {jsonText(savedInputsJob(inputForms(), program_.registry()))});
+  writeTextFile(*chosen, {jsonText(savedInputsJob(inputForms(), program_.registry(), program_.crs))});
   shell().fileWritten(std::filesystem::absolute(*chosen));
   program_.recent.add(*chosen);
 }
@@ -155,6 +155,7 @@ void FormModel::openInputs() {
 }
 
 void FormModel::applyInputs(const Job& job) {
+  program_.crs = job.crs;
   const std::vector<FormModel*> forms = inputForms();
   clearForInputs();
   for (const JobStep& step : job.steps) {

@@ -59,7 +59,7 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     throw JobError(std::string("the job file is not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw JobError("the job file must hold one JSON object");
-  refuseUnknownKeys(json, {"version", "calculator", "steps", "answers", "files"}, "job");
+  refuseUnknownKeys(json, {"version", "calculator", "steps", "answers", "files", "crs"}, "job");
 
   Job job;
   if (json.contains("version")) {
@@ -71,6 +71,13 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
       throw JobError("the job was written by a newer Tervalo (job version " + version.dump() +
                      "); this Tervalo reads job version " + std::to_string(kJobVersion) + " and older");
     job.version = static_cast<int>(version.get<std::uint64_t>());
+  }
+  if (json.contains("crs")) {
+    try {
+      job.crs = crsFromJson(json["crs"]);
+    } catch (const CrsError& e) {
+      throw JobError(std::string("job: ") + e.what());
+    }
   }
   if (!json.contains("calculator") || !json["calculator"].is_string()) throw JobError("job: \"calculator\" must be a text");
   job.calculator = json["calculator"].get<std::string>();

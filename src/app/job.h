@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/shell.h"
+#include "crs/crs.h"
 
 namespace tervalo {
 
@@ -39,6 +40,7 @@ struct Job {
   std::vector<JobStep> steps;
   std::vector<Answer> answers;  // to Yes/No boxes, in order; then yes
   std::vector<std::string> files;  // to file dialogs, in order; then the dialog is cancelled
+  CrsChoice crs;  // the coordinate system of its coordinates; none when the job names none
 };
 
 // Parses and checks a job against the program's windows; JobError says

@@ -7,11 +7,13 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "app/header_data.h"
+#include "crs/crs.h"
 #include "app/history.h"
 #include "app/recent_work.h"
 #include "points/point_list.h"
@@ -109,6 +111,10 @@ class Program {
   // The desktop program keeps every output file a run replaces in the
   // history (the runner, whose jobs repeat, does not).
   bool keepsHistory = false;
+  // The coordinate system of the job's coordinates (none: local), and the
+  // mean elevation of the project for ground distances, in the same unit.
+  CrsChoice crs;
+  std::optional<double> projectElevation;
   History& history() { return history_; }
   // The earlier files the last write kept in the history: each replaced
   // file and its copy.

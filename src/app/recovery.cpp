@@ -42,13 +42,16 @@ Json inputsJob(const std::vector<FormModel*>& openForms, const FormRegistry& reg
 
 }  // namespace
 
-nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry) {
-  return inputsJob(openForms, registry, true);
+nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry, const CrsChoice& crs) {
+  Json job = inputsJob(openForms, registry, true);
+  if (!crs.none()) job["crs"] = crsToJson(crs);
+  return job;
 }
 
-nlohmann::ordered_json savedInputsJob(const std::vector<FormModel*>& forms, const FormRegistry& registry) {
+nlohmann::ordered_json savedInputsJob(const std::vector<FormModel*>& forms, const FormRegistry& registry, const CrsChoice& crs) {
   Json job{{"version", kJobVersion}};
   job.update(inputsJob(forms, registry, false));
+  if (!crs.none()) job["crs"] = crsToJson(crs);
   return job;
 }
 

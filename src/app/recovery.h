@@ -9,6 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "crs/crs.h"
+
 #include "app/job.h"
 
 namespace tervalo {
@@ -19,12 +21,14 @@ class FormRegistry;
 // The recovery job for the windows open at the end, main window first.
 // Every text box, combo, check box and chosen option button is set again,
 // in screen order; the section form is reached again by Continue.
-nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry);
+nlohmann::ordered_json recoveryJob(const std::vector<FormModel*>& openForms, const FormRegistry& registry,
+                                   const CrsChoice& crs = {});
 
 // A calculator window's inputs as the program's document: the same job,
 // marked with its version, with no button pressed but those that rebuild a
 // list (the grading width's segments).
-nlohmann::ordered_json savedInputsJob(const std::vector<FormModel*>& forms, const FormRegistry& registry);
+nlohmann::ordered_json savedInputsJob(const std::vector<FormModel*>& forms, const FormRegistry& registry,
+                                      const CrsChoice& crs = {});
 
 // Where the inputs of the last calculator window closed are kept.
 std::filesystem::path previousInputsFile(const std::string& dataFolder);

@@ -148,6 +148,7 @@ class RunnerShell : public Shell {
 RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry& registry, std::ostream* boxLog) {
   RunnerShell shell(job, options, boxLog);
   Program program(shell, options.dataFolder, registry);
+  program.crs = job.crs;
   if (options.prepare) options.prepare(program);
   bool ended = false;
   try {

@@ -151,9 +151,6 @@ class ProjGeo : public Geo {
     const bool one = driverName == "GeoJSON";
     char** options = nullptr;
     if (one) options = CSLSetNameValue(options, "RFC7946", "YES");
-    OGRLayerH corners = GDALDatasetCreateLayer(ds, one ? "corners and lines" : "corners", srs, one ? wkbUnknown : wkbPoint, options);
-    OGRLayerH lines = one ? corners : GDALDatasetCreateLayer(ds, "lines", srs, wkbLineString, nullptr);
-    CSLDestroy(options);
     const char* cornerFields[] = {"name", "point", "description", "evidence", "feature", "status", "rule"};
     const char* lineFields[] = {"line", "group"};
     const auto addFields = [&](OGRLayerH layer, const auto& names) {
@@ -163,11 +160,13 @@ class ProjGeo : public Geo {
         OGR_Fld_Destroy(field);
       }
     };
-    if (!corners || !lines) {
-      fault = CPLGetLastErrorMsg();
-    } else {
+    // Each layer made and filled before the next: KML writes its folders one after another.
+    OGRLayerH corners = GDALDatasetCreateLayer(ds, one ? "corners and lines" : "corners", srs, one ? wkbUnknown : wkbPoint, options);
+    CSLDestroy(options);
+    if (!corners) fault = CPLGetLastErrorMsg();
+    if (corners) {
       addFields(corners, cornerFields);
-      addFields(lines, lineFields);
+      if (one) addFields(corners, lineFields);
       for (const GisCorner& c : d.corners) {
         OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(corners));
         const std::string* values[] = {&c.name, &c.number, &c.description, &c.evidence, &c.feature, &c.status, &c.rule};
@@ -178,6 +177,11 @@ class ProjGeo : public Geo {
         if (OGR_L_CreateFeature(corners, f) != OGRERR_NONE && fault.empty()) fault = CPLGetLastErrorMsg();
         OGR_F_Destroy(f);
       }
+    }
+    OGRLayerH lines = one ? corners : (corners ? GDALDatasetCreateLayer(ds, "lines", srs, wkbLineString, nullptr) : nullptr);
+    if (corners && !lines && fault.empty()) fault = CPLGetLastErrorMsg();
+    if (lines) {
+      if (!one) addFields(lines, lineFields);
       for (const GisLine& l : d.lines) {
         OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(lines));
         OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "line"), l.name.c_str());

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "export/map_system.h"
 #include "secsub/section_record.h"
 #include "secsub_out/names.h"
 
@@ -23,6 +24,8 @@ struct MapPoint {
   // "entered", "computed" or "restored"; for a restored corner the rule that placed it.
   std::string status = "entered";
   std::string rule{};
+  std::string number{};    // the surveyor's point number, where the name is another
+  std::string evidence{};  // what was found in the field ("FD STONE NW COR SEC 14")
 };
 
 // A name that two different positions of one map would be written under.
@@ -46,6 +49,7 @@ struct MapLine {
 
 struct CornerMap {
   std::string title;  // "Section 14 T115N R22W"
+  MapSystem system;   // the coordinate system its coordinates are in
   std::vector<MapPoint> points;  // one per name
   std::vector<MapLine> lines;  // grouped by feature, in the groups' order
   std::vector<NameCollision> collisions;  // names given to two positions; no file may be written

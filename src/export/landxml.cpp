@@ -11,7 +11,7 @@ namespace {
 
 const char* const kNamespace = "http://www.landxml.org/schema/LandXML-1.2";
 
-pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool metric) {
+pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool metric, const std::string& linearUnit = "USSurveyFoot") {
   pugi::xml_node declaration = doc.append_child(pugi::node_declaration);
   declaration.append_attribute("version") = "1.0";
   declaration.append_attribute("encoding") = "UTF-8";
@@ -29,7 +29,7 @@ pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool 
       m.append_attribute(name) = value;
   } else {
     pugi::xml_node i = units.append_child("Imperial");
-    for (const auto& [name, value] : {std::pair{"areaUnit", "squareFoot"}, {"linearUnit", "USSurveyFoot"},
+    for (const auto& [name, value] : {std::pair{"areaUnit", "squareFoot"}, {"linearUnit", linearUnit.c_str()},
                                       {"volumeUnit", "cubicFeet"}, {"temperatureUnit", "fahrenheit"},
                                       {"pressureUnit", "inHG"}, {"elevationUnit", "feet"}})
       i.append_attribute(name) = value;
@@ -50,7 +50,19 @@ std::string coordinate(double v) { return Format(v, "0.0000"); }
 std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
   requireOneNamePerPosition(map);  // every pntRef names one point
   pugi::xml_document doc;
-  pugi::xml_node root = landXmlRoot(doc, stamp, false);
+  const MapSystem& system = map.system;
+  pugi::xml_node root = landXmlRoot(doc, stamp, system.linearUnit == "meter", system.linearUnit);
+  // The system the coordinates are in, or that they are local.
+  pugi::xml_node crs = root.append_child("CoordinateSystem");
+  if (system.crs.none()) {
+    crs.append_attribute("name") = "local";
+    crs.append_attribute("desc") = "local coordinates: no coordinate system";
+  } else {
+    crs.append_attribute("name") = system.name.c_str();
+    crs.append_attribute("epsgCode") = std::to_string(system.crs.epsg).c_str();
+    crs.append_attribute("horizontalDatum") = system.datum.c_str();
+    crs.append_attribute("desc") = system.title.c_str();
+  }
   pugi::xml_node points = root.append_child("CgPoints");
   points.append_attribute("name") = map.title.c_str();
   for (const MapPoint& c : map.points) {

@@ -17,7 +17,8 @@ struct XmlStamp {
   std::string time;
 };
 
-// Units in US survey feet; one CgPoint per present position ("northing
+// Units in the map's linear unit (US survey feet where no system says
+// otherwise) and its CoordinateSystem ("local" where none is chosen); one CgPoint per present position ("northing
 // easting", the corner description, the feature code; entered corners as
 // monuments, computed ones as calculated boundary points); the section,
 // quarter and sixteenth lines as one PlanFeature per line group, each line

@@ -25,7 +25,7 @@ struct Layer {
   int color;
 };
 constexpr Layer kLayers[] = {{"SEC", 7},    {"EWQ", 5},  {"NSQ", 5},      {"EWSX", 4},
-                             {"NSSX", 4},   {"POINTS", 1}, {"ANNO", 3}, {"RESTORED", 6}};
+                             {"NSSX", 4},   {"POINTS", 1}, {"ANNO", 3}, {"RESTORED", 6}, {"CRS", 8}};
 
 // dxflib's writer, less the flush it makes after every number: a township
 // drawing holds hundreds of thousands of them. Numbers are written as
@@ -110,7 +110,7 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
     if (dw->openFailed()) return false;
     dxf.writeHeader(*dw);
     dw->dxfString(9, "$INSUNITS");
-    dw->dxfInt(70, 21);  // US survey feet, as the LandXML files say
+    dw->dxfInt(70, map.system.dxfUnits);  // the coordinates' unit, as the LandXML files say
     dw->dxfString(9, "$MEASUREMENT");
     dw->dxfInt(70, 0);  // imperial
     dw->sectionEnd();
@@ -144,6 +144,11 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
                                      c.name, "Standard", 0.0),
                     on("POINTS"));
     }
+    // The system the coordinates are in, written under the drawing.
+    if (minX <= maxX)
+      dxf.writeText(*dw, DL_TextData(minX, minY - 3 * nameHeight, 0.0, 0.0, 0.0, 0.0, nameHeight, 1.0, 0, 0, 0,
+                                     "Coordinate system: " + map.system.title, "Standard", 0.0),
+                    on("CRS"));
     dw->sectionEnd();
     dxf.writeObjects(*dw);
     dxf.writeObjectsEnd(*dw);

@@ -17,6 +17,7 @@
 #include "export/export_file.h"
 #include "export/landxml.h"
 #include "export/section_dxf.h"
+#include "export/gis_file.h"
 #include "export/section_points.h"
 #include "secsub/corners.h"
 #include "secsub_out/drawing.h"
@@ -95,6 +96,11 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("chkWhy", chkWhy);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
+  add("lblCrs", lblCrs);
+  add("btnCrs", btnCrs).click([this] {
+    shell().showModal(this->program().form("frmCrs"));
+    showCrs();
+  });
   add("btnRestoreCorner", btnRestoreCorner).click([this] {
     if (lastSlot >= 0) {
       restoreSlot(lastSlot);
@@ -332,15 +338,30 @@ void frmSecSub::btnExport_Click() {
   const auto chosen = shell().chooseFile(FileDialog::Save, "Export the Corners",
                                          program().userAppData + "Section" + CStr(record.section) + ".csv",
                                          {"CSV points, PNEZD (*.csv)", "Tervalo points (*.txt)", "LandXML 1.2 (*.xml)",
-                                          "DXF drawing (*.dxf)"});
+                                          "DXF drawing (*.dxf)", "GeoPackage (*.gpkg)", "GeoJSON (*.geojson)",
+                                          "KML (*.kml)"});
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
-  const CornerMap map = sectionMap(record, computed, runNaming);
+  CornerMap map = sectionMap(record, computed, runNaming);
+  try {
+    map.system = mapSystem(program().crs);
+  } catch (const CrsError& e) {
+    shell().msgBox("Export the Corners", e.what(), Icon::Exclamation);
+    return;
+  }
+  const auto gis = [&] { writeGisFile(map, file, gisDriver(exportKind(file))); };
   sayWritten(exportFile(shell(), "Export the Corners", file,
-                        {{".csv", [&] { writeTextFile(file, pnezdLines(map)); }},
+                        {{".csv",
+                          [&] {
+                            writeTextFile(file, pnezdLines(map));
+                            writePrjBeside(map, file);
+                          }},
                          {".txt", [&] { writeTextFile(file, tervaloPointLines(map)); }},
                          {".xml", [&] { writeDocument(file, cornerLandXml(map, stampOf(shell().today()))); }},
-                         {".dxf", [&] { writeCornerDxf(map, file); }}}));
+                         {".dxf", [&] { writeCornerDxf(map, file); }},
+                         {".gpkg", gis},
+                         {".geojson", gis},
+                         {".kml", gis}}));
 }
 
 bool frmSecSub::checkHeld16ths() {
@@ -494,6 +515,8 @@ void frmSecSub::showNotices(const std::vector<std::string>& lines) {
   lblNotice.links = writtenFiles;
   lblNotice.visible = !lblNotice.caption.empty();
 }
+
+void frmSecSub::showCrs() { lblCrs.caption = "Coordinate system: " + crsTitle(program().crs); }
 
 void frmSecSub::sayWritten(const std::optional<std::filesystem::path>& file) {
   if (!file) return;  // refused: its box said why

@@ -77,6 +77,9 @@ class frmSecSub : public FormModel {
   Button btnExport{"Export...", true, false};            // once there are corners to export
   Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page
   Button btnRestoreCorner{"Restore Corner..."};  // the slot the cursor was last in, as a lost corner
+  // The coordinate system of the coordinates, for the exports and the report's later pages.
+  Label lblCrs{"Coordinate system: local coordinates"};
+  Button btnCrs{"Coordinate System..."};
 
   SectionRecord record;   // lives as long as the form
   std::vector<std::string> report;  // the last run's report, as written
@@ -131,7 +134,10 @@ class frmSecSub : public FormModel {
   // The section's inputs include the main window's source and output names.
   std::vector<FormModel*> inputForms() override;
   // Opening over the main window: the source file's notice comes along.
-  void opened() override { showNotices(notices.lines); }
+  void opened() override {
+    showNotices(notices.lines);
+    showCrs();
+  }
   // The names and feature codes the output files give each present
   // position; returns the positions that had no name and took their corner name.
   std::vector<int> nameOutputPositions(const CornerNaming& naming);
@@ -144,6 +150,7 @@ class frmSecSub : public FormModel {
   void writeSlotFields(int s);
   void applyChainDefaults();
   void showNotices(const std::vector<std::string>& lines);
+  void showCrs();
   // Says in the notice which file an export or Save Drawing wrote, its name
   // a link to its folder.
   void sayWritten(const std::optional<std::filesystem::path>& file);

@@ -60,6 +60,12 @@ class SecSubView : public FormDialog {
     inputs->addWidget(button("btnOpenInputs"));
     inputs->addWidget(button("btnSaveInputs"));
     inputs->addWidget(button("btnRestoreCorner"));
+    auto* system = new QHBoxLayout;
+    QLabel* crs = label("lblCrs");
+    crs->setWordWrap(true);
+    system->addWidget(crs, 1);
+    system->addWidget(button("btnCrs"));
+    side->addLayout(system);
     side->addLayout(inputs);
     auto* files = new QHBoxLayout;
     files->addWidget(button("btnSaveDrawing"));

@@ -3,8 +3,8 @@
 # GDAL's ogrinfo for the drawings, ogrinfo for the PNEZD points, xmllint
 # against the LandXML 1.2 schema. Run from the project's top folder:
 #   outside_readers.sh TERVALO_CLI WHAT
-# WHAT is "dxf", "csv" or "landxml"; the public LandXML 1.2 schema is kept
-# beside this script, so every clone validates.
+# WHAT is "dxf", "csv", "landxml" or "gis"; the public LandXML 1.2 schema is
+# kept beside this script, so every clone validates.
 set -euo pipefail
 cli=$1
 what=$2
@@ -17,10 +17,12 @@ schema=tests/export/LandXML-1.2.xsd
 "$cli" run tests/export/vcurve.job.json --data-dir "$out/vcurve/" >/dev/null
 "$cli" township examples/township.plan.json --data-dir "$out/township/" >/dev/null
 "$cli" township examples/township-restored.plan.json --data-dir "$out/restored/" >/dev/null
+"$cli" run examples/gis.job.json --data-dir "$out/gis/" >/dev/null
 
 count() {  # the feature count ogrinfo finds
   ogrinfo -ro -so -al "$@" | sed -n 's/^Feature Count: //p'
 }
+fail() { echo "FAIL: $*"; exit 1; }
 expect() {  # what, wanted, found
   if [ "$2" != "$3" ]; then echo "FAIL: $1: wanted $2, found $3"; exit 1; fi
   echo "ok: $1: $3"
@@ -30,13 +32,13 @@ case $what in
   dxf)
     /usr/bin/python3 tests/export/check_dxf.py "$out/regular/Section14.dxf" 25 1001 512313.489 289841.989
     /usr/bin/python3 tests/export/check_dxf.py "$out/irregular/irregular.dxf" 25 "S,16" 513660.8 284569.5
-    # 25 points, 25 names, 40 lines and their 40 annotations.
-    expect "ogrinfo DXF features" 130 "$(count "$out/regular/Section14.dxf")"
+    # 25 points, 25 names, 40 lines and their 40 annotations, and the text naming the system.
+    expect "ogrinfo DXF features" 131 "$(count "$out/regular/Section14.dxf")"
     # Four sections: 81 corners and 144 lines, each once, with their names and annotations.
-    expect "ogrinfo township DXF features" 450 "$(count "$out/township/Township.dxf")"
+    expect "ogrinfo township DXF features" 451 "$(count "$out/township/Township.dxf")"
     # The restored corner ringed on its own layer: one feature more.
     /usr/bin/python3 tests/export/check_dxf.py "$out/restored/Township.dxf" 81 SNE1411522 517623.535 284593.475
-    expect "ogrinfo restored township DXF features" 451 "$(count "$out/restored/Township.dxf")"
+    expect "ogrinfo restored township DXF features" 452 "$(count "$out/restored/Township.dxf")"
     ;;
   csv)
     for f in "$out/regular/Section14.csv" "$out/irregular/irregular.csv" "$out/township/Township.csv"; do
@@ -55,5 +57,33 @@ case $what in
       "$out/township/Township.xml" "$out/restored/Township.xml"
     grep -q '<Property label="status" value="restored"' "$out/restored/Township.xml" ||
       { echo "FAIL: the restored corner's status is not in the LandXML"; exit 1; }
+    ;;
+  gis)
+    g=$out/gis
+    # The GeoPackage: a corners and a lines layer with their fields, in EPSG:3419.
+    # (Whole outputs are read into variables: grep -q ending a pipe early would fail it.)
+    corners=$(ogrinfo -ro -so "$g/Section14.gpkg" corners)
+    lines=$(ogrinfo -ro -al "$g/Section14.gpkg" lines)
+    expect "GeoPackage corners" 25 "$(sed -n 's/^Feature Count: //p' <<<"$corners")"
+    expect "GeoPackage lines" 40 "$(sed -n 's/^Feature Count: //p' <<<"$lines")"
+    grep -q 'ID\["EPSG",3419\]' <<<"$corners" || fail "the GeoPackage is not in EPSG:3419"
+    for field in name point description evidence feature status rule; do
+      grep -q "^$field: String" <<<"$corners" || fail "no field $field"
+    done
+    grep -q "^group: String" <<<"$lines" || fail "no field group"
+    grep -q "group (String) = sixteenth" <<<"$lines" || fail "no sixteenth lines"
+    # GeoJSON in longitude and latitude, where cs2cs puts the corner too.
+    expect "GeoJSON features" 65 "$(count "$g/Section14.geojson")"
+    read -r lon lat < <(ogrinfo -ro -al -where "name='1001'" "$g/Section14.geojson" | sed -n 's/.*POINT (\([-0-9.]*\) \([-0-9.]*\)).*/\1 \2/p')
+    read -r wlat wlon _ < <(echo "512313.489 289841.989" | cs2cs -f %.12f EPSG:3419 EPSG:4326)
+    python3 -c "import sys; sys.exit(0 if abs($lon - $wlon) < 1e-7 and abs($lat - $wlat) < 1e-7 else 1)" ||
+      fail "GeoJSON puts 1001 at $lon $lat, cs2cs at $wlon $wlat"
+    echo "ok: 1001 at $lon $lat as cs2cs has it"
+    expect "KML corners" 25 "$(ogrinfo -ro -so "$g/Section14.kml" corners | sed -n 's/^Feature Count: //p')"
+    # The PNEZD CSV with its .prj beside it, and the LandXML naming the system.
+    csv=$(ogrinfo -ro -so -al -oo X_POSSIBLE_NAMES=Easting -oo Y_POSSIBLE_NAMES=Northing "$g/Section14.csv")
+    grep -q "Kansas North" <<<"$csv" || fail "the CSV's .prj does not name the system"
+    xmllint --noout --schema "$schema" "$g/Section14.xml"
+    grep -q 'epsgCode="3419"' "$g/Section14.xml" || fail "the LandXML does not name EPSG:3419"
     ;;
 esac

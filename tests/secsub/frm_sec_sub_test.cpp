@@ -434,7 +434,7 @@ TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
   }
   EXPECT_EQ(form.lblNotice.links.size(), 4u);
   ASSERT_EQ(shell.boxes.size(), 2u);
-  EXPECT_EQ(shell.boxes[0].text, "Name the file with the ending of the kind you want: .csv, .txt, .xml or .dxf.");
+  EXPECT_EQ(shell.boxes[0].text, "Name the file with the ending of the kind you want: .csv, .txt, .xml, .dxf, .gpkg, .geojson or .kml.");
   EXPECT_EQ(shell.boxes[1].icon, Icon::Critical);  // cannot be written: said, and the program goes on
   EXPECT_EQ(shell.dialogTitles.back(), "Export the Corners");
 }

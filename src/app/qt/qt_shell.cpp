@@ -100,7 +100,7 @@ void QtShell::keepPreviousInputs() {
                                       [&registry](const FormModel* f) { return registry.calculatorByForm(f->name()); });
   if (!calculator) return;
   try {
-    writeTextFile(previousInputsFile(program_->userAppData), {jsonText(recoveryJob(open_, registry))});
+    writeTextFile(previousInputsFile(program_->userAppData), {jsonText(recoveryJob(open_, registry, program_->crs))});
   } catch (const std::exception&) {
     // Previous inputs are a convenience; a folder that cannot take them costs nothing typed now.
   }
@@ -112,7 +112,7 @@ void QtShell::endProgram() {
     // One more box of the desktop program's own, after the box that ended
     // it: the user learns that nothing typed is lost, or why it could not be kept.
     try {
-      const auto job = recoveryJob(open_, program_->registry());
+      const auto job = recoveryJob(open_, program_->registry(), program_->crs);
       writeTextFile(recoveryFile(program_->userAppData), {jsonText(job)});
       msgBox("Tervalo", "Tervalo ends here. Your entries are kept and will be offered when you start Tervalo again.",
              Icon::Information, Buttons::Ok);
@@ -151,6 +151,7 @@ void QtShell::showModal(FormModel& form) {
 
 void QtShell::replay(const Job& job) {
   pending_.assign(job.steps.begin(), job.steps.end());
+  program_->crs = job.crs;
   FormModel& main = *open_.front();
   const CalculatorInfo* calculator = program_->registry().calculatorByJob(job.calculator);
   // A calculator window opens modally from its menu entry: the main window's

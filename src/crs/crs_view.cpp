@@ -1,0 +1,76 @@
+#include "crs/crs_view.h"
+
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "app/qt/form_dialog.h"
+
+namespace tervalo {
+namespace {
+
+class CrsView : public FormDialog {
+ public:
+  CrsView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(option("optNone"));
+    layout->addWidget(option("optSystem"));
+    QLabel* search = label("lblSearch");
+    QLineEdit* searchField = edit("txtSearch");
+    search->setBuddy(searchField);
+    layout->addWidget(search);
+    layout->addWidget(searchField);
+    QListWidget* systems = list("lstSystems", false);
+    systems->setMinimumHeight(160);
+    layout->addWidget(systems, 1);
+    auto* code = new QHBoxLayout;
+    QLabel* epsg = label("lblEpsg");
+    QLineEdit* epsgField = edit("txtEpsg");
+    epsgField->setMaximumWidth(100);
+    epsg->setBuddy(epsgField);
+    code->addWidget(epsg);
+    code->addWidget(epsgField);
+    code->addStretch();
+    layout->addLayout(code);
+    QLabel* system = label("lblSystem");
+    system->setWordWrap(true);
+    system->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    layout->addWidget(system);
+    QGroupBox* foot = frame("fraFoot");
+    auto* feet = new QHBoxLayout(foot);
+    feet->addWidget(option("optSystemUnit", foot));
+    feet->addWidget(option("optUsFoot", foot));
+    feet->addWidget(option("optIntlFoot", foot));
+    layout->addWidget(foot);
+    auto* height = new QHBoxLayout;
+    QLabel* elevation = label("lblElevation");
+    QLineEdit* elevationField = edit("txtElevation");
+    elevationField->setMaximumWidth(120);
+    elevation->setBuddy(elevationField);
+    height->addWidget(elevation);
+    height->addWidget(elevationField);
+    height->addStretch();
+    layout->addLayout(height);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    QPushButton* ok = button("btnOK");
+    ok->setDefault(true);
+    buttons->addWidget(ok);
+    buttons->addWidget(button("btnCancel"));
+    layout->addLayout(buttons);
+    setMinimumWidth(560);
+    bind();
+  }
+};
+
+}  // namespace
+
+QDialog* makeCrsView(FormModel& m, QtShell& s, QWidget* p) { return new CrsView(m, s, p); }
+
+}  // namespace tervalo
