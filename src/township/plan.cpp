@@ -56,12 +56,19 @@ TownshipPlan parsePlan(const std::string& text) {
     throw PlanError(std::string("not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw PlanError("a plan is a JSON object");
-  refuseUnknown(json, {"version", "source", "sections"}, "plan");
+  refuseUnknown(json, {"version", "source", "sections", "crs"}, "plan");
   TownshipPlan plan;
   const Json version = json.value("version", Json(std::uint64_t{1}));
   if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw PlanError("\"version\" must be 1");
   if (version.get<std::uint64_t>() > 1) throw PlanError("the plan comes from a newer Tervalo (version " + jsonText(version) + ")");
   plan.source = textOf(json.value("source", Json("")), "\"source\"");
+  if (json.contains("crs")) {
+    try {
+      plan.crs = crsFromJson(json["crs"]);
+    } catch (const CrsError& e) {
+      throw PlanError(std::string("plan: ") + e.what());
+    }
+  }
   const Json sections = json.value("sections", Json::array());
   if (!sections.is_array() || sections.empty()) throw PlanError("\"sections\" must list at least one section");
   std::set<std::string> seen;
@@ -160,7 +167,10 @@ std::string planText(const TownshipPlan& plan) {
     s["numbering"] = p.numbering;
     sections.push_back(s);
   }
-  return jsonText(Json{{"version", plan.version}, {"source", plan.source}, {"sections", sections}}) + "\n";
+  Json json{{"version", plan.version}, {"source", plan.source}};
+  if (!plan.crs.none()) json["crs"] = crsToJson(plan.crs);
+  json["sections"] = sections;
+  return jsonText(json) + "\n";
 }
 
 std::string plainNumberText(const std::string& digits) {
@@ -183,6 +193,7 @@ std::string sectionFileStem(const TownshipPlan& plan, const SectionPlan& p) {
 Job sectionJob(const TownshipPlan& plan, const SectionPlan& p, const std::string& dataFolder) {
   Job job;
   job.calculator = "secsub";
+  job.crs = plan.crs;
   const std::string files = dataFolder + sectionFileStem(plan, p);
   job.steps.push_back({"frmMain",
                        {{"txtInFile", plan.source}, {"txtOutInp", files + ".inp"}, {"txtReport", files + ".rpt"}},

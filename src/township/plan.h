@@ -47,6 +47,7 @@ struct TownshipPlan {
   int version = 1;
   std::string source;  // the coordinate file; a relative name is taken from the plan's folder
   std::vector<SectionPlan> sections;
+  CrsChoice crs;       // the system of the source's coordinates; none: local
 };
 
 // Parses a plan strictly: unknown keys, wrong kinds, a section, township

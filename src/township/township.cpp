@@ -8,6 +8,7 @@
 #include "app/output_file.h"
 #include "app/program.h"
 #include "export/export_file.h"
+#include "export/gis_file.h"
 #include "export/landxml.h"
 #include "export/section_dxf.h"
 #include "export/section_points.h"
@@ -312,6 +313,13 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   }
   s.emplace_back("");
 
+  // The township files carry the plan's system (or say they are local).
+  try {
+    out.map.system = mapSystem(plan.crs);
+  } catch (const CrsError& e) {
+    s.push_back(std::string("The coordinate system cannot be used: ") + e.what() + " The files say local coordinates.");
+  }
+
   // The township files, each whole; none at all when no section completed,
   // so an earlier run's files are not replaced by empty ones. A file that
   // cannot be written is said, and every section's result still reported.
@@ -330,6 +338,13 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       files.push_back((folder / "Township.xml").string());
       writeCornerDxf(out.map, folder / "Township.dxf");
       files.push_back((folder / "Township.dxf").string());
+      // The whole township as one GeoPackage; the CSV's .prj where there is a system.
+      writeGisFile(out.map, folder / "Township.gpkg", "GPKG");
+      files.push_back((folder / "Township.gpkg").string());
+      if (!out.map.system.prj.empty()) {
+        writePrjBeside(out.map, folder / "Township.csv");
+        files.push_back((folder / "Township.prj").string());
+      }
     } catch (const std::exception& e) {  // a RunTimeError of a writer, or an ExportError
       fault = e.what();
       s.push_back("The township files could not all be written: " + fault);

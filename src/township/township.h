@@ -61,7 +61,8 @@ struct TownshipOutcome {
 inline constexpr double kAgreement = 0.01;
 
 // Runs the plan into `options.dataFolder` and writes the township files
-// there: Township.txt, Township.inp, Township.csv, Township.xml, Township.dxf.
+// there: Township.txt, Township.inp, Township.csv, Township.xml, Township.dxf,
+// Township.gpkg, and Township.prj beside the CSV when the plan names a system.
 TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options, const FormRegistry& registry);
 
 }  // namespace tervalo

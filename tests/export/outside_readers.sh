@@ -85,5 +85,11 @@ case $what in
     grep -q "Kansas North" <<<"$csv" || fail "the CSV's .prj does not name the system"
     xmllint --noout --schema "$schema" "$g/Section14.xml"
     grep -q 'epsgCode="3419"' "$g/Section14.xml" || fail "the LandXML does not name EPSG:3419"
+    # The whole township in one GeoPackage, its restored corner marked with the rule.
+    township=$(ogrinfo -ro -al "$out/restored/Township.gpkg" corners)
+    expect "township GeoPackage corners" 81 "$(sed -n 's/^Feature Count: //p' <<<"$township")"
+    grep -q 'ID\["EPSG",3419\]' <<<"$township" || fail "the township GeoPackage is not in EPSG:3419"
+    expect "restored corners in the township GeoPackage" 1 "$(grep -c 'status (String) = restored' <<<"$township")"
+    expect "township GeoPackage lines" 144 "$(ogrinfo -ro -so "$out/township/Township.gpkg" lines | sed -n 's/^Feature Count: //p')"
     ;;
 esac
