@@ -36,6 +36,18 @@ frmRestore::frmRestore(Program& program) : FormModel(program, "frmRestore", "Cor
   add("optMetres", optMetres, "units").click([this] { file_.units = "m"; });
   add("lblBasis", lblBasis);
   add("txtBasis", txtBasis).numeric().change([this] { file_.basis = angleFromText(txtBasis.text).value_or(0); });
+  add("chkTrueNorth", chkTrueNorth).click([this] {
+    file_.basisTrueNorth = chkTrueNorth.checked;
+    run_.reset();
+    showBasis();
+  });
+  add("lblCrs", lblCrs);
+  add("btnCrs", btnCrs).click([this] {
+    shell().showModal(this->program().form("frmCrs"));
+    file_.crs = this->program().crs;
+    run_.reset();
+    showBasis();
+  });
   add("lblCorners", lblCorners);
   add("lstCorners", lstCorners).click([this] { selectCorner(lstCorners.selected); });
   add("btnAddCorner", btnAddCorner).click([this] {
@@ -80,7 +92,15 @@ frmRestore::frmRestore(Program& program) : FormModel(program, "frmRestore", "Cor
   add("btnWriteReport", btnWriteReport).click([this] { btnWriteReport_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
   file_.corners.push_back(CornerEntry{"Corner 1"});
+  file_.crs = program.crs;
+  showBasis();
   selectCorner(0);
+}
+
+void frmRestore::showBasis() {
+  chkTrueNorth.checked = file_.basisTrueNorth;
+  txtBasis.enabled = !file_.basisTrueNorth;
+  lblCrs.caption = "Coordinate system: " + crsTitle(file_.crs);
 }
 
 void frmRestore::setFile(RestorationFile file) {
@@ -90,12 +110,14 @@ void frmRestore::setFile(RestorationFile file) {
   optFeet.checked = file_.units != "m";
   optMetres.checked = file_.units == "m";
   txtBasis.text = shown(file_.basis);
+  showBasis();
   selectCorner(file_.corners.empty() ? -1 : 0);
 }
 
 void frmRestore::openForCorner(const std::string& name, const std::string& source) {
   RestorationFile file;
   file.source = source;
+  file.crs = program().crs;
   file.corners.push_back(CornerEntry{name});
   setFile(std::move(file));
 }
@@ -169,6 +191,12 @@ void frmRestore::btnRestore_Click() {
                        Icon::Exclamation);
         return;
       }
+  if (file_.basisTrueNorth && file_.crs.none()) {
+    shell().msgBox("Corner Restoration",
+                   "True north at each corner needs the coordinate system of the coordinates: choose it with Coordinate System... first.",
+                   Icon::Exclamation);
+    return;
+  }
   try {
     run_ = runRestoration(file_, formatShortDate(shell().today()));
   } catch (const RestorationFileError& e) {
@@ -184,7 +212,8 @@ void frmRestore::showResult() {
   if (!run_ || current < 0 || current >= static_cast<int>(run_->corners.size())) return;
   const CornerOutcome& o = run_->corners[static_cast<std::size_t>(current)];
   lblResult.caption = o.restored ? "Restored at X " + Format(o.restored->at.x, "0.0000") + "  Y " +
-                                       Format(o.restored->at.y, "0.0000") + "\nBy " + o.restored->text + "."
+                                       Format(o.restored->at.y, "0.0000") + "\nBy " + o.restored->text + "." +
+                                       (file_.basisTrueNorth ? "\nBasis " + decimalToDmsCarried(o.basis) + " to true north at its controls." : "")
                                  : "Not restored: " + o.refused + ".";
 }
 

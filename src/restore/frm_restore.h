@@ -28,6 +28,10 @@ class frmRestore : public FormModel {
   OptionButton optMetres{false, "Metres"};
   Label lblBasis{"Basis (true north from grid north, degrees):"};
   TextBox txtBasis{"0"};
+  // Each corner's basis from the coordinate system's convergence at its controls.
+  CheckBox chkTrueNorth{false, "True north at each corner, from the coordinate system"};
+  Label lblCrs{"Coordinate system: local coordinates"};
+  Button btnCrs{"Coordinate System..."};
   Label lblCorners{"Lost corners:"};
   ListBox lstCorners;
   Button btnAddCorner{"Add Corner"};
@@ -84,6 +88,7 @@ class frmRestore : public FormModel {
   void fieldsToCorner();
   void showCornerList();
   void showResult();
+  void showBasis();
   RestorationFile file_;
   std::optional<RestorationRun> run_;  // the last Restore
 };

@@ -69,6 +69,11 @@ std::optional<Control>& controlOf(LostCorner& c, int k) { return k == 0 ? c.nort
 
 std::string coordinate(double v) { return Format(v, "#######0.0000"); }
 
+std::string lowerCase(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return s;
+}
+
 }  // namespace
 
 CornerEntry parseCornerEntry(const Json& c, const std::string& place) {
@@ -123,9 +128,23 @@ RestorationFile parseRestoration(const std::string& text) {
   RestorationFile file;
   file.units = textAt(json.value("units", Json("ft")), "the file", "units");
   if (file.units != "ft" && file.units != "m") throw RestorationFileError("\"units\" is \"ft\" or \"m\"");
-  if (json.contains("basis")) file.basis = angleAt(json["basis"], "the file", "basis");
+  if (json.contains("basis")) {
+    const Json& basis = json["basis"];
+    if (basis.is_string() && lowerCase(basis.get<std::string>()) == "true north")
+      file.basisTrueNorth = true;
+    else
+      file.basis = angleAt(basis, "the file", "basis");
+  }
   if (json.contains("source")) file.source = textAt(json["source"], "the file", "source");
-  if (json.contains("crs")) file.crs = json["crs"];
+  if (json.contains("crs")) {
+    try {
+      file.crs = crsFromJson(json["crs"]);
+    } catch (const CrsError& e) {
+      throw RestorationFileError(std::string("the file: ") + e.what());
+    }
+  }
+  if (file.basisTrueNorth && file.crs.none())
+    throw RestorationFileError("\"basis\": \"true north\" needs the coordinate system of the coordinates (\"crs\")");
   const Json corners = json.value("corners", Json::array());
   if (!corners.is_array() || corners.empty()) throw RestorationFileError("\"corners\" must list at least one corner");
   for (std::size_t i = 0; i < corners.size(); ++i) file.corners.push_back(parseCornerEntry(corners[i], "corner " + std::to_string(i + 1)));
@@ -149,15 +168,45 @@ RestorationFile readRestorationFile(const std::string& name) {
 std::string restorationText(const RestorationFile& file) {
   Json corners = Json::array();
   for (const CornerEntry& c : file.corners) corners.push_back(cornerEntryJson(c));
-  Json json{{"version", kRestorationVersion}, {"units", file.units}, {"basis", file.basis}};
+  Json json{{"version", kRestorationVersion}, {"units", file.units}};
+  json["basis"] = file.basisTrueNorth ? Json("true north") : Json(file.basis);
   if (!file.source.empty()) json["source"] = file.source;
-  if (!file.crs.is_null()) json["crs"] = file.crs;
+  if (!file.crs.none()) json["crs"] = crsToJson(file.crs);
   json["corners"] = corners;
   return jsonText(json) + "\n";
 }
 
 bool RestorationRun::allRestored() const {
   return std::all_of(corners.begin(), corners.end(), [](const CornerOutcome& c) { return c.restored.has_value(); });
+}
+
+// Where a corner's controls are, on the whole: the mean of those found.
+PlanePosition controlsCentre(const CornerEntry& entry, const PointList& points) {
+  double x = 0, y = 0;
+  int n = 0;
+  for (int k = 0; k < 4; ++k) {
+    const auto& given = controlOf(entry, k);
+    if (!given) continue;
+    std::optional<Position> at = given->at;
+    if (!at)
+      for (const PointRecord& p : points.records)
+        if (!given->point.empty() && (p.name == given->point || p.name == upper(given->point))) {
+          at = Position{p.x, p.y};
+          break;
+        }
+    if (!at) continue;
+    x += at->x, y += at->y, ++n;
+  }
+  if (n == 0) throw RestoreError("none of its controls is found");
+  return {x / n, y / n};
+}
+
+double basisToTrueNorth(const CrsChoice& crs, const PlanePosition& at) {
+  try {
+    return -geo().factors(crs, {at})[0].convergence;
+  } catch (const CrsError& e) {
+    throw RestoreError(e.what());
+  }
 }
 
 CornerOutcome restoreEntry(const CornerEntry& entry, const PointList& points, bool haveSource, double basis, double chain) {
@@ -212,10 +261,27 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
   run.report = {"                RESTORATION OF LOST CORNERS", "",
                 "  Source: " + (file.source.empty() ? std::string("(typed coordinates)") : file.source),
                 "  Date: " + today + "    Units: " + (file.units == "m" ? "metres (chain 20.1168 m)" : "feet (chain 66 ft)") +
-                    "    Basis: " + decimalToDmsCarried(file.basis) + " from grid north to true north",
+                    "    Basis: " +
+                    (file.basisTrueNorth ? std::string("true north at each corner, from ") + crsTitle(file.crs)
+                                         : decimalToDmsCarried(file.basis) + " from grid north to true north"),
                 ""};
   for (const CornerEntry& entry : file.corners) {
-    CornerOutcome outcome = restoreEntry(entry, points, !file.source.empty(), file.basis, chain);
+    double basis = file.basis;
+    std::string basisFault;
+    if (file.basisTrueNorth) {
+      // True north at the corner's controls: the bearing of true north from grid north is minus the convergence.
+      try {
+        basis = basisToTrueNorth(file.crs, controlsCentre(entry, points));
+      } catch (const std::exception& e) {
+        basisFault = e.what();
+      }
+    }
+    CornerOutcome outcome = restoreEntry(entry, points, !file.source.empty(), basis, chain);
+    outcome.basis = basis;
+    if (!basisFault.empty() && outcome.restored) {
+      outcome.restored.reset();
+      outcome.refused = "its basis to true north cannot be found: " + basisFault;
+    }
 
     // The report: the corner, its controls, record and measured distances, the ratio, the rule and the result.
     run.report.push_back("  " + leftJustify(entry.name, 40) +
@@ -241,6 +307,8 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
       run.report.push_back("     Restored                 " + rightJustify(coordinate(outcome.restored->at.x), 14) + " " +
                            rightJustify(coordinate(outcome.restored->at.y), 14) + "  " + unit);
       run.report.push_back("     By " + outcome.restored->text + ".");
+      if (file.basisTrueNorth)
+        run.report.push_back("     Basis " + decimalToDmsCarried(basis) + " from grid north to true north at its controls.");
       // The points file knows no quoting: a comma or semicolon in a name becomes a blank.
       std::string pointName = entry.name;
       std::replace_if(pointName.begin(), pointName.end(), [](char ch) { return ch == ',' || ch == ';'; }, ' ');
@@ -256,6 +324,7 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
                              {"method", methodName(outcome.restored->method)},
                              {"temporary", temporary},
                              {"text", outcome.restored->text}});
+      if (file.basisTrueNorth) corners.back()["basis"] = basis;
     } else {
       run.report.push_back("     Not restored: " + outcome.refused + ".");
       refused.push_back(Json{{"name", entry.name}, {"reason", outcome.refused}});

@@ -12,6 +12,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "crs/crs.h"
 #include "points/point_list.h"
 #include "restore/proportion.h"
 
@@ -45,8 +46,11 @@ struct RestorationFile {
   double basis = 0;          // degrees
   std::string source;        // a coordinate file; relative names are taken from the file's folder
   std::vector<CornerEntry> corners;
-  // The coordinate system, as the file gives it (kept as written).
-  nlohmann::ordered_json crs;
+  // The coordinate system of the coordinates; none: local.
+  CrsChoice crs;
+  // "basis": "true north": each corner's basis from the system's meridian
+  // convergence at its controls (PROJ's), rather than one number.
+  bool basisTrueNorth = false;
 
   double chain() const { return units == "m" ? kChainMetres : kChainFeet; }
 };
@@ -57,6 +61,7 @@ struct CornerOutcome {
   std::optional<Restored> restored;  // or
   std::string refused;               // why not
   LostCorner corner;                 // its controls with their positions, as used
+  double basis = 0;                  // degrees from grid north to true north, as used
 };
 
 // Parses strictly: unknown keys, wrong kinds, a method or unit not known,
@@ -70,6 +75,12 @@ CornerEntry parseCornerEntry(const nlohmann::ordered_json& corner, const std::st
 nlohmann::ordered_json cornerEntryJson(const CornerEntry& corner);
 // Restores one corner of a file, its controls by number looked up in
 // `points` (a source read whole): the outcome, restored or refused.
+// The bearing of true north from grid north, degrees clockwise, at `at`:
+// minus the system's meridian convergence there, as PROJ gives it.
+// RestoreError when the system cannot give it.
+double basisToTrueNorth(const CrsChoice& crs, const PlanePosition& at);
+// Where a corner's controls are on the whole: the mean of those given or found in `points`.
+PlanePosition controlsCentre(const CornerEntry& entry, const PointList& points);
 CornerOutcome restoreEntry(const CornerEntry& entry, const PointList& points, bool haveSource, double basis,
                            double chain);
 RestorationFile readRestorationFile(const std::string& file);

@@ -1,5 +1,6 @@
 #include "restore/restore_view.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -49,6 +50,12 @@ class RestoreView : public FormDialog {
     frameRow->addWidget(basisField);
     frameRow->addStretch();
     left->addLayout(frameRow);
+    auto* systemRow = new QHBoxLayout;
+    systemRow->addWidget(check("chkTrueNorth"));
+    systemRow->addSpacing(20);
+    systemRow->addWidget(label("lblCrs"), 1);
+    systemRow->addWidget(button("btnCrs"));
+    left->addLayout(systemRow);
 
     auto* cornersRow = new QHBoxLayout;
     auto* listColumn = new QVBoxLayout;

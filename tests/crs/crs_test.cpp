@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "crs/crs.h"
+#include "restore/restoration_file.h"
 
 namespace tervalo {
 namespace {
@@ -43,13 +44,13 @@ TEST(CoordinateSystems, TheCrsKeyIsReadStrictly) {
 
 TEST(CoordinateSystems, PositionsAndFactorsAreProjsOwn) {
   EXPECT_FALSE(geoLoaded());  // nothing loads PROJ before a system is used
-  const CrsDescription kansas = geo().describe(3419);
+  const CrsDescription zone = geo().describe(3419);
   EXPECT_TRUE(geoLoaded());
-  EXPECT_EQ(kansas.unit, "US survey foot");
-  EXPECT_NE(kansas.datum.find("1983"), std::string::npos) << kansas.datum;
+  EXPECT_EQ(zone.unit, "US survey foot");
+  EXPECT_NE(zone.datum.find("1983"), std::string::npos) << zone.datum;
   for (const int refused : {4326, 999999})
     EXPECT_THROW(geo().describe(refused), CrsError) << refused;
-  EXPECT_FALSE(geo().search("Kansas ftUS", 10).empty());
+  EXPECT_FALSE(geo().search("NAD83 ftUS", 10).empty());
 
   // Latitudes and longitudes as PROJ's cs2cs gives them, to 1e-9 degrees.
   const std::vector<PlanePosition> at{{1800000, 500000}, {2250000.5, 123456.75}};
@@ -81,6 +82,30 @@ TEST(CoordinateSystems, PositionsAndFactorsAreProjsOwn) {
   EXPECT_NEAR(f.scale, k, 1e-8);
   EXPECT_NEAR(f.convergence, convergence, 1e-8);
   EXPECT_GT(f.convergence, 1);  // east of the zone's central meridian
+}
+
+// "basis": "true north" turns each corner's cardinal lines to the meridian at
+// its controls: the same corner as with the basis given as minus the
+// convergence there, and refused without a system to take it from.
+TEST(CoordinateSystems, ARestorationBasisTrueNorthIsMinusTheConvergenceAtTheControls) {
+  const std::string corners = R"("corners":[{"name":"CTR","method":"double",
+      "north":{"x":2250000,"y":505280,"record":40},"south":{"x":2250010,"y":500000,"record":40},
+      "east":{"x":2252640,"y":502650,"record":40},"west":{"x":2247360,"y":502630,"record":40}}]})";
+  EXPECT_THROW(parseRestoration(R"({"basis":"true north",)" + corners), RestorationFileError);
+  const RestorationFile trueNorth = parseRestoration(R"({"basis":"True North","crs":{"epsg":3419},)" + corners);
+  const double convergence = geo().factors({3419, ""}, {{2250002.5, 502640}})[0].convergence;
+  ASSERT_GT(std::abs(convergence), 0.5);  // far enough from the central meridian to matter
+  RestorationFile given = trueNorth;
+  given.basisTrueNorth = false;
+  given.basis = -convergence;
+  const RestorationRun a = runRestoration(trueNorth, "11/24/2026"), b = runRestoration(given, "11/24/2026");
+  ASSERT_TRUE(a.corners[0].restored && b.corners[0].restored) << a.corners[0].refused;
+  EXPECT_NEAR(a.corners[0].restored->at.x, b.corners[0].restored->at.x, 1e-9);
+  EXPECT_NEAR(a.corners[0].restored->at.y, b.corners[0].restored->at.y, 1e-9);
+  given.basis = 0;
+  const Position grid = runRestoration(given, "").corners[0].restored->at;
+  EXPECT_GT(std::hypot(grid.x - a.corners[0].restored->at.x, grid.y - a.corners[0].restored->at.y), 0.005);
+  EXPECT_EQ(parseRestoration(restorationText(trueNorth)).basisTrueNorth, true);
 }
 
 }  // namespace

@@ -62,6 +62,15 @@ TEST(RestoreWindow, TheExampleIsRestoredEditedSavedAndReported) {
   form.click("btnRestore");
   ASSERT_EQ(shell.boxes.size(), 1u);
   EXPECT_NE(shell.boxes[0].text.find("has record chains but no point number or X and Y"), std::string::npos);
+
+  // True north at each corner needs a system to take the convergence from.
+  form.click("btnRemoveCorner");
+  form.setChecked("chkTrueNorth", true);
+  EXPECT_FALSE(form.txtBasis.enabled);
+  shell.boxes.clear();
+  form.click("btnRestore");
+  ASSERT_EQ(shell.boxes.size(), 1u);
+  EXPECT_NE(shell.boxes[0].text.find("needs the coordinate system"), std::string::npos);
 }
 
 }  // namespace
