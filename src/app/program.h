@@ -111,10 +111,9 @@ class Program {
   // The desktop program keeps every output file a run replaces in the
   // history (the runner, whose jobs repeat, does not).
   bool keepsHistory = false;
-  // The coordinate system of the job's coordinates (none: local), and the
-  // mean elevation of the project for ground distances, in the same unit.
+  // The coordinate system of the job's coordinates (none: local), with the
+  // mean elevation of the project for ground distances.
   CrsChoice crs;
-  std::optional<double> projectElevation;
   History& history() { return history_; }
   // The earlier files the last write kept in the history: each replaced
   // file and its copy.

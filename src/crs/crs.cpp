@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <mutex>
 
@@ -14,7 +15,7 @@ CrsChoice crsFromJson(const nlohmann::ordered_json& value) {
   if (value.is_null()) return {};
   if (!value.is_object()) throw CrsError("\"crs\" must be an object such as {\"epsg\": 3419}");
   for (const auto& item : value.items())
-    if (item.key() != "epsg" && item.key() != "foot") throw CrsError("\"crs\": unknown key \"" + item.key() + "\"");
+    if (item.key() != "epsg" && item.key() != "foot" && item.key() != "elevation") throw CrsError("\"crs\": unknown key \"" + item.key() + "\"");
   const auto epsg = value.find("epsg");
   if (epsg == value.end() || !epsg->is_number_integer() || epsg->get<std::int64_t>() < 1 || epsg->get<std::int64_t>() > 999999)
     throw CrsError("\"crs\": \"epsg\" must be the code of a projected system, such as 3419");
@@ -25,6 +26,11 @@ CrsChoice crsFromJson(const nlohmann::ordered_json& value) {
       throw CrsError("\"crs\": \"foot\" is \"us\" or \"international\"");
     crs.foot = foot->get<std::string>();
   }
+  if (const auto elevation = value.find("elevation"); elevation != value.end()) {
+    if (!elevation->is_number() || !(std::fabs(elevation->get<double>()) < kMostElevation))
+      throw CrsError("\"crs\": \"elevation\" must be the mean project elevation, a number");
+    crs.elevation = elevation->get<double>();
+  }
   return crs;
 }
 
@@ -32,6 +38,7 @@ nlohmann::ordered_json crsToJson(const CrsChoice& crs) {
   if (crs.none()) return nullptr;
   nlohmann::ordered_json j{{"epsg", crs.epsg}};
   if (!crs.foot.empty()) j["foot"] = crs.foot;
+  if (crs.elevation) j["elevation"] = *crs.elevation;
   return j;
 }
 

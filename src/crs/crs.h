@@ -22,6 +22,9 @@ namespace tervalo {
 struct CrsChoice {
   int epsg = 0;      // 0: none
   std::string foot;  // "", "us" or "international"
+  // The mean project elevation, in the coordinates' unit, taken as the
+  // height above the ellipsoid: for ground lengths. None: grid only.
+  std::optional<double> elevation{};
   bool none() const { return epsg == 0; }
   bool operator==(const CrsChoice&) const = default;
 };
@@ -33,8 +36,12 @@ class CrsError : public std::runtime_error {
 };
 
 // The "crs" key of jobs, saved inputs, plans, restoration and traverse
-// files: {"epsg": 3419} with "foot" where the system leaves it open. Absent
+// files: {"epsg": 3419} with "foot" where the system leaves it open and
+// "elevation" where a mean project elevation is given. Absent
 // (null) is none. CrsError for anything else, saying what is wrong.
+// Farther from the ellipsoid than any place on the earth, in feet or metres.
+inline constexpr double kMostElevation = 100000;
+
 CrsChoice crsFromJson(const nlohmann::ordered_json& value);
 nlohmann::ordered_json crsToJson(const CrsChoice& crs);  // null for none
 

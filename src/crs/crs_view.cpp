@@ -66,6 +66,7 @@ class CrsView : public FormDialog {
     layout->addLayout(buttons);
     setMinimumWidth(560);
     bind();
+    resize(600, 600);
   }
 };
 

@@ -43,7 +43,7 @@ void frmCrs::opened() {
   optSystemUnit.checked = crs.foot.empty();
   optUsFoot.checked = crs.foot == "us";
   optIntlFoot.checked = crs.foot == "international";
-  txtElevation.text = program().projectElevation ? CStr(*program().projectElevation) : "";
+  txtElevation.text = crs.elevation ? CStr(*crs.elevation) : "";
   lblSystem.caption.clear();
   if (!crs.none()) showSystem();  // PROJ only once a system is at hand
 }
@@ -70,7 +70,13 @@ void frmCrs::showSystem() {
   }
   try {
     const CrsDescription d = geo().describe(static_cast<int>(*code));
-    lblSystem.caption = d.name + "\nDatum: " + d.datum + "; unit: " + d.unit + (d.area.empty() ? "" : "\nUsed in: " + d.area);
+    // Where it is used, its first words: a long list of counties would push the window off the screen.
+    std::string area = d.area;
+    if (area.size() > 90) {
+      const auto cut = area.find_last_of(";,", 90);
+      area = area.substr(0, cut == std::string::npos ? 90 : cut) + "...";
+    }
+    lblSystem.caption = d.name + "\nDatum: " + d.datum + "; unit: " + d.unit + (area.empty() ? "" : "\nUsed in: " + area);
   } catch (const CrsError& e) {
     lblSystem.caption = e.what();
   }
@@ -98,15 +104,15 @@ void frmCrs::btnOK_Click() {
   std::optional<double> elevation;
   if (!txtElevation.text.empty()) {
     elevation = strictNumber(txtElevation.text);
-    if (!elevation) {
+    if (!elevation || !(std::fabs(*elevation) < kMostElevation)) {
       shell().msgBox("Coordinate System", "The mean project elevation is a number, in the unit of the coordinates.",
                      Icon::Exclamation);
       focusRequest = "txtElevation";
       return;
     }
   }
+  crs.elevation = elevation;
   program().crs = crs;
-  program().projectElevation = elevation;
   unload();
 }
 

@@ -25,7 +25,7 @@ class frmCrs : public FormModel {
   OptionButton optSystemUnit{true, "The system's own unit"};
   OptionButton optUsFoot{false, "US survey feet"};
   OptionButton optIntlFoot{false, "International feet"};
-  Label lblElevation{"Mean project elevation (for ground distances):"};
+  Label lblElevation{"Mean project elevation, above the ellipsoid (for ground lengths):"};
   TextBox txtElevation;
   Button btnOK{"OK"};
   Button btnCancel{"Cancel"};

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <map>
 #include <memory>
 
@@ -122,10 +123,19 @@ class ProjGeo : public Geo {
     int computed = 0;
     if (!ellipsoid || !proj_ellipsoid_get_parameters(ctx_, ellipsoid.get(), &a, &b, &computed, &inverseFlattening))
       throw CrsError("PROJ gives no ellipsoid for " + s.description.name);
-    // Radii of curvature in the meridian (M) and the prime vertical (N); their geometric mean.
-    const double e2 = 1 - (b * b) / (a * a), w = 1 - e2 * std::pow(std::sin(latitude * kRadian), 2);
-    const double m = a * (1 - e2) / std::pow(w, 1.5), n = a / std::sqrt(w);
-    return std::sqrt(m * n) / s.metresPerJobUnit;
+    // PROJ's own Gaussian mean radius at the latitude (the geometric mean of
+    // the radii in the meridian and the prime vertical): the radius of the
+    // sphere it makes, read as the length of one radian of its equator.
+    char definition[160];
+    if (inverseFlattening > 0)
+      std::snprintf(definition, sizeof definition, "+proj=eqc +a=%.17g +rf=%.17g +R_lat_g=%.17g", a, inverseFlattening, latitude);
+    else
+      std::snprintf(definition, sizeof definition, "+proj=eqc +R=%.17g", a);
+    Pj sphere(proj_create(ctx_, definition));
+    if (!sphere) throw CrsError("PROJ gives no mean radius for " + s.description.name);
+    const double radius = proj_trans(sphere.get(), PJ_FWD, proj_coord(1, 0, 0, 0)).xy.x;
+    if (!std::isfinite(radius) || radius <= 0) throw CrsError("PROJ gives no mean radius for " + s.description.name);
+    return radius / s.metresPerJobUnit;
   }
 
   void writeGis(const GisDocument& d, const std::string& driverName, const std::filesystem::path& file) override {

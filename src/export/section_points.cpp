@@ -26,8 +26,19 @@ std::vector<std::string> pnezdLines(const CornerMap& map) {
   return lines;
 }
 
-std::vector<std::string> tervaloPointLines(const CornerMap& map) {
+std::vector<std::string> tervaloPointLines(const CornerMap& map, bool latitudes) {
   requireOneNamePerPosition(map);
+  std::vector<GeographicPosition> onEarth;
+  if (latitudes) {
+    if (map.system.crs.none()) throw ExportError("Latitudes and longitudes need a coordinate system: choose one first.");
+    std::vector<PlanePosition> at;
+    for (const MapPoint& c : map.points) at.push_back({c.x, c.y});
+    try {
+      onEarth = geo().geographic(map.system.crs, at);
+    } catch (const CrsError& e) {
+      throw ExportError(e.what());
+    }
+  }
   std::vector<std::string> lines;
   for (const MapPoint& c : map.points) {
     for (const auto& [field, text] : {std::pair{"name", &c.name}, {"feature code", &c.feature}, {"description", &c.description}})
@@ -35,6 +46,10 @@ std::vector<std::string> tervaloPointLines(const CornerMap& map) {
         throw ExportError("The " + std::string(field) + " of point " + c.name + " holds \",\" or \";\", which " +
                           "the Tervalo points format cannot hold. Export the points as CSV instead.");
     lines.push_back(c.name + "," + coordinate(c.x) + "," + coordinate(c.y) + "," + c.feature + "," + c.description);
+    if (latitudes) {
+      const GeographicPosition& g = onEarth[lines.size() - 1];
+      lines.back() += "," + Format(g.latitude, "0.000000000") + "," + Format(g.longitude, "0.000000000");
+    }
   }
   return lines;
 }

@@ -22,8 +22,11 @@ inline constexpr const char* kPnezdHeader = "Point,Northing,Easting,Elevation,De
 // coordinates with four decimals.
 std::vector<std::string> pnezdLines(const CornerMap& map);
 
-// One line per present position: name, X, Y, feature, description. The
-// format knows no quoting, so a field holding "," or ";" is an ExportError.
-std::vector<std::string> tervaloPointLines(const CornerMap& map);
+// One line per present position: name, X, Y, feature, description; with
+// `latitudes`, then its latitude and longitude in decimal degrees (nine
+// decimals, west negative) on the map's system's datum, which the reader
+// passes over. The format knows no quoting, so a field holding "," or ";"
+// is an ExportError.
+std::vector<std::string> tervaloPointLines(const CornerMap& map, bool latitudes = false);
 
 }  // namespace tervalo

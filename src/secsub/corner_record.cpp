@@ -66,7 +66,8 @@ std::string explainCorner(const SectionRecord& r, const CornerOrigins& origins, 
   return text;
 }
 
-std::vector<std::string> cornerRecordLines(const SectionRecord& r, const CornerOrigins& origins, const std::string& title) {
+std::vector<std::string> cornerRecordLines(const SectionRecord& r, const CornerOrigins& origins, const std::string& title,
+                                           const GridGround* ground) {
   std::vector<std::string> lines{"CORNER RECORD - " + title, "", "Slot  Corner     Point         Rule          Description"};
   for (int s = 0; s < slot::count; ++s) {
     const CornerSlot& c = r.slots[static_cast<std::size_t>(s)];
@@ -76,9 +77,18 @@ std::vector<std::string> cornerRecordLines(const SectionRecord& r, const CornerO
                   c.pointNumber.c_str(), originName(origins[static_cast<std::size_t>(s)]), c.description.c_str());
     lines.emplace_back(head);
     lines.push_back("      X " + fixed(c.x, 4) + "  Y " + fixed(c.y, 4));
+    if (ground)
+      for (const GroundCorner& g : ground->corners)
+        if (g.slot == s) lines.push_back("      " + groundCornerLine(g));
     lines.push_back("      " + explainCorner(r, origins, s));
   }
   lines.emplace_back("");
+  if (ground) {
+    lines.push_back("Coordinate system: " + ground->system);
+    const std::vector<std::string> table = groundLinesTable(*ground);
+    lines.insert(lines.end(), table.begin(), table.end());
+    lines.emplace_back("");
+  }
   return lines;
 }
 

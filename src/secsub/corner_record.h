@@ -10,6 +10,7 @@
 
 #include "secsub/corners.h"
 #include "secsub/section_record.h"
+#include "secsub_out/grid_ground.h"
 
 namespace tervalo {
 
@@ -34,6 +35,9 @@ std::string explainCorner(const SectionRecord& record, const CornerOrigins& orig
 
 // The corner record: a title, then each present position with its point
 // number, its description and why it is where it is.
-std::vector<std::string> cornerRecordLines(const SectionRecord& record, const CornerOrigins& origins, const std::string& title);
+// With `ground`, each corner also its latitude, longitude and factors, and
+// after them every line's grid and ground length.
+std::vector<std::string> cornerRecordLines(const SectionRecord& record, const CornerOrigins& origins, const std::string& title,
+                                           const GridGround* ground = nullptr);
 
 }  // namespace tervalo

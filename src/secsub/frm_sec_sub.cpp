@@ -94,6 +94,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   addInputFileButtons();
   add("chkLengths", chkLengths);
   add("chkWhy", chkWhy);
+  add("chkGround", chkGround);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
   add("lblCrs", lblCrs);
@@ -282,6 +283,22 @@ void frmSecSub::addToResult(nlohmann::ordered_json& result) const {
     explain.push_back(std::move(entry));
   }
   result["explain"] = std::move(explain);
+  if (ground) {
+    auto corners = nlohmann::ordered_json::array(), lines = nlohmann::ordered_json::array();
+    for (const GroundCorner& c : ground->corners)
+      corners.push_back({{"slot", c.slot},
+                         {"point", c.name},
+                         {"latitude", c.at.latitude},
+                         {"longitude", c.at.longitude},
+                         {"scale", c.grid.scale},
+                         {"convergence", c.grid.convergence},
+                         {"elevation_factor", c.elevationFactor},
+                         {"combined", c.combined}});
+    for (const GroundLine& l : ground->lines)
+      lines.push_back({{"from", l.from}, {"to", l.to}, {"grid", l.grid}, {"factor", l.factor}, {"ground", l.ground}});
+    result["ground"] = {{"system", ground->system}, {"datum", ground->datum}, {"corners", corners}, {"lines", lines}};
+    if (ground->elevation) result["ground"]["elevation"] = *ground->elevation;
+  }
 }
 
 Picture frmSecSub::drawing() const {
@@ -356,7 +373,7 @@ void frmSecSub::btnExport_Click() {
                             writeTextFile(file, pnezdLines(map));
                             writePrjBeside(map, file);
                           }},
-                         {".txt", [&] { writeTextFile(file, tervaloPointLines(map)); }},
+                         {".txt", [&] { writeTextFile(file, tervaloPointLines(map, ground.has_value())); }},
                          {".xml", [&] { writeDocument(file, cornerLandXml(map, stampOf(shell().today()))); }},
                          {".dxf", [&] { writeCornerDxf(map, file); }},
                          {".gpkg", gis},
@@ -549,6 +566,14 @@ void frmSecSub::Main() {
   showNotices({});
   const auto outputs = runOutputFiles();
   if (!outputs) return;
+  if (chkGround.checked && program().crs.none()) {
+    shell().msgBox("Coordinate System",
+                   "Latitudes and grid to ground need the coordinate system of the coordinates: choose it with Coordinate "
+                   "System..., or clear Add Latitudes and Grid to Ground.",
+                   Icon::Exclamation);
+    focusRequest = "btnCrs";
+    return;
+  }
   checkHeld16ths();
   if (!getFormValues()) return;
   checkForMissingChainData();
@@ -599,11 +624,23 @@ void frmSecSub::Main() {
   const std::vector<std::string> geopak = printPoints(record, naming);
   for (auto& page : {printReport(record, naming, computed), print3rdPage(record, input)})
     lines.insert(lines.end(), page.begin(), page.end());
+  // Asked for, a later page of latitudes and grid to ground, after the pages the report always has.
+  ground.reset();
+  if (chkGround.checked) {
+    try {
+      ground = gridAndGround(record, program().crs);
+    } catch (const CrsError& e) {
+      shell().msgBox("Coordinate System", std::string(e.what()) + ". Nothing was written.", Icon::Exclamation);
+      return;
+    }
+    const std::vector<std::string> page = gridGroundPage(record, *ground);
+    lines.insert(lines.end(), page.begin(), page.end());
+  }
 
   const std::filesystem::path& geopakFile = (*outputs)[0];
   const std::filesystem::path& reportFile = (*outputs)[1];
   std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> files{{geopakFile, geopak}, {reportFile, lines}};
-  if (outputs->size() > 2) files.emplace_back((*outputs)[2], cornerRecordLines(record, origins, drawingTitle()));
+  if (outputs->size() > 2) files.emplace_back((*outputs)[2], cornerRecordLines(record, origins, drawingTitle(), ground ? &*ground : nullptr));
   program().writeOutputFiles(files, CStr(record.section) + "-" + CStr(record.township) + "-" +
                                         CStr(record.range < 0 ? -record.range : record.range) + record.direction);
   report = lines;

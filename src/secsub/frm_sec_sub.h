@@ -10,6 +10,7 @@
 #include "app/form_model.h"
 #include "app/picture.h"
 #include "secsub/corner_record.h"
+#include "secsub_out/grid_ground.h"
 #include "secsub/notices.h"
 #include "secsub/section_record.h"
 #include "secsub/township_rules.h"
@@ -73,6 +74,9 @@ class frmSecSub : public FormModel {
   Button btnClear{"Clear"};
   CheckBox chkLengths{false, "Show Line Lengths"};       // each line's length along it in the drawing
   CheckBox chkWhy{false, "Write Corner Record"};         // a third file: why each corner is where it is
+  // In the chosen coordinate system: a later report page, the corner record
+  // and Tervalo points give latitudes, longitudes, grid and ground.
+  CheckBox chkGround{false, "Add Latitudes and Grid to Ground"};
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
   Button btnExport{"Export...", true, false};            // once there are corners to export
   Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page
@@ -96,6 +100,7 @@ class frmSecSub : public FormModel {
   int lastSlot = -1;
   RunNotices notices;
   CornerNaming runNaming;  // the last run's names and descriptions, for the exports
+  std::optional<GridGround> ground;  // the last run's latitudes and factors, when asked for
   bool hasRun = false;
 
   ChainField& chain(const std::string& name);

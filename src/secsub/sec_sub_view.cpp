@@ -54,6 +54,7 @@ class SecSubView : public FormDialog {
     auto* options = new QHBoxLayout;
     options->addWidget(check("chkLengths", sidePanel));
     options->addWidget(check("chkWhy", sidePanel));
+    options->addWidget(check("chkGround", sidePanel));
     side->addLayout(options);
     // In two rows, so that the drawing's side can be narrow beside the form.
     auto* inputs = new QHBoxLayout;

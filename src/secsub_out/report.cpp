@@ -23,12 +23,12 @@ void formatTexts(CornerSlot& c) {
   c.yText = Format(c.y, kCoordinate);
 }
 
+}  // namespace
+
 std::string locationLine(const SectionRecord& r) {
   return "SECTION " + CStr(r.section) + ", TOWNSHIP " + CStr(r.township) + "N, RANGE " + CStr(r.range) + r.direction +
          ", " + r.meridian + "th PM";
 }
-
-}  // namespace
 
 std::vector<std::string> printReportHeader(SectionRecord& r, const ReportInput& in) {
   std::vector<std::string> out;
@@ -87,8 +87,6 @@ std::vector<std::string> printReportHeader(SectionRecord& r, const ReportInput& 
   return out;
 }
 
-namespace {
-
 // The longest name these pages print whole; a longer one keeps its first
 // characters and ends in "~", so a cut never passes unseen.
 constexpr std::size_t kNameWidth = 20;
@@ -97,6 +95,8 @@ std::string shownName(const std::string& name) {
   if (textLength(name) <= kNameWidth) return name;
   return std::string(textPrefix(name, kNameWidth - 1)) + "~";
 }
+
+namespace {
 
 // The 5 by 5 grid as text: each position a box of up to three lines,
 // joined by the section's lines ("-" along a row, "|" between rows) where

@@ -22,6 +22,11 @@ struct ReportInput {
   ChainTexts chains;
 };
 
+// "SECTION 14, TOWNSHIP 115N, RANGE 22W, 5th PM", as the pages head themselves.
+std::string locationLine(const SectionRecord& record);
+// A point name as the pages print it: whole up to 20 characters, else cut with "~".
+std::string shownName(const std::string& name);
+
 // The first page, ending with its form feed. Formats the X and Y texts of
 // the PLS corners it prints into the record; the other positions print the
 // texts the record kept (blank in the first run): as it always has.

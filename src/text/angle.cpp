@@ -54,13 +54,16 @@ std::string decimalToDms(double degrees) {
          Format(Val(secondText), "00.00") + "\"";
 }
 
-std::string decimalToDmsCarried(double degrees) {
-  const double hundredths = std::round(std::fabs(degrees) * 360000.0);
-  const double whole = std::floor(hundredths / 360000.0);
-  const double minutes = std::floor((hundredths - whole * 360000.0) / 6000.0);
-  const double seconds = (hundredths - whole * 360000.0 - minutes * 6000.0) / 100.0;
-  return std::string(degrees < 0 && hundredths > 0 ? "-" : "") + Format(whole, "00") + "\u00B0" + Format(minutes, "00") +
-         "'" + Format(seconds, "00.00") + "\"";
+std::string decimalToDmsCarried(double degrees) { return dmsCarried(degrees, 2); }
+
+std::string dmsCarried(double degrees, int places) {
+  const double perSecond = std::pow(10.0, places), perDegree = 3600.0 * perSecond;
+  const double units = std::round(std::fabs(degrees) * perDegree);
+  const double whole = std::floor(units / perDegree);
+  const double minutes = std::floor((units - whole * perDegree) / (60 * perSecond));
+  const double seconds = (units - whole * perDegree - minutes * 60 * perSecond) / perSecond;
+  return std::string(degrees < 0 && units > 0 ? "-" : "") + Format(whole, "00") + "\u00B0" + Format(minutes, "00") +
+         "'" + Format(seconds, "00." + std::string(static_cast<std::size_t>(places), '0')) + "\"";
 }
 
 std::optional<double> angleFromText(const std::string& text) try {

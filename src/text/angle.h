@@ -24,6 +24,9 @@ std::string decimalToDms(double degrees);
 // (12.9999999 shows 13°00'00.00"). For the report pages of this program's
 // own design; the fields and stored texts keep decimalToDms.
 std::string decimalToDmsCarried(double degrees);
+// The same with `places` (1 to 6) decimals of seconds: latitudes and longitudes
+// to 0.00001" (a third of a millimetre).
+std::string dmsCarried(double degrees, int places);
 
 // Degrees of an angle typed in the text forms of field notes and files:
 // degrees, minutes and seconds joined by hyphens ("45-30-15", "95-10-30.5";

@@ -9,6 +9,7 @@
 
 #include "crs/crs.h"
 #include "restore/restoration_file.h"
+#include "secsub_out/grid_ground.h"
 
 namespace tervalo {
 namespace {
@@ -82,6 +83,39 @@ TEST(CoordinateSystems, PositionsAndFactorsAreProjsOwn) {
   EXPECT_NEAR(f.scale, k, 1e-8);
   EXPECT_NEAR(f.convergence, convergence, 1e-8);
   EXPECT_GT(f.convergence, 1);  // east of the zone's central meridian
+}
+
+// Grid to ground: the reductions as published worked examples give them (to
+// their printed places), PROJ's own mean radius, and a line's ground length
+// at the ellipsoid as PROJ's geod measures the geodesic between its ends.
+TEST(CoordinateSystems, GridToGroundAgreesWithWorkedExamplesAndGeod) {
+  EXPECT_NEAR(0.999981 * elevationFactor(20906000, 500), 0.999957, 5e-7);  // 500 ft up, R 20,906,000 ft
+  const double line = lineFactor(1.000133747228, 1.000133747228, 1.000125721090);  // ends and middle, 1:4:1
+  EXPECT_NEAR(line, 1.000132409, 1e-9);  // printed cut to nine places
+  EXPECT_NEAR(5314.116 * line, 5314.820, 5e-4);
+  double radius = 0;
+  ASSERT_EQ(std::sscanf(run("proj -f %.6f +proj=eqc +ellps=GRS80 +R_lat_g=38.5", "57.29577951308232 0").c_str(), "%lf", &radius), 1);
+  EXPECT_NEAR(geo().meanRadius({3419, ""}, 38.5), radius / (1200.0 / 3937), 1e-5);
+
+  SectionRecord r;  // a mile east and a mile south, far from the central meridian
+  r.slots[0] = {.x = 1800000, .y = 500000, .pointNumber = "A"};
+  r.slots[1] = {.x = 1802640, .y = 500001, .pointNumber = "B"};
+  r.slots[2] = {.x = 1805280, .y = 500000, .pointNumber = "C"};
+  r.slots[5] = {.x = 1800000, .y = 494720, .pointNumber = "D"};
+  for (const auto elevation : {std::optional<double>(), std::optional<double>(0.0)}) {
+    const GridGround g = gridAndGround(r, {3419, "", elevation});
+    ASSERT_EQ(g.lines.size(), 3u);  // A-B, B-C, A-D
+    for (const GroundLine& l : g.lines) {
+      const auto end = [&g](int slot) { return std::find_if(g.corners.begin(), g.corners.end(), [slot](auto& c) { return c.slot == slot; })->at; };
+      char ends[128];
+      std::snprintf(ends, sizeof ends, "%.12f %.12f %.12f %.12f", end(l.from).latitude, end(l.from).longitude, end(l.to).latitude,
+                    end(l.to).longitude);
+      double a1 = 0, a2 = 0, geodesic = 0;
+      ASSERT_EQ(std::sscanf(run("geod -I +ellps=GRS80 +units=us-ft -f %.9f -F %.6f", ends).c_str(), "%lf %lf %lf", &a1, &a2, &geodesic), 3);
+      EXPECT_NEAR(l.ground, geodesic, 2e-4) << l.name;
+      EXPECT_GT(std::abs(l.ground - l.grid), 0.01) << l.name;  // the reduction matters here
+    }
+  }
 }
 
 // "basis": "true north" turns each corner's cardinal lines to the meridian at

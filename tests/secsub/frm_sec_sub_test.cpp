@@ -12,6 +12,7 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "restore/frm_restore.h"
+#include "points/readers.h"
 #include "secsub/frm_sec_sub.h"
 #include "support/geopak_names.h"
 #include "support/recording_shell.h"
@@ -437,6 +438,51 @@ TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
   EXPECT_EQ(shell.boxes[0].text, "Name the file with the ending of the kind you want: .csv, .txt, .xml, .dxf, .gpkg, .geojson or .kml.");
   EXPECT_EQ(shell.boxes[1].icon, Icon::Critical);  // cannot be written: said, and the program goes on
   EXPECT_EQ(shell.dialogTitles.back(), "Export the Corners");
+}
+
+// Latitudes and grid to ground only when asked, and only with a system:
+// then a later page after the report's own (which stay as they are), a
+// line of each corner in the corner record, latitudes in Tervalo points.
+TEST_F(SectionForm, LatitudesAndGridToGroundComeOnlyWhenAskedAndAfterTheReportsOwnPages) {
+  location("14", "115", "22");
+  corners();
+  form.click("btnContinue");
+  form.click("btnContinue");  // the second run, as the fields now stand
+  const std::string plain = TempDir::read(dir.path() / "SecSub.rpt");
+  form.setChecked("chkGround", true);
+  form.setChecked("chkWhy", true);
+  shell.boxes.clear();
+  form.click("btnContinue");
+  ASSERT_EQ(titles(), std::vector<std::string>{"Coordinate System"});  // no system: refused, nothing written
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "SecSub.why.txt"));
+
+  program.crs = {3419, "", 1000.0};
+  form.click("btnContinue");
+  const std::string report = TempDir::read(dir.path() / "SecSub.rpt");
+  ASSERT_EQ(report.substr(0, plain.size()), plain);
+  const std::string page = report.substr(plain.size());
+  EXPECT_EQ(page.rfind("                GRID AND GROUND - SECTION 14\r\n", 0), 0u) << page;
+  EXPECT_NE(page.find("mean project elevation 1000.00 ft"), std::string::npos);
+  EXPECT_NE(page.find("     1001 - 1 "), std::string::npos);
+  ASSERT_TRUE(form.ground);
+  EXPECT_EQ(form.ground->corners.size(), 25u);
+  EXPECT_EQ(form.ground->lines.size(), 40u);
+  for (const GroundLine& l : form.ground->lines) EXPECT_GT(l.ground, l.grid) << l.name;  // above the ellipsoid, k below 1
+  EXPECT_NE(TempDir::read(dir.path() / "SecSub.why.txt").find("      Lat 39"), std::string::npos);
+
+  // Tervalo points carry each corner's latitude and longitude, and still read back.
+  shell.chosenFiles.push_back((dir.path() / "c.txt").string());
+  form.click("btnExport");
+  const std::string points = TempDir::read(dir.path() / "c.txt");
+  const GeographicPosition nw = form.ground->corners[0].at;
+  char expected[96];
+  std::snprintf(expected, sizeof expected, "1001,512313.4890,289841.9890,CM,NE 15-115-22,%.9f,%.9f", nw.latitude, nw.longitude);
+  EXPECT_EQ(points.rfind(expected, 0), 0u) << points;
+  PointList list;
+  FormatFlags flags;
+  getFileFormat(dir.path() / "c.txt", flags);
+  readFile(dir.path() / "c.txt", flags, list);
+  EXPECT_EQ(list.records[0].description, "NE 15-115-22");
 }
 
 // Two outputs of one run naming one file (by name, by "..", by a hard link)

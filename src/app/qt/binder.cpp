@@ -259,7 +259,10 @@ void Binder::refresh() {
             if (auto* w = widget<QListWidget>(root_, name)) {
               const QSignalBlocker block(w);
               setRows(w, c->items, [w](int i) { return w->item(i)->text(); });
-              if (c->selected != w->currentRow()) w->setCurrentRow(c->selected);
+              if (c->selected != w->currentRow()) {
+                w->setCurrentRow(c->selected);
+                if (QListWidgetItem* row = w->currentItem()) w->scrollToItem(row);  // the chosen row in sight
+              }
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, Button>) {

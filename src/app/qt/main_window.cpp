@@ -101,7 +101,8 @@ MainWindow::MainWindow(Program& program, QtShell& shell) : model_(program.form<f
         return;
       }
   });
-  resize(sizeHint().expandedTo(QSize(680, 200)));
+  // Wide enough for every menu of the bar: none hides behind its overflow button.
+  resize(sizeHint().expandedTo(QSize(std::max(680, menuBar()->sizeHint().width() + 8), 200)));
 }
 
 // The binder goes before the widgets, so that their going sends it nothing.

@@ -10,6 +10,7 @@
 #include <iostream>
 
 #include "app/forms_misc.h"
+#include "crs/frm_crs.h"
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/qt/binder.h"
@@ -105,6 +106,16 @@ void fillExamples(Program& program) {
   auto& restore = program.form<frmRestore>("frmRestore");
   restore.setFile(readRestorationFile("examples/section14.restore.json"));
   restore.click("btnRestore");
+
+  // A State Plane zone in US survey feet, found by searching PROJ's database, at a project elevation.
+  program.crs = {3419, "", 1250.0};
+  auto& crs = program.form<frmCrs>("frmCrs");
+  crs.setOpen(true);
+  crs.typeText("txtSearch", "NAD83 North (ftUS)");
+  crs.lstSystems.selected = 0;
+  for (std::size_t i = 0; i < crs.lstSystems.items.size(); ++i)
+    if (crs.lstSystems.items[i].rfind("3419 ", 0) == 0) crs.lstSystems.selected = static_cast<int>(i);
+  crs.click("lstSystems");
 }
 
 // A dark theme as a desktop's dark colour scheme gives one.
@@ -172,7 +183,7 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
   shell.unattended = true;
   fillExamples(program);
   main.binder().refresh();
-  int failures = save(main, dir, "frmMain") ? 0 : 1;
+  int failures = save(main, dir, "frmMain", main.size()) ? 0 : 1;  // as it opens
   for (const std::string& name : program.registry().formNames()) {
     if (name == "frmMain" || name == "frmSecSub" || !shell.hasView(name)) continue;
     failures += saveView(program, shell, main, dir, name, name) ? 0 : 1;
