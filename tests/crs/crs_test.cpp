@@ -27,11 +27,13 @@ std::string run(const std::string& command, const std::string& input) {
 TEST(CoordinateSystems, TheCrsKeyIsReadStrictly) {
   EXPECT_TRUE(crsFromJson(nullptr).none());
   EXPECT_EQ(crsFromJson({{"epsg", 26915}, {"foot", "us"}}), (CrsChoice{26915, "us"}));
+  EXPECT_EQ(crsToJson(crsFromJson({{"epsg", 3419}, {"elevation", 1250.5}})), (nlohmann::ordered_json{{"epsg", 3419}, {"elevation", 1250.5}}));
   const std::pair<nlohmann::ordered_json, const char*> refused[] = {
       {"EPSG:3419", "must be an object"},
       {{{"epsg", "3419"}}, "\"epsg\" must be the code"},
       {{{"epsg", 3419}, {"foot", "survey"}}, "\"foot\" is \"us\" or \"international\""},
-      {{{"epsg", 3419}, {"datum", "NAD83"}}, "unknown key \"datum\""}};
+      {{{"epsg", 3419}, {"datum", "NAD83"}}, "unknown key \"datum\""},
+      {{{"epsg", 3419}, {"elevation", 1e9}}, "\"elevation\" must be the mean project elevation"}};
   for (const auto& [value, why] : refused) {
     try {
       crsFromJson(value);

@@ -20,10 +20,13 @@ root=$work/root/usr
 for f in bin/tervalo bin/tervalo-cli share/applications/org.tervalo.Tervalo.desktop \
          share/icons/hicolor/scalable/apps/org.tervalo.Tervalo.svg share/icons/hicolor/256x256/apps/org.tervalo.Tervalo.png \
          share/metainfo/org.tervalo.Tervalo.metainfo.xml share/doc/tervalo/copyright share/doc/tervalo/LICENSE \
-         share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json; do
+         share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json lib/tervalo/libtervalo_geo.so; do
   [ -e "$root/$f" ] || { echo "FAIL: the package has no $f"; exit 1; }
 done
 (cd "$root/share/tervalo" && "$root/bin/tervalo-cli" run examples/secsub.job.json --data-dir "$work/data" >/dev/null)
 [ -s "$work/data/SecSub.inp" ] && [ -s "$work/data/SecSub.rpt" ] || { echo "FAIL: the packaged example wrote nothing"; exit 1; }
+# The coordinate system module is found beside the packaged program and does its work.
+(cd "$root/share/tervalo" && "$root/bin/tervalo-cli" run examples/gis.job.json --data-dir "$work/gis" >/dev/null)
+[ -s "$work/gis/Section14.gpkg" ] || { echo "FAIL: the packaged GIS example wrote no GeoPackage"; exit 1; }
 version=$(QT_QPA_PLATFORM=offscreen "$root/bin/tervalo" --version)
 case $version in *1.0*) echo "ok: $version" ;; *) echo "FAIL: tervalo --version said: $version"; exit 1 ;; esac
