@@ -228,6 +228,28 @@ QLayout* FormDialog::outputFileRow(bool withReturn) {
   return row;
 }
 
+QHBoxLayout* FormDialog::fieldRow(const char* caption, const char* field, int fieldWidth) {
+  auto* row = new QHBoxLayout;
+  QLabel* l = label(caption);
+  QLineEdit* e = edit(field);
+  e->setMaximumWidth(fieldWidth);
+  l->setBuddy(e);
+  row->addWidget(l);
+  row->addWidget(e);
+  row->addStretch();
+  return row;
+}
+
+QHBoxLayout* FormDialog::acceptRow(const char* accept) {
+  auto* row = new QHBoxLayout;
+  row->addStretch();
+  QPushButton* ok = button(accept);
+  ok->setDefault(true);
+  row->addWidget(ok);
+  row->addWidget(button("btnCancel"));
+  return row;
+}
+
 QLayout* FormDialog::commandRow(const char* calculate, QWidget* parent) {
   auto* row = new QHBoxLayout;
   QPushButton* go = button(calculate, parent);

@@ -52,6 +52,11 @@ class FormDialog : public QDialog {
   QLayout* outputFileRow(bool withReturn);
   // Only its first part: "Output file:", the name, Browse.
   QHBoxLayout* outputNameRow();
+  // A caption and its field (the caption's buddy), the field at most
+  // `fieldWidth` wide, the rest of the row empty.
+  QHBoxLayout* fieldRow(const char* caption, const char* field, int fieldWidth);
+  // The closing buttons at the far end: `accept` (the default button), then Cancel.
+  QHBoxLayout* acceptRow(const char* accept);
   // Calculate (the default button), Clear, and Return at the far end.
   QLayout* commandRow(const char* calculate, QWidget* parent = nullptr);
 

@@ -72,13 +72,7 @@ class HeaderView : public FormDialog {
     }
     layout->addLayout(form);
     layout->addWidget(check("chkIncludePath"));
-    auto* row = new QHBoxLayout;
-    row->addStretch();
-    QPushButton* save = button("btnSave");
-    save->setDefault(true);
-    row->addWidget(save);
-    row->addWidget(button("btnCancel"));
-    layout->addLayout(row);
+    layout->addLayout(acceptRow("btnSave"));
     setMinimumWidth(480);
     bind();
   }
@@ -145,13 +139,7 @@ class HistoryView : public FormDialog {
     QLabel* what = label("lblFiles");
     what->setWordWrap(true);
     layout->addWidget(what);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    QPushButton* ok = button("btnOK");
-    ok->setDefault(true);
-    buttons->addWidget(ok);
-    buttons->addWidget(button("btnCancel"));
-    layout->addLayout(buttons);
+    layout->addLayout(acceptRow("btnOK"));
     setMinimumWidth(420);
     bind();
   }
