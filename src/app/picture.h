@@ -23,9 +23,10 @@ struct PictureLine {
   Ink ink = Ink::Main;
   bool dashed = false;
   bool heavy = false;  // a boundary, drawn thicker than the lines inside it
+  std::string tip{};   // what the line is, shown when the pointer rests on it
 };
 
-enum class Shape { Circle, Square };
+enum class Shape { Circle, Square, Diamond };
 
 struct PictureMark {
   PicturePoint at;

@@ -23,6 +23,7 @@ std::string cornerAt(const SectionRecord& r, const MapPoint& p) {
 CornerMap sectionMap(const SectionRecord& r, const std::array<bool, slot::count>& computed, const CornerNaming& naming,
                      bool uniqueNames) {
   CornerMap map;
+  map.uniqueNames = uniqueNames;
   map.title = "Section " + CStr(r.section) + " T" + CStr(r.township) + "N R" + CStr(r.range < 0 ? -r.range : r.range) +
               r.direction;
   std::array<std::size_t, slot::count> index{};
@@ -33,6 +34,8 @@ CornerMap sectionMap(const SectionRecord& r, const std::array<bool, slot::count>
     if (c.x == 0) continue;
     MapPoint point{uniqueNames ? naming.pointNames[i] : c.pointNumber, c.description, c.feature, c.x, c.y, computed[i], s,
                    computed[i] ? "computed" : "entered"};
+    point.number = c.pointNumber;
+    point.evidence = c.evidence;
     const auto [at, added] = named.emplace(point.name, map.points.size());
     if (added) {
       index[i] = map.points.size();

@@ -26,6 +26,8 @@ struct MapPoint {
   std::string rule{};
   std::string number{};    // the surveyor's point number, where the name is another
   std::string evidence{};  // what was found in the field ("FD STONE NW COR SEC 14")
+  // In a township: the other numbers sections gave this corner, in the order met.
+  std::vector<std::string> otherNumbers{};
 };
 
 // A name that two different positions of one map would be written under.
@@ -53,6 +55,9 @@ struct CornerMap {
   std::vector<MapPoint> points;  // one per name
   std::vector<MapLine> lines;  // grouped by feature, in the groups' order
   std::vector<NameCollision> collisions;  // names given to two positions; no file may be written
+  // Named by unique corner names (a township): the files carry the
+  // surveyor's numbers beside the names.
+  bool uniqueNames = false;
 };
 
 // The feature groups, in the order the files list them.

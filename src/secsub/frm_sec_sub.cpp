@@ -254,6 +254,16 @@ std::string frmSecSub::drawingTitle() const {
          CStr(record.range < 0 ? -record.range : record.range) + record.direction;
 }
 
+CornerMap frmSecSub::runMap(bool uniqueNames) const {
+  CornerMap map = sectionMap(record, computed, runNaming, uniqueNames);
+  for (MapPoint& p : map.points) {
+    const CornerOrigin& o = origins[static_cast<std::size_t>(p.slot)];
+    if (o.kind == CornerOrigin::Kind::Restored) p.status = "restored";
+    p.rule = why(p.slot);
+  }
+  return map;
+}
+
 std::string frmSecSub::why(int s) const {
   if (!hasRun) return "";
   return explainCorner(record, origins, s);
@@ -310,7 +320,12 @@ Picture frmSecSub::drawing() const {
     return empty;
   }
   std::array<std::string, slot::count> tips;
-  for (int s = 0; s < slot::count; ++s) tips[static_cast<std::size_t>(s)] = labels[static_cast<std::size_t>(s)] + ": " + why(s);
+  // Resting on a corner: its number and title, where it is and why.
+  for (int s = 0; s < slot::count; ++s) {
+    const auto i = static_cast<std::size_t>(s);
+    tips[i] = labels[i] + " (" + kSlotTitles[i] + ")\nX " + coordinateText(record.slots[i].x) + "  Y " +
+              coordinateText(record.slots[i].y) + "\n" + why(s);
+  }
   return sectionDrawing({.record = record,
                          .computed = computed,
                          .labels = labels,
@@ -359,7 +374,7 @@ void frmSecSub::btnExport_Click() {
                                           "KML (*.kml)"});
   if (!chosen || chosen->empty()) return;
   const std::filesystem::path file(*chosen);
-  CornerMap map = sectionMap(record, computed, runNaming);
+  CornerMap map = runMap();
   try {
     map.system = mapSystem(program().crs);
   } catch (const CrsError& e) {
@@ -439,7 +454,7 @@ bool frmSecSub::getFormValues() {
     CornerSlot& c = record.slots[static_cast<std::size_t>(s)];
     // The fields are what counts: a slot emptied since the last run is blank.
     c.x = c.y = 0;
-    c.pointNumber = c.description = c.feature = "";
+    c.pointNumber = c.description = c.evidence = c.feature = "";
     if (f.xc.text.empty()) continue;
     CornerPresence& p = record.present;
     switch (s) {
@@ -458,7 +473,7 @@ bool frmSecSub::getFormValues() {
     c.x = Val(f.xc.text);
     c.y = Val(f.yc.text);
     c.pointNumber = upper(f.pn.text);
-    c.description = f.pd.text;
+    c.description = c.evidence = f.pd.text;
     c.feature = f.pf.text;
   }
   for (std::size_t i = 0; i < chains.size(); ++i) record.chains.*kChainFields[i].text = chains[i].text.text;

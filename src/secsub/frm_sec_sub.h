@@ -9,6 +9,7 @@
 
 #include "app/form_model.h"
 #include "app/picture.h"
+#include "export/corner_map.h"
 #include "secsub/corner_record.h"
 #include "secsub_out/grid_ground.h"
 #include "secsub/notices.h"
@@ -122,6 +123,9 @@ class frmSecSub : public FormModel {
   void btnExport_Click();
   void Main();
 
+  // The last run's corners and lines for the exports: each corner's status
+  // (entered, computed or restored) and the rule that placed it.
+  CornerMap runMap(bool uniqueNames = false) const;
   // Why slot `s` is where the last run left it; empty before a run.
   std::string why(int s) const;
   std::string drawingTitle() const;  // "Section 14, T115N, R22W"

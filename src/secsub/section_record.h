@@ -23,6 +23,9 @@ struct CornerSlot {
   double y = 0;             // northing
   std::string feature;
   std::string description;  // rewritten by every run (corner naming)
+  // What the source file or the user said of the monument found ("FD STONE
+  // NW COR SEC 14"), kept apart from the designation the run writes.
+  std::string evidence{};
   std::string pointNumber;  // upper case
   // Formatted coordinates, kept by the report writers from run to run.
   std::string xText;

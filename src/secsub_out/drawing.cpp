@@ -26,9 +26,11 @@ Picture sectionDrawing(const DrawingInput& in) {
   for (const GridLine& l : kGridLines) {
     if (!lineDrawn(l, present)) continue;
     const PicturePoint a = at(l.from), b = at(l.to);
-    d.lines.push_back({{a, b}, l.kind == LineKind::Section ? Ink::Main : l.kind == LineKind::Quarter ? Ink::Accent : Ink::Quiet,
-                       l.kind == LineKind::Sixteenth, l.kind == LineKind::Section});
     const double length = std::hypot(b.x - a.x, b.y - a.y);
+    d.lines.push_back({{a, b}, l.kind == LineKind::Section ? Ink::Main : l.kind == LineKind::Quarter ? Ink::Accent : Ink::Quiet,
+                       l.kind == LineKind::Sixteenth, l.kind == LineKind::Section,
+                       in.labels[static_cast<std::size_t>(l.from)] + " - " + in.labels[static_cast<std::size_t>(l.to)] + ": " +
+                           feet(length) + " ft"});
     if (in.lengths && length > 0) {
       const double bearing = std::atan2(b.y - a.y, b.x - a.x) * 180 / 3.14159265358979323846;
       lengths.push_back({{(a.x + b.x) / 2, (a.y + b.y) / 2}, feet(length), Ink::Quiet, Place::Above, bearing == 0 ? 1e-9 : bearing});

@@ -27,9 +27,8 @@ using Json = nlohmann::ordered_json;
 struct SectionRun {
   std::string section;
   std::size_t row = 0;  // of the plan
+  CornerMap map;        // by unique names, each corner with its number, status and rule
   SectionRecord record;
-  std::array<bool, slot::count> computed{};
-  CornerNaming naming;
 };
 
 std::string coordinate(double v) { return Format(v, "0.0000"); }
@@ -188,7 +187,7 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
     std::optional<SectionRun> taken;
     one.inspect = [&](Program& program) {
       auto& form = program.form<frmSecSub>("frmSecSub");
-      if (form.hasRun) taken = SectionRun{p.section, row, form.record, form.computed, form.runNaming};
+      if (form.hasRun) taken = SectionRun{p.section, row, form.runMap(true), form.record};
     };
     RunOutcome run = runJob(sectionJob(runPlan, p, options.dataFolder), one, registry);
     criticalBox = criticalBox || run.exitCode == kExitCriticalBox;
@@ -214,7 +213,7 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   std::map<std::string, bool> lineSeen;
   std::vector<MapLine> lines;
   for (const SectionRun& run : runs) {
-    const CornerMap own = sectionMap(run.record, run.computed, run.naming, true);
+    const CornerMap& own = run.map;
     std::vector<std::size_t> index(own.points.size());
     for (std::size_t k = 0; k < own.points.size(); ++k) {
       const MapPoint& point = own.points[k];
@@ -222,6 +221,13 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       if (added) {
         out.map.points.push_back(point);
         positions.emplace_back();
+      } else {
+        // The first section's number and rule stand; another number it was given, and evidence found, are kept too.
+        MapPoint& kept = out.map.points[at->second];
+        if (point.number != kept.number &&
+            std::find(kept.otherNumbers.begin(), kept.otherNumbers.end(), point.number) == kept.otherNumbers.end())
+          kept.otherNumbers.push_back(point.number);
+        if (kept.evidence.empty()) kept.evidence = point.evidence;
       }
       positions[at->second].push_back({run.section, point.slot, point.x, point.y});
       // A corner a section took restored is restored in the township's files too, with its rule.
@@ -241,6 +247,7 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   for (const char* group : kFeatureGroups)
     for (const MapLine& l : lines)
       if (l.feature == group) out.map.lines.push_back(l);
+  out.map.uniqueNames = true;
   out.map.title = "Township plan";
   if (!plan.sections.empty()) out.map.title = "T" + plan.sections.front().township + "N R" + plan.sections.front().range + plan.sections.front().direction;
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <tuple>
 
 #include "crs/crs.h"
 #include "restore/restoration_file.h"
@@ -100,10 +101,11 @@ TEST(CoordinateSystems, GridToGroundAgreesWithWorkedExamplesAndGeod) {
   EXPECT_NEAR(geo().meanRadius({3419, ""}, 38.5), radius / (1200.0 / 3937), 1e-5);
 
   SectionRecord r;  // a mile east and a mile south, far from the central meridian
-  r.slots[0] = {.x = 1800000, .y = 500000, .pointNumber = "A"};
-  r.slots[1] = {.x = 1802640, .y = 500001, .pointNumber = "B"};
-  r.slots[2] = {.x = 1805280, .y = 500000, .pointNumber = "C"};
-  r.slots[5] = {.x = 1800000, .y = 494720, .pointNumber = "D"};
+  for (const auto& [slot, x, y, name] : {std::tuple{0, 1800000.0, 500000.0, "A"}, {1, 1802640.0, 500001.0, "B"},
+                                        {2, 1805280.0, 500000.0, "C"}, {5, 1800000.0, 494720.0, "D"}}) {
+    CornerSlot& c = r.slots[static_cast<std::size_t>(slot)];
+    c.x = x, c.y = y, c.pointNumber = name;
+  }
   for (const auto elevation : {std::optional<double>(), std::optional<double>(0.0)}) {
     const GridGround g = gridAndGround(r, {3419, "", elevation});
     ASSERT_EQ(g.lines.size(), 3u);  // A-B, B-C, A-D

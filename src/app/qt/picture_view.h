@@ -10,6 +10,7 @@
 #include <QWidget>
 #include <QPointF>
 #include <functional>
+#include <optional>
 
 #include "app/picture.h"
 
@@ -25,6 +26,16 @@ struct PictureFrame {
 };
 PictureFrame pictureFrame(const Picture& picture, const QRectF& area, const QFont& font, const QPaintDevice* device = nullptr);
 
+// How far a map is zoomed in and moved from fitting its area: each point of
+// the fitted picture lands `zoom` times as far from the area's centre, then
+// moved by `pan` pixels.
+struct PictureZoom {
+  double zoom = 1;
+  QPointF pan;
+  bool fitted() const { return zoom == 1 && pan.isNull(); }
+};
+PictureFrame zoomedFrame(const PictureFrame& fitted, const QRectF& area, const PictureZoom& zoom);
+
 // Where each label of a picture is written: the room it takes, turned by
 // `degrees` about its anchor for a label along a line. Labels never
 // overprint one another or what is `taken` already, and keep clear of the
@@ -38,27 +49,56 @@ struct PlacedLabel {
 std::vector<PlacedLabel> placeLabels(const Picture& picture, const PictureFrame& frame, const QRectF& area,
                                      const QFontMetricsF& metrics, std::vector<QRectF> taken = {});
 
-// Paints `picture` fitted into `area`.
-void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font);
+// Paints `picture` fitted into `area`, zoomed and moved by `zoom`.
+void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area, const QPalette& palette, const QFont& font,
+                  const PictureZoom& zoom = {});
 
 // A picture beside a window's results, redrawn whenever its model changes
 // it. Its context menu (or Shift+F10, or the menu key) saves it as SVG, PNG
-// or PDF through `save`.
+// or PDF through `save`. A map is explored: the wheel (or + and -) zooms
+// about the pointer, dragging (or the arrow keys) moves it, Home or a
+// double click fits it again; resting the pointer on a mark or a line shows
+// what it is.
 class PictureView : public QWidget {
  public:
   explicit PictureView(QWidget* parent);
+  // A new picture keeps the zoom while it covers the same ground (the same
+  // section after a change); another ground is shown whole.
   void showPicture(const Picture& picture);
   const Picture& picture() const { return picture_; }
   std::function<void(const Picture&)> save;
+  // A click on the map (not a drag): where, in the picture's units, and how
+  // far from there still counts as on a thing (ten pixels).
+  std::function<void(PicturePoint at, double tolerance)> clicked;
+
+  const PictureZoom& zoom() const { return zoom_; }
+  // Zooms by `factor` about `about` (a point of the widget).
+  void zoomBy(double factor, QPointF about);
+  void fit();
+  // The tip of the mark or line nearest `at` (a point of the widget) within ten pixels, or "".
+  std::string tipAt(QPointF at) const;
+  // The picture's point under `at`.
+  PicturePoint worldAt(QPointF at) const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
-  bool event(QEvent* event) override;  // a mark's tip as its tooltip
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  bool event(QEvent* event) override;  // a mark's or line's tip as its tooltip
 
  private:
+  bool explorable() const { return !picture_.mapUnits.empty() && !picture_.empty(); }
+  PictureFrame frame() const;
   Picture picture_;
+  PictureZoom zoom_;
+  std::optional<QPointF> pressedAt_;  // where the left button went down
+  QPointF panAtPress_;
+  bool dragged_ = false;
 };
 
 }  // namespace tervalo
