@@ -32,13 +32,15 @@ case $what in
   dxf)
     /usr/bin/python3 tests/export/check_dxf.py "$out/regular/Section14.dxf" 25 1001 512313.489 289841.989
     /usr/bin/python3 tests/export/check_dxf.py "$out/irregular/irregular.dxf" 25 "S,16" 513660.8 284569.5
-    # 25 points, 25 names, 40 lines and their 40 annotations, and the text naming the system.
-    expect "ogrinfo DXF features" 131 "$(count "$out/regular/Section14.dxf")"
-    # Four sections: 81 corners and 144 lines, each once, with their names and annotations.
-    expect "ogrinfo township DXF features" 451 "$(count "$out/township/Township.dxf")"
-    # The restored corner ringed on its own layer: one feature more.
+    # 25 points, 25 names, 40 lines and their 40 annotations, the text naming the system, and
+    # the evidence found at the 8 corners the source describes.
+    expect "ogrinfo DXF features" 139 "$(count "$out/regular/Section14.dxf")"
+    # Four sections: 81 corners and 144 lines, each once, with their names and annotations, and
+    # the evidence found at 21 corners.
+    expect "ogrinfo township DXF features" 472 "$(count "$out/township/Township.dxf")"
+    # The restored corner ringed on its own layer, where a found one had its evidence: as many features.
     /usr/bin/python3 tests/export/check_dxf.py "$out/restored/Township.dxf" 81 SNE1411522 517623.535 284593.475
-    expect "ogrinfo restored township DXF features" 452 "$(count "$out/restored/Township.dxf")"
+    expect "ogrinfo restored township DXF features" 472 "$(count "$out/restored/Township.dxf")"
     ;;
   csv)
     for f in "$out/regular/Section14.csv" "$out/irregular/irregular.csv" "$out/township/Township.csv"; do

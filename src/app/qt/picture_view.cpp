@@ -167,10 +167,11 @@ std::vector<PlacedLabel> placeLabels(const Picture& picture, const PictureFrame&
     if (!area.contains(p)) continue;  // zoomed in, its point is out of sight
     const double width = metrics.horizontalAdvance(text), height = metrics.height();
     if (t.along != 0) {
-      // Along its line and upright: turned no further than a quarter turn.
+      // Along its line and upright: left to right, and bottom to top along a
+      // line within ten degrees of north and south (as a plat writes it).
       double degrees = -t.along;
-      while (degrees > 90) degrees -= 180;
-      while (degrees <= -90) degrees += 180;
+      while (degrees >= 80) degrees -= 180;
+      while (degrees < -100) degrees += 180;
       const double first = t.place == Place::Below ? 1 : -1;
       for (double side : {first, -first}) {
         const QRectF box(p.x() - width / 2, side < 0 ? p.y() - 3 - height : p.y() + 3, width, height);
