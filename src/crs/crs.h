@@ -77,7 +77,7 @@ struct CrsListEntry {
 
 // What a GIS file holds: the corners and the lines between them.
 struct GisCorner {
-  std::string name, number, description, evidence, feature, status, rule;
+  std::string name, number, otherNumbers, description, evidence, feature, status, rule;
   PlanePosition at;
 };
 struct GisLine {

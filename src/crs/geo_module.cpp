@@ -161,7 +161,7 @@ class ProjGeo : public Geo {
     const bool one = driverName == "GeoJSON";
     char** options = nullptr;
     if (one) options = CSLSetNameValue(options, "RFC7946", "YES");
-    const char* cornerFields[] = {"name", "point", "description", "evidence", "feature", "status", "rule"};
+    const char* cornerFields[] = {"name", "point", "other_points", "description", "evidence", "feature", "status", "rule"};
     const char* lineFields[] = {"line", "group"};
     const auto addFields = [&](OGRLayerH layer, const auto& names) {
       for (const char* name : names) {
@@ -179,7 +179,7 @@ class ProjGeo : public Geo {
       if (one) addFields(corners, lineFields);
       for (const GisCorner& c : d.corners) {
         OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(corners));
-        const std::string* values[] = {&c.name, &c.number, &c.description, &c.evidence, &c.feature, &c.status, &c.rule};
+        const std::string* values[] = {&c.name, &c.number, &c.otherNumbers, &c.description, &c.evidence, &c.feature, &c.status, &c.rule};
         for (std::size_t i = 0; i < std::size(values); ++i) OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, cornerFields[i]), values[i]->c_str());
         OGRGeometryH point = OGR_G_CreateGeometry(wkbPoint);
         OGR_G_SetPoint_2D(point, 0, c.at.x, c.at.y);

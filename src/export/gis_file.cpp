@@ -29,9 +29,12 @@ void writeGisFile(const CornerMap& map, const std::filesystem::path& file, const
   GisDocument d;
   d.crs = map.system.crs;
   d.title = map.title;
-  for (const MapPoint& p : map.points)
-    d.corners.push_back({p.name, p.number.empty() ? p.name : p.number, p.description, p.evidence, p.feature, p.status, p.rule,
-                         {p.x, p.y}});
+  for (const MapPoint& p : map.points) {
+    std::string others;
+    for (const std::string& n : p.otherNumbers) others += (others.empty() ? "" : " ") + n;
+    d.corners.push_back({p.name, p.number.empty() ? p.name : p.number, others, p.description, p.evidence, p.feature, p.status,
+                         p.rule, {p.x, p.y}});
+  }
   for (const MapLine& l : map.lines)
     d.lines.push_back({l.name, group(l.feature), {map.points[l.from].x, map.points[l.from].y}, {map.points[l.to].x, map.points[l.to].y}});
   try {

@@ -74,15 +74,20 @@ std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
     p.append_attribute("pntSurv") = c.computed ? "boundary" : "monument";
     p.text() = (coordinate(c.y) + " " + coordinate(c.x)).c_str();
   }
-  // A point's status where it is more than entered or computed (a restored
-  // corner and its rule), as a feature of the points: a CgPoint holds only
-  // its coordinates.
+  // What a CgPoint has no attribute for, as a feature of the points named
+  // after it: a restored corner's status and rule, the evidence found, and
+  // in a township the surveyor's numbers for the corner.
   for (const MapPoint& c : map.points) {
-    if (c.status != "restored") continue;
+    std::vector<std::pair<const char*, std::string>> said;
+    if (c.status == "restored") said.insert(said.end(), {{"status", c.status}, {"rule", c.rule}});
+    if (!c.evidence.empty()) said.emplace_back("evidence", c.evidence);
+    if (map.uniqueNames && !c.number.empty()) said.emplace_back("pointNumber", c.number);
+    for (const std::string& other : c.otherNumbers) said.emplace_back("otherPointNumber", other);
+    if (said.empty()) continue;
     pugi::xml_node f = points.append_child("Feature");
     f.append_attribute("name") = c.name.c_str();
     f.append_attribute("code") = "corner";
-    for (const auto& [label, value] : {std::pair{"status", c.status}, {"rule", c.rule}}) {
+    for (const auto& [label, value] : said) {
       pugi::xml_node property = f.append_child("Property");
       property.append_attribute("label") = label;
       property.append_attribute("value") = value.c_str();

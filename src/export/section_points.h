@@ -18,12 +18,17 @@ std::string csvField(const std::string& text);
 inline constexpr const char* kPnezdHeader = "Point,Northing,Easting,Elevation,Description";
 
 // The header row, then one line per present position, in slot order: name,
-// northing, easting, an empty elevation (plane corners), description;
-// coordinates with four decimals.
+// northing, easting, an empty elevation (plane corners), description (the
+// designation, then " / " and the evidence found where there is any);
+// coordinates with four decimals. A township's adds the surveyor's number
+// and the other numbers sections gave the corner.
 std::vector<std::string> pnezdLines(const CornerMap& map);
 
-// One line per present position: name, X, Y, feature, description; with
-// `latitudes`, then its latitude and longitude in decimal degrees (nine
+// "NW 14-115-22 / FD STONE NW COR SEC 14": the designation, then what was found.
+std::string describedAsFound(const MapPoint& point);
+
+// One line per present position: name, X, Y, feature, description, the
+// evidence found; with `latitudes`, then its latitude and longitude in decimal degrees (nine
 // decimals, west negative) on the map's system's datum, which the reader
 // passes over. The format knows no quoting, so a field holding "," or ";"
 // is an ExportError.

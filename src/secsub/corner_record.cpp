@@ -77,6 +77,7 @@ std::vector<std::string> cornerRecordLines(const SectionRecord& r, const CornerO
                   c.pointNumber.c_str(), originName(origins[static_cast<std::size_t>(s)]), c.description.c_str());
     lines.emplace_back(head);
     lines.push_back("      X " + fixed(c.x, 4) + "  Y " + fixed(c.y, 4));
+    if (!c.evidence.empty()) lines.push_back("      Found: " + c.evidence);
     if (ground)
       for (const GroundCorner& g : ground->corners)
         if (g.slot == s) lines.push_back("      " + groundCornerLine(g));

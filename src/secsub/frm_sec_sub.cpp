@@ -1,4 +1,5 @@
 #include "secsub/frm_sec_sub.h"
+#include "secsub_out/evidence_page.h"
 
 #include "restore/frm_restore.h"
 
@@ -95,6 +96,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("chkLengths", chkLengths);
   add("chkWhy", chkWhy);
   add("chkGround", chkGround);
+  add("chkEvidence", chkEvidence);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
   add("lblCrs", lblCrs);
@@ -639,7 +641,12 @@ void frmSecSub::Main() {
   const std::vector<std::string> geopak = printPoints(record, naming);
   for (auto& page : {printReport(record, naming, computed), print3rdPage(record, input)})
     lines.insert(lines.end(), page.begin(), page.end());
-  // Asked for, a later page of latitudes and grid to ground, after the pages the report always has.
+  // Asked for, later pages after those the report always has: the evidence
+  // found at each corner, latitudes and grid to ground.
+  if (chkEvidence.checked) {
+    const std::vector<std::string> page = evidencePage(record);
+    lines.insert(lines.end(), page.begin(), page.end());
+  }
   ground.reset();
   if (chkGround.checked) {
     try {

@@ -78,6 +78,7 @@ class frmSecSub : public FormModel {
   // In the chosen coordinate system: a later report page, the corner record
   // and Tervalo points give latitudes, longitudes, grid and ground.
   CheckBox chkGround{false, "Add Latitudes and Grid to Ground"};
+  CheckBox chkEvidence{false, "Add Corner Evidence Page"};  // a later report page: what was found at each corner
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
   Button btnExport{"Export...", true, false};            // once there are corners to export
   Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page

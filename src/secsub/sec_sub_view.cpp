@@ -51,10 +51,12 @@ class SecSubView : public FormDialog {
     drawing_ = picture("drawing");
     drawing_->setMinimumSize(340, 340);
     side->addWidget(drawing_, 1);
-    auto* options = new QHBoxLayout;
-    options->addWidget(check("chkLengths", sidePanel));
-    options->addWidget(check("chkWhy", sidePanel));
-    options->addWidget(check("chkGround", sidePanel));
+    // The drawing's and the run's options, two by two.
+    auto* options = new QGridLayout;
+    options->addWidget(check("chkLengths", sidePanel), 0, 0);
+    options->addWidget(check("chkWhy", sidePanel), 0, 1);
+    options->addWidget(check("chkEvidence", sidePanel), 1, 0);
+    options->addWidget(check("chkGround", sidePanel), 1, 1);
     side->addLayout(options);
     // In two rows, so that the drawing's side can be narrow beside the form.
     auto* inputs = new QHBoxLayout;

@@ -51,6 +51,14 @@ std::vector<std::string> geopakLines(const CornerMap& map) {
   return lines;
 }
 
+// " (1003)", or " (1003, also 2005)": the numbers the surveyor gave a corner.
+std::string numbered(const MapPoint& p) {
+  if (p.number.empty()) return "";
+  std::string text = " (" + p.number;
+  for (std::size_t i = 0; i < p.otherNumbers.size(); ++i) text += (i == 0 ? ", also " : " ") + p.otherNumbers[i];
+  return text + ")";
+}
+
 double distance(const CornerPosition& a, const CornerPosition& b) { return std::hypot(a.x - b.x, a.y - b.y); }
 
 // The plan's source, read once and whole: a county's control file may hold
@@ -313,12 +321,29 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   };
   for (const Disagreement& d : out.disagreements) {
     s.emplace_back("");
-    told("  " + d.name + "  " + d.description);
+    told("  " + d.name + numbered(out.map.points[pointAt.at(d.name)]) + "  " + d.description);
     for (const CornerPosition& p : d.positions)
       told("    Section " + p.section + " slot " + std::to_string(p.slot) + ":  X " + coordinate(p.x) + "  Y " + coordinate(p.y));
     told("    Difference: " + coordinate(d.difference) + " ft");
   }
   s.emplace_back("");
+  // Every corner by its unique name, with the numbers the surveyor gave it.
+  if (!out.map.points.empty()) {
+    s.push_back("Corners by name, with their point numbers:");
+    std::size_t width = 0;
+    for (const MapPoint& p : out.map.points) width = std::max(width, p.name.size());
+    for (const MapPoint& p : out.map.points) {
+      std::string line = "  " + p.name + std::string(width + 2 - p.name.size(), ' ') + p.number;
+      if (!p.otherNumbers.empty()) {
+        line += "  (also";
+        for (const std::string& other : p.otherNumbers) line += " " + other;
+        line += ")";
+      }
+      if (p.status == "restored") line += "  restored";
+      s.push_back(line);
+    }
+    s.emplace_back("");
+  }
 
   // The township files carry the plan's system (or say they are local).
   try {

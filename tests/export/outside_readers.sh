@@ -53,12 +53,23 @@ case $what in
     ogrinfo -ro -al "$out/irregular/irregular.csv" | grep -q "Point (String) = S,16" ||
       { echo "FAIL: the name S,16 did not survive"; exit 1; }
     echo "ok: the name S,16 survives"
+    # The designation then the evidence found; a township corner with the surveyor's numbers.
+    section=$(ogrinfo -ro -al "$out/regular/Section14.csv")
+    grep -q "Description (String) = NE 15-115-22 / FD STONE NW COR SEC 14" <<<"$section" || fail "no evidence after the designation"
+    township=$(ogrinfo -ro -al -where "Point='XENE1411522'" "$out/township/Township.csv")
+    grep -q "Number (String) = 2007" <<<"$township" && grep -q "Other Numbers (String) = 3003" <<<"$township" ||
+      fail "the township CSV does not carry the numbers 2007 and 3003 of XENE1411522"
+    echo "ok: evidence and the surveyor's numbers"
     ;;
   landxml)
     xmllint --noout --schema "$schema" "$out/regular/Section14.xml" "$out/irregular/irregular.xml" "$out/vcurve/profile.xml" \
       "$out/township/Township.xml" "$out/restored/Township.xml"
     grep -q '<Property label="status" value="restored"' "$out/restored/Township.xml" ||
       { echo "FAIL: the restored corner's status is not in the LandXML"; exit 1; }
+    for property in 'label="evidence" value="COR 00"' 'label="pointNumber" value="2007"' \
+                    'label="otherPointNumber" value="3003"'; do
+      grep -q "<Property $property" "$out/township/Township.xml" || fail "no <Property $property> in the township LandXML"
+    done
     ;;
   gis)
     g=$out/gis
@@ -73,6 +84,7 @@ case $what in
       grep -q "^$field: String" <<<"$corners" || fail "no field $field"
     done
     grep -q "^group: String" <<<"$lines" || fail "no field group"
+    grep -q "^other_points: String" <<<"$corners" || fail "no field other_points"
     grep -q "group (String) = sixteenth" <<<"$lines" || fail "no sixteenth lines"
     # GeoJSON in longitude and latitude, where cs2cs puts the corner too.
     expect "GeoJSON features" 65 "$(count "$g/Section14.geojson")"
@@ -92,6 +104,7 @@ case $what in
     expect "township GeoPackage corners" 81 "$(sed -n 's/^Feature Count: //p' <<<"$township")"
     grep -q 'ID\["EPSG",3419\]' <<<"$township" || fail "the township GeoPackage is not in EPSG:3419"
     expect "restored corners in the township GeoPackage" 1 "$(grep -c 'status (String) = restored' <<<"$township")"
+    grep -q "other_points (String) = 3003" <<<"$township" || fail "the township GeoPackage has no other numbers"
     expect "township GeoPackage lines" 144 "$(ogrinfo -ro -so "$out/township/Township.gpkg" lines | sed -n 's/^Feature Count: //p')"
     ;;
 esac

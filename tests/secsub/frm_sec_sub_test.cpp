@@ -440,16 +440,18 @@ TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
   EXPECT_EQ(shell.dialogTitles.back(), "Export the Corners");
 }
 
-// Latitudes and grid to ground only when asked, and only with a system:
-// then a later page after the report's own (which stay as they are), a
-// line of each corner in the corner record, latitudes in Tervalo points.
-TEST_F(SectionForm, LatitudesAndGridToGroundComeOnlyWhenAskedAndAfterTheReportsOwnPages) {
+// Later pages only when asked, after the report's own (which stay as they
+// are): the evidence found at each corner, and latitudes and grid to ground
+// (only with a system); the corner record says both, Tervalo points and
+// PNEZD carry the evidence beside the designation.
+TEST_F(SectionForm, LaterPagesComeOnlyWhenAskedAndAfterTheReportsOwnPages) {
   location("14", "115", "22");
   corners();
   form.click("btnContinue");
   form.click("btnContinue");  // the second run, as the fields now stand
   const std::string plain = TempDir::read(dir.path() / "SecSub.rpt");
   form.setChecked("chkGround", true);
+  form.setChecked("chkEvidence", true);
   form.setChecked("chkWhy", true);
   shell.boxes.clear();
   form.click("btnContinue");
@@ -460,23 +462,31 @@ TEST_F(SectionForm, LatitudesAndGridToGroundComeOnlyWhenAskedAndAfterTheReportsO
   form.click("btnContinue");
   const std::string report = TempDir::read(dir.path() / "SecSub.rpt");
   ASSERT_EQ(report.substr(0, plain.size()), plain);
-  const std::string page = report.substr(plain.size());
-  EXPECT_EQ(page.rfind("                GRID AND GROUND - SECTION 14\r\n", 0), 0u) << page;
+  const std::string evidence = report.substr(plain.size(), report.find("GRID AND GROUND") - plain.size());
+  EXPECT_EQ(evidence.rfind("                CORNER EVIDENCE - SECTION 14\r\n", 0), 0u) << evidence;
+  EXPECT_NE(evidence.find("     1001    NW Cor     NE 15-115-22             CM       NW COR\r\n"), std::string::npos) << evidence;
+  EXPECT_NE(evidence.find("     1       N 1/16     "), std::string::npos) << evidence;  // computed: nothing found
+  const std::string page = report.substr(report.find("                GRID AND GROUND"));
   EXPECT_NE(page.find("mean project elevation 1000.00 ft"), std::string::npos);
   EXPECT_NE(page.find("     1001 - 1 "), std::string::npos);
   ASSERT_TRUE(form.ground);
   EXPECT_EQ(form.ground->corners.size(), 25u);
   EXPECT_EQ(form.ground->lines.size(), 40u);
   for (const GroundLine& l : form.ground->lines) EXPECT_GT(l.ground, l.grid) << l.name;  // above the ellipsoid, k below 1
-  EXPECT_NE(TempDir::read(dir.path() / "SecSub.why.txt").find("      Lat 39"), std::string::npos);
+  const std::string why = TempDir::read(dir.path() / "SecSub.why.txt");
+  EXPECT_NE(why.find("      Lat 39"), std::string::npos);
+  EXPECT_NE(why.find("      Found: NW COR\r\n"), std::string::npos);
 
-  // Tervalo points carry each corner's latitude and longitude, and still read back.
+  // Tervalo points carry each corner's evidence, latitude and longitude, and still read back; PNEZD its evidence.
   shell.chosenFiles.push_back((dir.path() / "c.txt").string());
+  shell.chosenFiles.push_back((dir.path() / "c.csv").string());
   form.click("btnExport");
+  form.click("btnExport");
+  EXPECT_NE(TempDir::read(dir.path() / "c.csv").find("\r\n1001,289841.9890,512313.4890,,NE 15-115-22 / NW COR\r\n"), std::string::npos);
   const std::string points = TempDir::read(dir.path() / "c.txt");
   const GeographicPosition nw = form.ground->corners[0].at;
   char expected[96];
-  std::snprintf(expected, sizeof expected, "1001,512313.4890,289841.9890,CM,NE 15-115-22,%.9f,%.9f", nw.latitude, nw.longitude);
+  std::snprintf(expected, sizeof expected, "1001,512313.4890,289841.9890,CM,NE 15-115-22,NW COR,%.9f,%.9f", nw.latitude, nw.longitude);
   EXPECT_EQ(points.rfind(expected, 0), 0u) << points;
   PointList list;
   FormatFlags flags;
