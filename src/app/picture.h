@@ -56,6 +56,9 @@ struct PictureText {
   // Written along a line at this bearing (degrees counter-clockwise from
   // +x), on the side `place` names (Above or Below); 0 writes level.
   double along = 0;
+  // Written only where it has room of its own beside its anchor, clear of
+  // the drawing, else left out: a map's many names come as it is zoomed in.
+  bool ifRoom = false;
 };
 
 struct Picture {

@@ -34,7 +34,8 @@ CornerMap sectionMap(const SectionRecord& r, const std::array<bool, slot::count>
     if (c.x == 0) continue;
     MapPoint point{uniqueNames ? naming.pointNames[i] : c.pointNumber, c.description, c.feature, c.x, c.y, computed[i], s,
                    computed[i] ? "computed" : "entered"};
-    point.number = c.pointNumber;
+    // The surveyor's number; none where the run named the corner by its unique name.
+    point.number = uniqueNames && c.pointNumber == naming.pointNames[i] ? "" : c.pointNumber;
     point.evidence = c.evidence;
     const auto [at, added] = named.emplace(point.name, map.points.size());
     if (added) {

@@ -8,6 +8,7 @@
 #include "export/export_file.h"
 #include "text/errors.h"
 #include "township/township.h"
+#include "township/township_map.h"
 
 namespace tervalo {
 
@@ -38,6 +39,9 @@ frmTownship::frmTownship(Program& program) : FormModel(program, "frmTownship", "
     ++tableVersion;
   });
   add("btnRun", btnRun).click([this] { btnRun_Click(); });
+  add("btnPrint", btnPrint).click([this] {
+    if (outcome_) shell().print({"Township Summary", lstSummary.items, map()});
+  });
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("lblSummary", lblSummary);
   add("lstSummary", lstSummary);
@@ -136,6 +140,8 @@ void frmTownship::btnOpenPlan_Click() {
   txtSource.text = plan.source;
   selectRow(plan.sections.empty() ? -1 : 0);
   lstSummary.items.clear();
+  outcome_.reset();
+  btnPrint.enabled = false;
   disagreementLines.clear();
   stoppedRows.clear();
   stoppedLines.clear();
@@ -174,11 +180,40 @@ void frmTownship::btnRun_Click() {
     return;
   }
   lstSummary.items = out.summary;
+  lstSummary.selected = -1;
   disagreementLines = out.disagreementLines;
   stoppedLines = out.stoppedLines;
   stoppedRows.clear();
   for (const StoppedSection& s : out.stopped) stoppedRows.push_back(s.row);
   for (const auto& file : out.result["files"]) shell().fileWritten(file.get<std::string>());
+  outcome_ = std::move(out);
+  btnPrint.enabled = true;
+}
+
+Picture frmTownship::map() const {
+  if (!outcome_) {
+    Picture empty;
+    empty.hint = "The map of the township appears here after Run.";
+    return empty;
+  }
+  return townshipMap(*outcome_, currentRow);
+}
+
+void frmTownship::mapClicked(double x, double y, double tolerance) {
+  if (!outcome_) return;
+  const MapPick pick = pickOnMap(*outcome_, x, y, tolerance);
+  if (pick.row && *pick.row < static_cast<int>(plan.sections.size())) selectRow(*pick.row);
+  if (pick.disagreement) {
+    // Its lines in the summary: a name line, one per position, the difference.
+    std::size_t first = 0;
+    for (std::size_t i = 0; i < *pick.disagreement; ++i) first += 2 + outcome_->disagreements[i].positions.size();
+    if (first < disagreementLines.size()) lstSummary.selected = disagreementLines[first];
+  } else if (pick.row) {
+    // A section that did not run: the lines saying why; otherwise the list of sections run.
+    lstSummary.selected = -1;
+    for (std::size_t i = 0; i < lstSummary.items.size(); ++i)
+      if (lstSummary.items[i].rfind("Sections run:", 0) == 0) lstSummary.selected = static_cast<int>(i);
+  }
 }
 
 }  // namespace tervalo

@@ -7,8 +7,12 @@
 #include <string>
 #include <vector>
 
+#include <optional>
+
 #include "app/form_model.h"
+#include "app/picture.h"
 #include "township/plan.h"
+#include "township/township.h"
 
 namespace tervalo {
 
@@ -24,6 +28,7 @@ class frmTownship : public FormModel {
   Button btnAddSection{"Add Section"};
   Button btnRemoveSection{"Remove Section"};
   Button btnRun{"Run"};
+  Button btnPrint{"Print Summary...", true, false};  // the summary, then the map on its own page
   Button btnReturn{"Return"};
   Label lblSummary{"Summary:"};
   ListBox lstSummary;
@@ -57,10 +62,21 @@ class frmTownship : public FormModel {
   std::vector<int> stoppedRows;
   std::vector<int> stoppedLines;
 
+  // The map of the last run (the selected row's section in the accent ink),
+  // or a hint before one.
+  Picture map() const;
+  // A click on the map at (x, y), `tolerance` being how far from a ring
+  // still counts: a disagreement selects its first section's row and its
+  // lines in the summary, a section its row.
+  void mapClicked(double x, double y, double tolerance);
+
   void btnOpenPlan_Click();
   SectionPlan* selected();
   void btnSavePlan_Click();
   void btnRun_Click();
+
+ private:
+  std::optional<TownshipOutcome> outcome_;  // the last run
 };
 
 }  // namespace tervalo

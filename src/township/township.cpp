@@ -232,8 +232,10 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       } else {
         // The first section's number and rule stand; another number it was given, and evidence found, are kept too.
         MapPoint& kept = out.map.points[at->second];
-        if (point.number != kept.number &&
-            std::find(kept.otherNumbers.begin(), kept.otherNumbers.end(), point.number) == kept.otherNumbers.end())
+        if (kept.number.empty())
+          kept.number = point.number;  // the first section that numbered it
+        else if (!point.number.empty() && point.number != kept.number &&
+                 std::find(kept.otherNumbers.begin(), kept.otherNumbers.end(), point.number) == kept.otherNumbers.end())
           kept.otherNumbers.push_back(point.number);
         if (kept.evidence.empty()) kept.evidence = point.evidence;
       }
@@ -251,6 +253,26 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       if (!lineSeen.emplace(key, true).second) continue;
       lines.push_back({l.feature, l.name, index[l.from], index[l.to]});
     }
+  }
+  // Each completed section's outline, round its present boundary corners.
+  for (const SectionRun& run : runs) {
+    constexpr int kBoundary[] = {0, 1, 2, 3, 4, 9, 14, 19, 24, 23, 22, 21, 20, 15, 10, 5};
+    SectionOutline outline{static_cast<int>(run.row), run.section, {}, {}};
+    double sumX = 0, sumY = 0;
+    for (int slot : kBoundary) {
+      const CornerSlot& c = run.record.slots[static_cast<std::size_t>(slot)];
+      if (c.x == 0) continue;
+      outline.boundary.emplace_back(c.x, c.y);
+      sumX += c.x, sumY += c.y;
+    }
+    if (outline.boundary.empty()) continue;
+    const double n = static_cast<double>(outline.boundary.size());
+    outline.labelAt = {sumX / n, sumY / n};
+    // In the middle of the north-west quarter-quarter where its corners are there, clear of the center's corner.
+    const auto& sl = run.record.slots;
+    if (sl[0].x != 0 && sl[1].x != 0 && sl[5].x != 0 && sl[6].x != 0)
+      outline.labelAt = {(sl[0].x + sl[1].x + sl[5].x + sl[6].x) / 4, (sl[0].y + sl[1].y + sl[5].y + sl[6].y) / 4};
+    out.outlines.push_back(std::move(outline));
   }
   for (const char* group : kFeatureGroups)
     for (const MapLine& l : lines)

@@ -42,6 +42,15 @@ struct StoppedSection {
   std::vector<std::string> boxes;  // "title: text" of each box it showed
 };
 
+// A completed section's boundary, for the township's map: its present
+// boundary corners in order round it, and where its number is written.
+struct SectionOutline {
+  int row = 0;  // 0-based row of the plan
+  std::string section;
+  std::vector<std::pair<double, double>> boundary;  // x, y
+  std::pair<double, double> labelAt;
+};
+
 struct TownshipOutcome {
   nlohmann::ordered_json result;  // per section the runner's result; the stopped sections, counts, disagreements, files
   // 0 every section completed; 3 a section was refused or ended, or the
@@ -55,6 +64,7 @@ struct TownshipOutcome {
   std::vector<Disagreement> disagreements;
   std::vector<std::string> summary;  // Township.txt
   std::vector<int> disagreementLines;  // the summary's lines that tell of a disagreement
+  std::vector<SectionOutline> outlines;  // one per completed section, in run order
 };
 
 // Differences up to this are agreement: a hundredth of a foot.

@@ -10,11 +10,13 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSplitter>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
 #include "app/qt/binder.h"
 #include "app/qt/form_dialog.h"
+#include "app/qt/picture_view.h"
 #include "township/frm_township.h"
 
 namespace tervalo {
@@ -82,17 +84,36 @@ class TownshipView : public FormDialog {
     QPushButton* run = button("btnRun");
     run->setDefault(true);
     rows->addWidget(run);
+    rows->addWidget(button("btnPrint"));
     rows->addWidget(button("btnReturn"));
     outer->addLayout(rows);
-    QLabel* summaryCaption = label("lblSummary");
-    summary_ = list("lstSummary", true);
+    // The summary beside the map of the township.
+    auto* split = new QSplitter(Qt::Horizontal, this);
+    auto* summaryPanel = new QWidget(split);
+    auto* summaryColumn = new QVBoxLayout(summaryPanel);
+    summaryColumn->setContentsMargins(0, 0, 0, 0);
+    QLabel* summaryCaption = label("lblSummary", summaryPanel);
+    summary_ = list("lstSummary", true, summaryPanel);
     summaryCaption->setBuddy(summary_);
-    outer->addWidget(summaryCaption);
-    summary_->setMinimumHeight(220);
-    outer->addWidget(summary_, 1);
+    summaryColumn->addWidget(summaryCaption);
+    summaryColumn->addWidget(summary_, 1);
+    summary_->setMinimumSize(300, 220);
+    split->addWidget(summaryPanel);
+    map_ = picture("map");
+    map_->setParent(split);
+    map_->setAccessibleName("Township map");
+    map_->setMinimumSize(320, 260);
+    map_->clicked = [this](PicturePoint at, double tolerance) {
+      binder_->run([this, at, tolerance] { form().mapClicked(at.x, at.y, tolerance); });
+    };
+    split->addWidget(map_);
+    split->setStretchFactor(0, 1);
+    split->setStretchFactor(1, 1);
+    outer->addWidget(split, 3);
     bind();
     binder_->onRefresh = [this] { refresh(); };
     refresh();
+    resize(1240, 720);  // the table, the summary and a map to read, within a 1366 by 768 screen
   }
 
  private:
@@ -100,6 +121,7 @@ class TownshipView : public FormDialog {
 
   void refresh() {
     frmTownship& f = form();
+    map_->showPicture(f.map());
     if (shownVersion_ != f.tableVersion) {
       shownVersion_ = f.tableVersion;
       filling_ = true;
@@ -113,6 +135,8 @@ class TownshipView : public FormDialog {
       if (f.currentRow >= 0) table_->setCurrentCell(f.currentRow, 0);
       // A section just added is typed into at once, from its first cell.
       if (added && f.currentRow >= 0 && isVisible()) table_->setFocus();
+    } else if (f.currentRow >= 0 && f.currentRow < table_->rowCount() && table_->currentRow() != f.currentRow) {
+      table_->setCurrentCell(f.currentRow, 0);  // picked on the map
     }
     // The disagreeing corners and the sections that did not run stand out:
     // bold, in the theme's link colour.
@@ -141,6 +165,7 @@ class TownshipView : public FormDialog {
 
   QTableWidget* table_ = nullptr;
   QListWidget* summary_ = nullptr;
+  PictureView* map_ = nullptr;
   int shownVersion_ = -1;
   int shownRows_ = 0;
   bool filling_ = false;

@@ -10,6 +10,7 @@
 #include <QTest>
 #include <QUrl>
 #include <QLabel>
+#include <cmath>
 #include <fstream>
 #include <map>
 
@@ -168,6 +169,27 @@ class SecSubWindow : public QObject, testing::DesktopFixture {
         if (summary->item(i)->text().startsWith("Disagreements")) disagreements = summary->item(i)->text();
         if (summary->item(i)->font().bold()) ++picked;
       }
+      // The map: resting on a corner says its numbers; a click in a section selects its row, on a
+      // disagreement its lines in the summary; the wheel zooms about the pointer, a drag moves it.
+      auto* map = d.findChild<PictureView*>("map");
+      QVERIFY(map && !map->picture().empty());
+      const QPointF corner = map->pointAt({517601.786, 289872.136});  // SNE1411522, the sections 0.1 ft apart
+      QVERIFY2(map->tipAt(corner).find("SNE1411522  point 1003") == 0, map->tipAt(corner).c_str());
+      QTest::mouseClick(map, Qt::LeftButton, {}, map->pointAt({513000, 280000}).toPoint());  // inside section 23
+      QCOMPARE(table->currentRow(), 2);
+      QTest::mouseClick(map, Qt::LeftButton, {}, corner.toPoint());
+      QCOMPARE(table->currentRow(), 0);  // section 14 placed it first
+      QVERIFY(summary->currentItem() && summary->currentItem()->text().startsWith("  SNE1411522 (1003)"));
+      const PicturePoint under = map->worldAt(corner);
+      map->zoomBy(4, corner);
+      QVERIFY(std::hypot(map->worldAt(corner).x - under.x, map->worldAt(corner).y - under.y) < 1e-6);
+      QTest::mousePress(map, Qt::LeftButton, {}, corner.toPoint());
+      QTest::mouseMove(map, (corner + QPointF(40, 30)).toPoint());
+      QTest::mouseRelease(map, Qt::LeftButton, {}, (corner + QPointF(40, 30)).toPoint());
+      QCOMPARE(map->pointAt(under), corner + QPointF(40, 30));
+      QCOMPARE(table->currentRow(), 0);  // a drag is no click
+      QTest::keyClick(map, Qt::Key_Home);
+      QVERIFY(map->zoom().fitted());
       // A section the form refuses (section 23 without its township) is marked in its row and the summary.
       table->item(2, 1)->setText("");
       QTest::mouseClick(d.findChild<QPushButton*>("btnRun"), Qt::LeftButton);

@@ -9,6 +9,7 @@
 #include "app/program.h"
 #include "support/recording_shell.h"
 #include "township/frm_township.h"
+#include "township/township_map.h"
 #include "support/temp_dir.h"
 
 namespace tervalo {
@@ -88,6 +89,28 @@ TEST_F(Township, AChainThatDiffersAcrossASharedLineIsReported) {
   EXPECT_NE(summary.find("Disagreements over 0.01 ft: 1\r\n"), std::string::npos);
   EXPECT_NE(summary.find("    Section 13 slot 5:"), std::string::npos);
   EXPECT_EQ(out.result["disagreements"][0]["positions"].size(), 2u);
+
+  // The corner keeps the number of the first section that numbered it, and the other one it was given.
+  const auto corner = std::find_if(out.map.points.begin(), out.map.points.end(), [&d](const MapPoint& p) { return p.name == d.name; });
+  EXPECT_EQ(corner->number, "2007");
+  EXPECT_EQ(corner->otherNumbers, std::vector<std::string>{"3003"});
+  EXPECT_NE(summary.find("  XENE1411522 (2007, also 3003)  E 1/16 NE 1/4 14-115-22\r\n"), std::string::npos);
+
+  // The map as data: an outline and a number per section, a mark per corner, the disagreeing one ringed.
+  const Picture map = townshipMap(out, 1);
+  EXPECT_EQ(std::count_if(map.lines.begin(), map.lines.end(), [](const PictureLine& l) { return l.tip.rfind("Section ", 0) == 0; }), 4);
+  EXPECT_EQ(std::count_if(map.lines.begin(), map.lines.end(), [](const PictureLine& l) { return l.ink == Ink::Accent && l.heavy; }), 1);
+  EXPECT_EQ(std::count_if(map.texts.begin(), map.texts.end(), [](const PictureText& t) { return t.text.rfind("SEC ", 0) == 0; }), 4);
+  const auto rings = std::count_if(map.marks.begin(), map.marks.end(), [](const PictureMark& m) { return m.ink == Ink::Alert; });
+  EXPECT_EQ(rings, 1);
+  EXPECT_EQ(map.marks.size() - static_cast<std::size_t>(rings), out.map.points.size());
+  EXPECT_EQ(map.mapUnits, "ft");
+  // A click on the ring picks the disagreement and the row of section 14, which placed it first; inside 23, its row.
+  const MapPick onRing = pickOnMap(out, corner->x + 1, corner->y, 5);
+  EXPECT_EQ(onRing.disagreement, std::optional<std::size_t>(0));
+  EXPECT_EQ(onRing.row, std::optional<int>(0));
+  EXPECT_EQ(pickOnMap(out, 513000, 280000, 5).row, std::optional<int>(2));
+  EXPECT_FALSE(pickOnMap(out, 0, 0, 5).row);
 }
 
 // A section refused by the form is never passed over: listed with its box

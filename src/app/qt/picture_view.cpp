@@ -196,8 +196,9 @@ std::vector<PlacedLabel> placeLabels(const Picture& picture, const PictureFrame&
     };
     QRectF chosen = box(t.place, 6);
     bool found = false;
-    for (const bool clear : {true, false})
-      for (double gap = 6; !found && gap < 6 + 6 * height; gap += height / 2)
+    for (const bool clear : {true, false}) {
+      if (!clear && t.ifRoom) break;
+      for (double gap = 6; !found && gap < (t.ifRoom ? 6 + height : 6 + 6 * height); gap += height / 2)
         for (Place place : {t.place, Place::AboveRight, Place::Above, Place::Below, Place::Right, Place::Left}) {
           const QRectF candidate = box(place, gap);
           if (free(candidate) && (!clear || clearOfDrawing(candidate))) {
@@ -206,6 +207,8 @@ std::vector<PlacedLabel> placeLabels(const Picture& picture, const PictureFrame&
             break;
           }
         }
+    }
+    if (!found && t.ifRoom) continue;
     // Never cut at the picture's edge.
     chosen.moveLeft(std::clamp(chosen.left(), area.left(), std::max(area.left(), area.right() - chosen.width())));
     chosen.moveTop(std::clamp(chosen.top(), area.top(), std::max(area.top(), area.bottom() - chosen.height())));
@@ -260,6 +263,19 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
   const QColor mainInk = palette.color(QPalette::Text);
   const auto caption = captionLines(picture);
   const double captionTop = area.bottom() - 6 - metrics.height() * static_cast<double>(caption.size());
+  if (!zoom.fitted()) {
+    // Zoomed in, the map runs under the caption, the scale bar and the arrow: each on a ground of its own.
+    QColor ground = palette.color(QPalette::Base);
+    ground.setAlpha(225);
+    const double h = metrics.height();
+    const QRectF band(area.left(), captionTop - (picture.mapUnits.empty() ? 0 : 1.6 * h), area.width(),
+                      area.bottom() - captionTop + (picture.mapUnits.empty() ? 0 : 1.6 * h));
+    const QRectF arrow(area.right() - 2.4 * h, area.top(), 2.4 * h, 3.6 * h);
+    for (const QRectF& room : {band, arrow}) {
+      painter.fillRect(room, ground);
+      taken.push_back(room);  // no label is written there
+    }
+  }
   if (!picture.mapUnits.empty()) {
     painter.save();
     taken.push_back(paintNorthArrow(painter, area, metrics, mainInk));
@@ -269,6 +285,9 @@ void paintPicture(QPainter& painter, const Picture& picture, const QRectF& area,
   if (!zoom.fitted()) {  // how to get back, while a part of the map is shown
     const QString note = QString("%1\u00D7  (Home: the whole map)").arg(zoom.zoom, 0, 'f', 1);
     const QRectF room(area.left() + 6, area.top() + 4, metrics.horizontalAdvance(note) + 2, metrics.height());
+    QColor ground = palette.color(QPalette::Base);
+    ground.setAlpha(225);
+    painter.fillRect(room.adjusted(-3, -2, 3, 2), ground);
     painter.setPen(palette.color(QPalette::PlaceholderText));
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter, note);
     taken.push_back(room);
@@ -356,6 +375,8 @@ PicturePoint PictureView::worldAt(QPointF at) const {
   const PictureFrame f = frame();
   return {f.minX + (at.x() - f.offsetX) / f.scale, f.maxY - (at.y() - f.offsetY) / f.scale};
 }
+
+QPointF PictureView::pointAt(PicturePoint world) const { return frame().at(world); }
 
 void PictureView::zoomBy(double factor, QPointF about) {
   if (!explorable()) return;

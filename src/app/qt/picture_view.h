@@ -77,8 +77,9 @@ class PictureView : public QWidget {
   void fit();
   // The tip of the mark or line nearest `at` (a point of the widget) within ten pixels, or "".
   std::string tipAt(QPointF at) const;
-  // The picture's point under `at`.
+  // The picture's point under `at`, and where a point of the picture is shown.
   PicturePoint worldAt(QPointF at) const;
+  QPointF pointAt(PicturePoint world) const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

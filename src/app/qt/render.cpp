@@ -186,7 +186,8 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
   int failures = save(main, dir, "frmMain", main.size()) ? 0 : 1;  // as it opens
   for (const std::string& name : program.registry().formNames()) {
     if (name == "frmMain" || name == "frmSecSub" || !shell.hasView(name)) continue;
-    failures += saveView(program, shell, main, dir, name, name) ? 0 : 1;
+    // The township window as it opens, large enough for its map; the others as small as they go.
+    failures += saveView(program, shell, main, dir, name, name, name == "frmTownship" ? QSize(1240, 720) : QSize()) ? 0 : 1;
   }
   if (shell.hasView("frmSecSub")) {
     typeExampleSection(program);
