@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/json_fields.h"
 #include "app/json_text.h"
 #include "points/readers.h"
 #include "text/angle.h"
@@ -19,45 +20,20 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kDirections[] = {"north", "south", "east", "west"};
 
-void refuseUnknown(const Json& object, std::initializer_list<const char*> known, const std::string& where) {
-  for (const auto& item : object.items())
-    if (std::none_of(known.begin(), known.end(), [&item](const char* k) { return item.key() == k; }))
-      throw RestorationFileError(where + ": unknown key \"" + item.key() + "\"");
-}
-
-double numberAt(const Json& value, const std::string& where, const std::string& what) {
-  if (value.is_number()) return value.get<double>();
-  if (value.is_string())
-    if (const auto v = strictNumber(value.get<std::string>())) return *v;
-  throw RestorationFileError(where + ": \"" + what + "\" must be a number");
-}
-
-// Degrees as a number or in the angle text forms ("45-30-15").
-double angleAt(const Json& value, const std::string& where, const std::string& what) {
-  if (value.is_number()) return value.get<double>();
-  if (value.is_string())
-    if (const auto v = angleFromText(value.get<std::string>())) return *v;
-  throw RestorationFileError(where + ": \"" + what + "\" must be an angle in degrees (45.5 or \"45-30-00\")");
-}
-
-std::string textAt(const Json& value, const std::string& where, const std::string& what) {
-  if (value.is_string()) return value.get<std::string>();
-  if (value.is_number()) return jsonText(value);
-  throw RestorationFileError(where + ": \"" + what + "\" must be a text");
-}
+using Fields = JsonFields<RestorationFileError>;
 
 GivenControl controlAt(const Json& c, const std::string& where) {
   if (!c.is_object()) throw RestorationFileError(where + " must be an object");
-  refuseUnknown(c, {"point", "x", "y", "record"}, where);
+  Fields::refuseUnknown(c, {"point", "x", "y", "record"}, where);
   GivenControl control;
-  if (c.contains("point")) control.point = textAt(c["point"], where, "point");
+  if (c.contains("point")) control.point = Fields::text(c["point"], where, "point");
   if (c.contains("x") || c.contains("y")) {
     if (!c.contains("x") || !c.contains("y")) throw RestorationFileError(where + ": typed coordinates need both \"x\" and \"y\"");
-    control.at = Position{numberAt(c["x"], where, "x"), numberAt(c["y"], where, "y")};
+    control.at = Position{Fields::number(c["x"], where, "x"), Fields::number(c["y"], where, "y")};
   }
   if (control.point.empty() && !control.at) throw RestorationFileError(where + ": give a \"point\" number or \"x\" and \"y\"");
   if (!c.contains("record")) throw RestorationFileError(where + ": \"record\" (the record distance in chains) is required");
-  control.record = numberAt(c["record"], where, "record");
+  control.record = Fields::number(c["record"], where, "record");
   return control;
 }
 
@@ -80,19 +56,19 @@ CornerEntry parseCornerEntry(const Json& c, const std::string& place) {
   std::string where = place;
   if (!c.is_object()) throw RestorationFileError(where + " must be an object");
   CornerEntry corner;
-  if (c.contains("name")) corner.name = textAt(c["name"], where, "name");
+  if (c.contains("name")) corner.name = Fields::text(c["name"], where, "name");
   if (!corner.name.empty()) where += " (" + corner.name + ")";
-  refuseUnknown(c, {"name", "method", "index", "north", "south", "east", "west", "azimuth"}, where);
+  Fields::refuseUnknown(c, {"name", "method", "index", "north", "south", "east", "west", "azimuth"}, where);
   if (c.contains("method")) {
-    const std::string name = textAt(c["method"], where, "method");
+    const std::string name = Fields::text(c["method"], where, "method");
     const auto method = methodNamed(name);
     if (!method)
       throw RestorationFileError(where + ": \"method\" is auto, single, double, three-point, two-point or one-point, not \"" +
                                  name + "\"");
     corner.method = *method;
   }
-  if (c.contains("index")) corner.index = numberAt(c["index"], where, "index");
-  if (c.contains("azimuth")) corner.azimuth = angleAt(c["azimuth"], where, "azimuth");
+  if (c.contains("index")) corner.index = Fields::number(c["index"], where, "index");
+  if (c.contains("azimuth")) corner.azimuth = Fields::angle(c["azimuth"], where, "azimuth");
   for (int k = 0; k < 4; ++k)
     if (c.contains(kDirections[k])) controlOf(corner, k) = controlAt(c[kDirections[k]], where + " " + kDirections[k]);
   return corner;
@@ -120,22 +96,22 @@ RestorationFile parseRestoration(const std::string& text) {
     throw RestorationFileError(std::string("not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw RestorationFileError("a restoration file is a JSON object");
-  refuseUnknown(json, {"version", "units", "basis", "source", "corners", "crs"}, "the file");
+  Fields::refuseUnknown(json, {"version", "units", "basis", "source", "corners", "crs"}, "the file");
   const Json version = json.value("version", Json(std::uint64_t{kRestorationVersion}));
   if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw RestorationFileError("\"version\" must be 1");
   if (version.get<std::uint64_t>() > kRestorationVersion)
     throw RestorationFileError("the file comes from a newer Tervalo (version " + jsonText(version) + ")");
   RestorationFile file;
-  file.units = textAt(json.value("units", Json("ft")), "the file", "units");
+  file.units = Fields::text(json.value("units", Json("ft")), "the file", "units");
   if (file.units != "ft" && file.units != "m") throw RestorationFileError("\"units\" is \"ft\" or \"m\"");
   if (json.contains("basis")) {
     const Json& basis = json["basis"];
     if (basis.is_string() && lowerCase(basis.get<std::string>()) == "true north")
       file.basisTrueNorth = true;
     else
-      file.basis = angleAt(basis, "the file", "basis");
+      file.basis = Fields::angle(basis, "the file", "basis");
   }
-  if (json.contains("source")) file.source = textAt(json["source"], "the file", "source");
+  if (json.contains("source")) file.source = Fields::text(json["source"], "the file", "source");
   if (json.contains("crs")) {
     try {
       file.crs = crsFromJson(json["crs"]);

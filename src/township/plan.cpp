@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 
+#include "app/json_fields.h"
 #include "app/json_text.h"
 #include "text/input_file.h"
 
@@ -15,13 +16,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-void refuseUnknown(const Json& object, std::initializer_list<const char*> known, const std::string& where) {
-  for (const auto& item : object.items()) {
-    const std::string& key = item.key();
-    if (std::none_of(known.begin(), known.end(), [&key](const char* k) { return key == k; }))
-      throw PlanError(where + ": unknown key \"" + key + "\"");
-  }
-}
+const auto refuseUnknown = JsonFields<PlanError>::refuseUnknown;
 
 // A text field: a string, or a number written as the user would type it.
 std::string textOf(const Json& value, const std::string& where) {
