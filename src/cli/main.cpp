@@ -14,6 +14,7 @@
 #include "app/runner.h"
 #include "cli/points_command.h"
 #include "cli/restore_command.h"
+#include "cli/traverse_command.h"
 #include "township/township.h"
 #include "text/errors.h"
 
@@ -132,6 +133,13 @@ int run(int argc, char** argv) {
   restoreCmd->add_option("--today", restore.today, "The date for the report, as YYYY-MM-DD");
   restoreCmd->add_option("--data-dir", restore.dataDir, "The data folder the report and the restored corners go to");
 
+  RunOptionsCli traverse;
+  auto* traverseCmd = app.add_subcommand("traverse", "Close and adjust a traverse from a traverse file or a data collector's raw file (.rw5).");
+  traverseCmd->add_option("file", traverse.job, "The traverse file (JSON) or raw file (.rw5)")->required();
+  traverseCmd->add_flag("--json", traverse.json, "Print the whole result as JSON on standard output");
+  traverseCmd->add_option("--today", traverse.today, "The date for the report, as YYYY-MM-DD");
+  traverseCmd->add_option("--data-dir", traverse.dataDir, "The data folder the report and the adjusted points go to");
+
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
   pointsCmd->add_option("file", pointsFile, "The coordinate file")->required();
@@ -145,12 +153,13 @@ int run(int argc, char** argv) {
   if (runCmd->parsed()) return runCommand(run);
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
-  if (restoreCmd->parsed()) {
+  for (const auto& [command, options, act] : {std::tuple{restoreCmd, &restore, &tervalo::restoreCommand},
+                                              {traverseCmd, &traverse, &tervalo::traverseCommand}}) {
+    if (!command->parsed()) continue;
     int status = 0;
-    const auto options = runOptions(restore, status);
-    if (!options) return status;
-    return tervalo::restoreCommand(restore.job, restore.json, options->dataFolder, options->today.value_or(tervalo::localToday()),
-                                   std::cout, std::cerr);
+    const auto given = runOptions(*options, status);
+    if (!given) return status;
+    return act(options->job, options->json, given->dataFolder, given->today.value_or(tervalo::localToday()), std::cout, std::cerr);
   }
   return kUsage;
 }

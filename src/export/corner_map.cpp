@@ -70,6 +70,18 @@ CornerMap sectionMap(const SectionRecord& r, const std::array<bool, slot::count>
   return map;
 }
 
+std::vector<std::string> lineGroups(const CornerMap& map) {
+  std::vector<std::string> groups;
+  const auto has = [&map](const std::string& g) {
+    return std::any_of(map.lines.begin(), map.lines.end(), [&g](const MapLine& l) { return l.feature == g; });
+  };
+  for (const char* g : kFeatureGroups)
+    if (has(g)) groups.emplace_back(g);
+  for (const MapLine& l : map.lines)
+    if (std::find(groups.begin(), groups.end(), l.feature) == groups.end()) groups.push_back(l.feature);
+  return groups;
+}
+
 void requireOneNamePerPosition(const CornerMap& map) {
   if (map.collisions.empty()) return;
   std::string text = "Two positions would be written under one name, so nothing was written:";

@@ -63,6 +63,10 @@ struct CornerMap {
 // The feature groups, in the order the files list them.
 inline constexpr std::array<const char*, 5> kFeatureGroups{"SEC", "EWQ", "NSQ", "EWSX", "NSSX"};
 
+// The line groups a map has lines in: the section's in their order, then
+// any other (a traverse's "TRAV") as first met.
+std::vector<std::string> lineGroups(const CornerMap& map);
+
 // A section's present positions in slot order and its drawn lines. Points
 // are named by their point numbers, or by their unique corner names when
 // `uniqueNames` is set. Slots sharing a name and a position (to the fourth

@@ -9,6 +9,7 @@ namespace {
 std::string group(const std::string& feature) {
   if (feature == "SEC") return "section";
   if (feature == "EWQ" || feature == "NSQ") return "quarter";
+  if (feature == "TRAV") return "traverse";
   return "sixteenth";
 }
 

@@ -94,7 +94,7 @@ std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
     }
   }
   pugi::xml_node features;
-  for (const char* group : kFeatureGroups) {
+  for (const std::string& group : lineGroups(map)) {
     pugi::xml_node geometry;
     for (const MapLine& l : map.lines) {
       if (l.feature != group) continue;
@@ -104,7 +104,7 @@ std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
           features.append_attribute("name") = map.title.c_str();
         }
         pugi::xml_node feature = features.append_child("PlanFeature");
-        feature.append_attribute("name") = group;
+        feature.append_attribute("name") = group.c_str();
         geometry = feature.append_child("CoordGeom");
       }
       pugi::xml_node line = geometry.append_child("Line");

@@ -26,7 +26,8 @@ struct Layer {
   const char* linetype = "CONTINUOUS";
 };
 constexpr Layer kLayers[] = {{"SEC", 7},    {"EWQ", 5},      {"NSQ", 5},  {"EWSX", 4, "DASHED"}, {"NSSX", 4, "DASHED"},
-                             {"POINTS", 1}, {"EVIDENCE", 2}, {"ANNO", 3}, {"RESTORED", 6},      {"CRS", 8}};
+                             {"POINTS", 1}, {"EVIDENCE", 2}, {"ANNO", 3}, {"RESTORED", 6},      {"CRS", 8},
+                             {"TRAV", 7}};
 
 // dxflib's writer, less the flush it makes after every number: a township
 // drawing holds hundreds of thousands of them. Numbers are written as

@@ -79,6 +79,9 @@ struct TraverseInput {
   double ppm = 0;              // parts per million of the distance
   std::vector<SideShot> sideShots{};
   CrsChoice crs{};
+  // What reading a raw file met and did not use ("line 12: a GPS record,
+  // not used"), for the report.
+  std::vector<std::string> notes{};
 };
 
 struct CourseResult {

@@ -122,6 +122,34 @@ TEST(Traverse, AnglesCloseOnTheirSumAndAreSharedEqually) {
   EXPECT_LT(r.courses[1].azimuth, 270);
 }
 
+// A loop of angles right whose start sights its last station along a known
+// direction closes on that direction (here its exterior angles, 6 x 180),
+// and least squares holds the direction.
+TEST(Traverse, ALoopOfAnglesRightClosesOnTheBacksightItSights) {
+  const double azimuths[] = {30, 120, 210, 300};
+  TraverseInput t;
+  t.start = {"1", PlanePosition{5000, 5000}};
+  t.close = {"1"};
+  t.backsightPoint = KnownPoint{"4"};
+  t.backsightAzimuth = 120;  // from 1 toward 4
+  const char* names[] = {"2", "3", "4", "1"};
+  for (int k = 0; k < 4; ++k) {
+    const double back = k == 0 ? *t.backsightAzimuth : azimuths[k - 1] + 180;
+    t.courses.push_back({names[k], Turn::AngleRight, normalAzimuth(azimuths[k] - back), k == 0 ? 400.02 : k == 2 ? 400 : 300, {}, {}});
+  }
+  t.courses[1].angle += 0.0003;  // 1.08" too much at station 2
+  const TraverseResult a = run(t);
+  ASSERT_TRUE(a.closure.angular);
+  EXPECT_EQ(a.closure.angularAgainst, "the backsight");
+  EXPECT_EQ(*a.closure.angleSumShould, 1080);
+  EXPECT_NEAR(*a.closure.angular, 1.08, 1e-6);
+  EXPECT_NEAR(a.courses[3].azimuth, 300, 1e-9);  // balanced, the last course runs back along the backsight
+  t.adjust = AdjustRule::LeastSquares;
+  const TraverseResult ls = run(t);
+  EXPECT_NEAR(azimuthBetween(ls.stations[0].adjusted, ls.stations[3].adjusted), 120, 1e-6);
+  EXPECT_EQ(ls.leastSquares->redundancy, 3);  // a loop: two conditions of coordinates and one of angles
+}
+
 // What holds of every rule: an exact traverse adjusts to itself, and the
 // corrections undo the misclosure. Crandall's method changes distances
 // only; least squares comes within the misclosure of the compass rule.
@@ -143,8 +171,9 @@ TEST(Traverse, EveryRuleUndoesTheMisclosureAndLeavesAnExactTraverse) {
     for (const CourseResult& c : r.courses) lat += c.cLat, dep += c.cDep;
     EXPECT_NEAR(lat, -r.closure.lat, 1e-9) << ruleName(rule);
     EXPECT_NEAR(dep, -r.closure.dep, 1e-9) << ruleName(rule);
-    if (rule == AdjustRule::Crandall)
+    if (rule == AdjustRule::Crandall) {
       for (const CourseResult& c : r.courses) EXPECT_NEAR(c.adjustedAzimuth, c.azimuth, 1e-9) << c.to;
+    }
     if (rule == AdjustRule::LeastSquares) {
       ASSERT_TRUE(r.leastSquares);
       EXPECT_EQ(r.leastSquares->redundancy, 2);  // 4 azimuths and 4 distances, less 3 free stations' coordinates

@@ -1,0 +1,54 @@
+#include "cli/traverse_command.h"
+
+#include <filesystem>
+#include <ostream>
+
+#include "app/json_text.h"
+#include "app/output_file.h"
+#include "app/runner.h"
+#include "text/errors.h"
+#include "traverse/traverse_file.h"
+#include "traverse/traverse_report.h"
+
+namespace tervalo {
+
+int traverseCommand(const std::string& name, bool json, const std::string& dataFolder, const Date& today, std::ostream& out,
+                    std::ostream& err) {
+  TraverseInput input;
+  try {
+    input = readTraverseFile(name);
+  } catch (const TraverseFileError& e) {
+    err << "tervalo-cli: " << name << ": " << e.what() << "\n";
+    return kExitUsage;
+  }
+  nlohmann::ordered_json messages = nlohmann::ordered_json::array(), files = nlohmann::ordered_json::array();
+  TraverseRun run;
+  try {
+    run = runTraverse(input, formatShortDate(today));
+    // "loop.traverse.json" writes "loop-traverse.rpt" and "loop-adjusted.txt".
+    std::string stem = std::filesystem::path(name).stem().string();
+    if (stem.ends_with(".traverse")) stem.erase(stem.size() - 9);
+    const auto [report, points] = traverseOutputs(dataFolder, stem);
+    const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> written{{report, run.report}, {points, run.points}};
+    writeTextFiles(written);
+    for (const auto& [path, lines] : written) files.push_back(std::filesystem::absolute(path).string());
+  } catch (const TraverseError& e) {
+    messages.push_back(std::string("The traverse cannot be computed: ") + e.what() + ".");
+  } catch (const TraverseFileError& e) {
+    messages.push_back(e.what());
+  } catch (const RunTimeError& e) {
+    messages.push_back(std::string("Run-time Error: ") + e.what());
+  }
+  run.json["messages"] = messages;
+  run.json["files"] = files;
+  if (json) {
+    out << jsonText(run.json) << "\n";
+  } else {
+    for (const auto& line : run.report) out << line << "\n";
+    for (const auto& m : messages) err << m.get<std::string>() << "\n";
+    for (const auto& f : files) out << "Written: " << f.get<std::string>() << "\n";
+  }
+  return messages.empty() ? 0 : kExitEnded;
+}
+
+}  // namespace tervalo
