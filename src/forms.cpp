@@ -14,6 +14,7 @@
 #include "restore/frm_restore.h"
 #include "secsub/frm_sec_sub.h"
 #include "township/frm_township.h"
+#include "traverse/frm_traverse.h"
 #include "vcurve/frm_vert_curve.h"
 
 namespace tervalo {
@@ -49,6 +50,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmTownship", [](Program& p) { return std::make_unique<frmTownship>(p); });
   registry.addForm("frmRestore", [](Program& p) { return std::make_unique<frmRestore>(p); });
   registry.addForm("frmCrs", [](Program& p) { return std::make_unique<frmCrs>(p); });
+  registry.addForm("frmTraverse", [](Program& p) { return std::make_unique<frmTraverse>(p); });
   return registry;
 }
 

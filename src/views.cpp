@@ -10,6 +10,7 @@
 #include "restore/restore_view.h"
 #include "secsub/sec_sub_view.h"
 #include "township/township_view.h"
+#include "traverse/traverse_view.h"
 #include "vcurve/vert_curve_view.h"
 
 namespace tervalo {
@@ -30,6 +31,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmTownship", makeTownshipView);
   shell.addView("frmRestore", makeRestoreView);
   shell.addView("frmCrs", makeCrsView);
+  shell.addView("frmTraverse", makeTraverseView);
 }
 
 }  // namespace tervalo

@@ -43,14 +43,16 @@ frmMain::frmMain(Program& program)
     if (this->program().registry().hasForm("frmAbout")) shell().showModal(this->program().form("frmAbout"));
   });
   add("mnuExit", mnuExit).click([this] { unload(); });
-  add("mnuTownship", mnuTownship).click([this] {
-    if (this->program().registry().hasForm("frmTownship")) shell().showModal(this->program().form("frmTownship"));
-    showRecent();
-  });
-  add("mnuRestore", mnuRestore).click([this] {
-    if (this->program().registry().hasForm("frmRestore")) shell().showModal(this->program().form("frmRestore"));
-    showRecent();
-  });
+  // The windows beside the calculators; what they saved shows in Recent after.
+  const auto window = [this](const char* form) {
+    return [this, form] {
+      if (this->program().registry().hasForm(form)) shell().showModal(this->program().form(form));
+      showRecent();
+    };
+  };
+  add("mnuTownship", mnuTownship).click(window("frmTownship"));
+  add("mnuTraverse", mnuTraverse).click(window("frmTraverse"));
+  add("mnuRestore", mnuRestore).click(window("frmRestore"));
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);
   for (std::size_t i = 0; i < mnuRecentFiles.size(); ++i) {

@@ -43,6 +43,7 @@ class frmMain : public FormModel {
   MenuItem mnuHelp{"About", true, true, ""};
   MenuItem mnuExit{"Exit", true, true, ""};
   MenuItem mnuTownship{"Township...", true, true, ""};  // many sections in one run
+  MenuItem mnuTraverse{"Traverse...", true, true, ""};  // closure and adjustment, from field notes or a raw file
   MenuItem mnuRestore{"Corner Restoration...", true, true, ""};  // lost corners by proportionate measurement
   MenuItem mnuOptions{"Options", true, true, ""};  // output options, after the calculators' entries
   // Recent work, after the program's own entries: the last ten source files

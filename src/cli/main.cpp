@@ -30,6 +30,7 @@ struct RunOptionsCli {
   bool json = false;
   std::string today;
   std::string dataDir;
+  std::vector<std::string> exports{};  // traverse: files to export the adjusted traverse to
 };
 
 // The options of run and township: a file, and how to run and report it.
@@ -139,6 +140,9 @@ int run(int argc, char** argv) {
   traverseCmd->add_flag("--json", traverse.json, "Print the whole result as JSON on standard output");
   traverseCmd->add_option("--today", traverse.today, "The date for the report, as YYYY-MM-DD");
   traverseCmd->add_option("--data-dir", traverse.dataDir, "The data folder the report and the adjusted points go to");
+  traverseCmd->add_option("--export", traverse.exports,
+                          "Also export the adjusted traverse to FILE, its kind by the ending (.csv .txt .xml .dxf .gpkg .geojson .kml); "
+                          "a name without a folder lies in the data folder");
 
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
@@ -153,14 +157,20 @@ int run(int argc, char** argv) {
   if (runCmd->parsed()) return runCommand(run);
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
-  for (const auto& [command, options, act] : {std::tuple{restoreCmd, &restore, &tervalo::restoreCommand},
-                                              {traverseCmd, &traverse, &tervalo::traverseCommand}}) {
-    if (!command->parsed()) continue;
+  // restore and traverse: a file, its data folder and date, then the command itself.
+  const auto fileCommand = [](const RunOptionsCli& options, auto act) {
     int status = 0;
-    const auto given = runOptions(*options, status);
-    if (!given) return status;
-    return act(options->job, options->json, given->dataFolder, given->today.value_or(tervalo::localToday()), std::cout, std::cerr);
-  }
+    const auto given = runOptions(options, status);
+    return given ? act(given->dataFolder, given->today.value_or(tervalo::localToday())) : status;
+  };
+  if (restoreCmd->parsed())
+    return fileCommand(restore, [&](const std::string& folder, const tervalo::Date& today) {
+      return tervalo::restoreCommand(restore.job, restore.json, folder, today, std::cout, std::cerr);
+    });
+  if (traverseCmd->parsed())
+    return fileCommand(traverse, [&](const std::string& folder, const tervalo::Date& today) {
+      return tervalo::traverseCommand(traverse.job, traverse.exports, traverse.json, folder, today, std::cout, std::cerr);
+    });
   return kUsage;
 }
 

@@ -31,7 +31,7 @@ int restoreCommand(const std::string& name, bool json, const std::string& dataFo
     std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> written{{report, run.report}};
     if (!run.points.empty()) written.emplace_back(points, run.points);
     writeTextFiles(written);
-    for (const auto& [path, lines] : written) files.push_back(std::filesystem::absolute(path).string());
+    for (const auto& [path, lines] : written) files.push_back(std::filesystem::absolute(path).lexically_normal().string());
   } catch (const RestorationFileError& e) {
     messages.push_back(e.what());
   } catch (const RunTimeError& e) {

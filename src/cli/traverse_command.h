@@ -5,6 +5,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <vector>
 
 #include "text/date.h"
 
@@ -13,7 +14,8 @@ namespace tervalo {
 // Exit status: 0 the traverse closed and adjusted, 3 it cannot be computed
 // (a point not found, a geometry that does not close) or its files not
 // written, 2 the file is not a traverse or raw file.
-int traverseCommand(const std::string& file, bool json, const std::string& dataFolder, const Date& today, std::ostream& out,
-                    std::ostream& err);
+// `exports`: files the adjusted traverse is also written to, by their endings.
+int traverseCommand(const std::string& file, const std::vector<std::string>& exports, bool json, const std::string& dataFolder,
+                    const Date& today, std::ostream& out, std::ostream& err);
 
 }  // namespace tervalo

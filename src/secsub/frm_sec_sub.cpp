@@ -1,4 +1,5 @@
 #include "secsub/frm_sec_sub.h"
+#include "export/map_export.h"
 #include "secsub_out/evidence_page.h"
 
 #include "restore/frm_restore.h"
@@ -370,12 +371,8 @@ std::vector<FormModel*> frmSecSub::inputForms() { return {&program().form("frmMa
 void frmSecSub::btnExport_Click() {
   if (!hasRun) return;
   const auto chosen = shell().chooseFile(FileDialog::Save, "Export the Corners",
-                                         program().userAppData + "Section" + CStr(record.section) + ".csv",
-                                         {"CSV points, PNEZD (*.csv)", "Tervalo points (*.txt)", "LandXML 1.2 (*.xml)",
-                                          "DXF drawing (*.dxf)", "GeoPackage (*.gpkg)", "GeoJSON (*.geojson)",
-                                          "KML (*.kml)"});
+                                         program().userAppData + "Section" + CStr(record.section) + ".csv", mapExportFilters());
   if (!chosen || chosen->empty()) return;
-  const std::filesystem::path file(*chosen);
   CornerMap map = runMap();
   try {
     map.system = mapSystem(program().crs);
@@ -383,19 +380,7 @@ void frmSecSub::btnExport_Click() {
     shell().msgBox("Export the Corners", e.what(), Icon::Exclamation);
     return;
   }
-  const auto gis = [&] { writeGisFile(map, file, gisDriver(exportKind(file))); };
-  sayWritten(exportFile(shell(), "Export the Corners", file,
-                        {{".csv",
-                          [&] {
-                            writeTextFile(file, pnezdLines(map));
-                            writePrjBeside(map, file);
-                          }},
-                         {".txt", [&] { writeTextFile(file, tervaloPointLines(map, ground.has_value())); }},
-                         {".xml", [&] { writeDocument(file, cornerLandXml(map, stampOf(shell().today()))); }},
-                         {".dxf", [&] { writeCornerDxf(map, file); }},
-                         {".gpkg", gis},
-                         {".geojson", gis},
-                         {".kml", gis}}));
+  sayWritten(exportMap(shell(), "Export the Corners", *chosen, map, ground.has_value()));
 }
 
 bool frmSecSub::checkHeld16ths() {

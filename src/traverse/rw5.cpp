@@ -45,6 +45,8 @@ struct Shot {
   bool angleGiven = false;
   std::optional<double> azimuth{};
   double horizontal = 0;
+  // As measured, where the record gives a slope distance: the window shows the field's values.
+  std::optional<double> slope{}, zenith{};
   std::string note;
 };
 
@@ -242,8 +244,9 @@ class RawReader {
     if (r.has("HD")) {
       shot.horizontal = number(r, "HD") * scale_;
     } else if (r.has("SD") && (r.has("ZE") || r.has("VA"))) {
-      const double zenith = r.has("ZE") ? angle(r, "ZE") : 90 - angle(r, "VA");
-      shot.horizontal = number(r, "SD") * scale_ * std::sin(zenith * kPi / 180);
+      shot.zenith = r.has("ZE") ? angle(r, "ZE") : 90 - angle(r, "VA");
+      shot.slope = number(r, "SD") * scale_;
+      shot.horizontal = *shot.slope * std::sin(*shot.zenith * kPi / 180);
     } else {
       broken(r.line, "a " + r.type + " record gives its distance with HD, or SD with ZE or VA");
     }
@@ -275,6 +278,7 @@ class RawReader {
     shot.angleGiven = true;
     const double zenith = fore.zenith.empty() ? 90 : mean(fore.zenith);
     shot.horizontal = mean(fore.slope) * std::sin(zenith * kPi / 180);
+    if (zenith != 90) shot.slope = mean(fore.slope), shot.zenith = zenith;
     return shot;
   }
 
@@ -296,7 +300,7 @@ class RawReader {
     in.start = {first.at, startAt};
     if (!first.backPoint.empty() || first.backAzimuth) {
       in.backsightAzimuth = first.backAzimuth;
-      if (!first.backPoint.empty()) in.backsightPoint = KnownPoint{first.backPoint, knownPoint(first.backPoint)};
+      if (!first.backPoint.empty()) in.backsightPoint = KnownStation{first.backPoint, knownPoint(first.backPoint)};
       if (in.backsightPoint && !in.backsightPoint->at && !in.backsightAzimuth)
         broken(first.line, "the backsight at the start, " + first.backPoint + ", has no coordinates and no azimuth (BS)");
     }
@@ -314,7 +318,12 @@ class RawReader {
       c.to = shot.to;
       c.turn = shot.azimuth ? Turn::Azimuth : Turn::AngleRight;
       c.angle = shot.azimuth ? *shot.azimuth : shot.angleRight;
-      c.distance = shot.horizontal;
+      if (shot.slope) {
+        c.slope = shot.slope;
+        c.zenith = shot.zenith;
+      } else {
+        c.distance = shot.horizontal;
+      }
       return c;
     };
     for (std::size_t i = 0; i + 1 < setups_.size(); ++i) {

@@ -101,7 +101,7 @@ std::string bearingText(double azimuth) {
 }
 
 TraverseResult computeTraverse(const TraverseInput& in, const PointList& points, bool haveSource) {
-  const auto find = [&](const KnownPoint& k, const std::string& what) -> PlanePosition {
+  const auto find = [&](const KnownStation& k, const std::string& what) -> PlanePosition {
     if (k.at) return *k.at;
     if (k.point.empty()) throw TraverseError(what + ": give its point number, or its x and y");
     if (!haveSource)

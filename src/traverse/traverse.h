@@ -39,7 +39,7 @@ struct CourseEntry {
 };
 
 // A known point: by its number in the source file, or at X and Y.
-struct KnownPoint {
+struct KnownStation {
   std::string point;
   std::optional<PlanePosition> at{};
 };
@@ -62,13 +62,13 @@ std::optional<AdjustRule> ruleNamed(const std::string& name);
 struct TraverseInput {
   std::string units = "ft";  // "ft" or "m"
   std::string source;        // a coordinate file for points given by number
-  KnownPoint start;
+  KnownStation start;
   // The backsight: a known point, a direction, or both (a traverse station
   // whose direction from the start is known: the loop's last station).
-  std::optional<KnownPoint> backsightPoint{};
+  std::optional<KnownStation> backsightPoint{};
   std::optional<double> backsightAzimuth{};
   std::vector<CourseEntry> courses;
-  KnownPoint close;  // the start (a loop) or another known point
+  KnownStation close;  // the start (a loop) or another known point
   // The known azimuth of the closing direction, and the angle right turned
   // at the closing point from the last station to it.
   std::optional<double> closeAzimuth{}, closeAngle{};

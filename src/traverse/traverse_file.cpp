@@ -16,8 +16,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Fields = JsonFields<TraverseFileError>;
 
-KnownPoint knownAt(const Json& j, const std::string& where, bool needsPlace) {
-  KnownPoint k;
+KnownStation knownAt(const Json& j, const std::string& where, bool needsPlace) {
+  KnownStation k;
   if (j.contains("point")) k.point = Fields::text(j["point"], where, "point");
   if (j.contains("x") || j.contains("y")) {
     if (!j.contains("x") || !j.contains("y")) throw TraverseFileError(where + ": typed coordinates need both \"x\" and \"y\"");
@@ -148,7 +148,7 @@ TraverseInput parseTraverse(const std::string& text) {
       in.backsightAzimuth = bearingAzimuth(Fields::text(b["bearing"], "backsight", "bearing"));
       if (!in.backsightAzimuth) throw TraverseFileError("backsight: \"bearing\" must be a bearing such as \"N 45-00-00 E\"");
     }
-    const KnownPoint point = knownAt(b, "backsight", !in.backsightAzimuth);
+    const KnownStation point = knownAt(b, "backsight", !in.backsightAzimuth);
     if (!point.point.empty() || point.at) in.backsightPoint = point;
   }
   const Json courses = json.value("courses", Json::array());
@@ -206,7 +206,7 @@ TraverseInput readTraverseFile(const std::string& name) {
 }
 
 std::string traverseText(const TraverseInput& in) {
-  const auto known = [](const KnownPoint& k) {
+  const auto known = [](const KnownStation& k) {
     Json j = Json::object();
     if (!k.point.empty()) j["point"] = k.point;
     if (k.at) j["x"] = k.at->x, j["y"] = k.at->y;

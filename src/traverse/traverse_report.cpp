@@ -187,16 +187,19 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
 
   // The adjusted points as a source file: the stations, then the side shots.
   const std::string rule = upper(ruleName(r.rule));
-  for (const StationResult& s : r.stations) {
-    std::string name = s.name;
-    std::replace_if(name.begin(), name.end(), [](char ch) { return ch == ',' || ch == ';'; }, ' ');
-    run.points.push_back(name + "," + coordinate(s.adjusted.x) + "," + coordinate(s.adjusted.y) + "," + (s.known ? "CTRL" : "TRAV") +
+  // The points file is comma-separated: a comma or semicolon in a name or note would split it.
+  const auto field = [](std::string text) {
+    std::replace_if(text.begin(), text.end(), [](char ch) { return ch == ',' || ch == ';'; }, ' ');
+    return text;
+  };
+  for (const StationResult& s : r.stations)
+    run.points.push_back(field(s.name) + "," + coordinate(s.adjusted.x) + "," + coordinate(s.adjusted.y) + "," + (s.known ? "CTRL" : "TRAV") +
                          "," + (s.known ? "CONTROL" : "TRAVERSE ADJUSTED " + rule));
-  }
-  for (const StationResult& s : r.sideShots) {
-    std::string name = s.name;
-    std::replace_if(name.begin(), name.end(), [](char ch) { return ch == ',' || ch == ';'; }, ' ');
-    run.points.push_back(name + "," + coordinate(s.adjusted.x) + "," + coordinate(s.adjusted.y) + ",SS,SIDE SHOT");
+  for (std::size_t i = 0; i < r.sideShots.size(); ++i) {
+    const StationResult& s = r.sideShots[i];
+    const std::string note = i < in.sideShots.size() ? in.sideShots[i].note : "";
+    run.points.push_back(field(s.name) + "," + coordinate(s.adjusted.x) + "," + coordinate(s.adjusted.y) + ",SS," +
+                         (note.empty() ? "SIDE SHOT" : field(note)));
   }
 
   Json points_ = Json::array();
@@ -235,6 +238,14 @@ std::pair<std::filesystem::path, std::filesystem::path> traverseOutputs(const st
   return {folder / (stem + "-traverse.rpt"), folder / (stem + "-adjusted.txt")};
 }
 
+std::string closureSummary(const TraverseInput& in, const TraverseResult& r) {
+  const Closure& c = r.closure;
+  return "Misclosure " + Format(c.length, "0.0000") + " " + (in.units == "m" ? "m" : "ft") + ", precision " +
+         (c.precision ? "1:" + grouped(*c.precision) : std::string("exact")) +
+         (c.angular ? ", angular " + Format(*c.angular, "0.0") + "\"" : std::string()) + "; " +
+         (r.rule == AdjustRule::None ? std::string("not adjusted.") : std::string("adjusted by ") + ruleTitle(r.rule) + ".");
+}
+
 CornerMap traverseMap(const TraverseInput& in, const TraverseResult& r) {
   CornerMap map;
   map.title = "Traverse from " + in.start.point;
@@ -245,10 +256,12 @@ CornerMap traverseMap(const TraverseInput& in, const TraverseResult& r) {
     p.rule = s.known ? "held" : std::string("adjusted by ") + ruleName(r.rule);
     map.points.push_back(p);
   }
-  for (const StationResult& s : r.sideShots) {
+  for (std::size_t i = 0; i < r.sideShots.size(); ++i) {
+    const StationResult& s = r.sideShots[i];
     MapPoint p{s.name, "SIDE SHOT", "SS", s.adjusted.x, s.adjusted.y, true, -1, "computed"};
     p.number = s.name;
     p.rule = s.note;
+    if (i < in.sideShots.size()) p.evidence = in.sideShots[i].note;  // what the field notes say was shot
     map.points.push_back(p);
   }
   const auto index = [&map](const std::string& name) {

@@ -34,6 +34,10 @@ TraverseRun runTraverse(const TraverseInput& input, const std::string& today);
 std::pair<std::filesystem::path, std::filesystem::path> traverseOutputs(const std::filesystem::path& folder, const std::string& stem);
 
 // The stations and side shots as points, the courses as lines (group "TRAV"), for the exports.
+// One line for the window: the misclosure, the precision, the angular
+// misclosure where angles close, and the rule.
+std::string closureSummary(const TraverseInput& input, const TraverseResult& result);
+
 CornerMap traverseMap(const TraverseInput& input, const TraverseResult& result);
 
 // The traverse as adjusted: its courses and stations, the side shots, and

@@ -31,13 +31,13 @@ TEST_F(MainWindow, CaptionAndMenuInOrder) {
   for (const auto& e : main.controls())
     if (std::holds_alternative<MenuItem*>(e.control)) menu.push_back(e.name);
   const std::vector<std::string> own{"mnuSecSub", "mnuCurve", "mnuChorz", "mnuCvert", "mnuMisc", "mnuMgrade",
-                                     "mnuMprop", "mnuHelp", "mnuExit", "mnuTownship", "mnuRestore", "mnuOptions",
-                                     "mnuRecent"};
+                                     "mnuMprop", "mnuHelp", "mnuExit", "mnuTownship", "mnuTraverse", "mnuRestore",
+                                     "mnuOptions", "mnuRecent"};
   // The program's own entries in their order, then the recent work.
-  EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 13), own);
+  EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 14), own);
   // Ten recent files, a line, Reopen Previous Inputs, then the kept earlier files and the History window.
-  EXPECT_EQ(menu.size(), 13u + 10u + 1u + 1u + 10u + 2u);
-  EXPECT_EQ(menu[23], "mnuPrevious");
+  EXPECT_EQ(menu.size(), 14u + 10u + 1u + 1u + 10u + 2u);
+  EXPECT_EQ(menu[24], "mnuPrevious");
   EXPECT_TRUE(main.mnuPrevious.separatorBefore);
   EXPECT_EQ(menu.back(), "mnuHistoryKeep");
   EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");

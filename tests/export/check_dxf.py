@@ -5,7 +5,10 @@ US survey feet, a drawing that opens on itself (its header's extents those
 ezdxf measures, the active view centred on them), texts upright along their
 lines and carrying their alignment point.
 
-usage: check_dxf.py FILE POINTS NAME X Y
+usage: check_dxf.py FILE POINTS NAME X Y [LINE_LAYER]
+
+LINE_LAYER is the layer the drawing's main lines stand on: SEC for a
+section (with its quarter and dashed sixteenth layers), TRAV for a traverse.
 """
 import logging
 import sys
@@ -16,13 +19,14 @@ from ezdxf import bbox
 logging.disable(logging.WARNING)  # ezdxf's notes on the fonts it finds
 
 path, points, name, x, y = sys.argv[1], int(sys.argv[2]), sys.argv[3], float(sys.argv[4]), float(sys.argv[5])
+line_layer = sys.argv[6] if len(sys.argv) > 6 else "SEC"
 doc = ezdxf.readfile(path)
 auditor = doc.audit()
 failures = []
 if auditor.has_errors or auditor.has_fixes:
     failures.append("audit: %s" % [e.message for e in auditor.errors + auditor.fixes])
 layers = {layer.dxf.name for layer in doc.layers}
-for wanted in ("SEC", "EWQ", "NSQ", "EWSX", "NSSX", "POINTS", "ANNO"):
+for wanted in (line_layer, "EWQ", "NSQ", "EWSX", "NSSX", "POINTS", "ANNO"):
     if wanted not in layers:
         failures.append("no layer " + wanted)
 msp = doc.modelspace()
@@ -36,8 +40,8 @@ if not any(abs(p.dxf.location.x - x) < 1e-6 and abs(p.dxf.location.y - y) < 1e-6
     failures.append("no point at %s %s" % (x, y))
 if doc.header.get("$INSUNITS") != 21:
     failures.append("units are not US survey feet")
-if not msp.query('LINE[layer=="SEC"]') or not msp.query('TEXT[layer=="ANNO"]'):
-    failures.append("no section lines or no annotations")
+if not msp.query('LINE[layer=="%s"]' % line_layer) or not msp.query('TEXT[layer=="ANNO"]'):
+    failures.append("no lines on %s or no annotations" % line_layer)
 for layer in ("EWSX", "NSSX"):
     if doc.layers.get(layer).dxf.linetype != "DASHED" or "DASHED" not in doc.linetypes:
         failures.append(layer + " is not dashed")

@@ -18,6 +18,9 @@ schema=tests/export/LandXML-1.2.xsd
 "$cli" township examples/township.plan.json --data-dir "$out/township/" >/dev/null
 "$cli" township examples/township-restored.plan.json --data-dir "$out/restored/" >/dev/null
 "$cli" run examples/gis.job.json --data-dir "$out/gis/" >/dev/null
+# The raw traverse round section 14: 8 stations and 2 side shots, 8 courses.
+"$cli" traverse examples/section14.rw5 --data-dir "$out/traverse/" --export traverse.csv --export traverse.xml \
+  --export traverse.dxf --export traverse.gpkg >/dev/null
 
 count() {  # the feature count ogrinfo finds
   ogrinfo -ro -so -al "$@" | sed -n 's/^Feature Count: //p'
@@ -41,6 +44,10 @@ case $what in
     # The restored corner ringed on its own layer, where a found one had its evidence: as many features.
     /usr/bin/python3 tests/export/check_dxf.py "$out/restored/Township.dxf" 81 SNE1411522 517623.535 284593.475
     expect "ogrinfo restored township DXF features" 472 "$(count "$out/restored/Township.dxf")"
+    # The traverse: its courses on TRAV, 1001 held; 10 points and names, 8 courses and
+    # their annotations, the system's text and the 2 side shots' notes.
+    /usr/bin/python3 tests/export/check_dxf.py "$out/traverse/traverse.dxf" 10 1001 512313.489 289841.989 TRAV
+    expect "ogrinfo traverse DXF features" 39 "$(count "$out/traverse/traverse.dxf")"
     ;;
   csv)
     for f in "$out/regular/Section14.csv" "$out/irregular/irregular.csv" "$out/township/Township.csv"; do
@@ -60,10 +67,14 @@ case $what in
     grep -q "Number (String) = 2007" <<<"$township" && grep -q "Other Numbers (String) = 3003" <<<"$township" ||
       fail "the township CSV does not carry the numbers 2007 and 3003 of XENE1411522"
     echo "ok: evidence and the surveyor's numbers"
+    traverse=$(ogrinfo -ro -al -oo X_POSSIBLE_NAMES=Easting -oo Y_POSSIBLE_NAMES=Northing "$out/traverse/traverse.csv")
+    expect "ogrinfo traverse points" 10 "$(sed -n 's/^Feature Count: //p' <<<"$traverse")"
+    grep -q "Description (String) = SIDE SHOT / FENCE CORNER" <<<"$traverse" || fail "the side shot's note is not in the CSV"
     ;;
   landxml)
     xmllint --noout --schema "$schema" "$out/regular/Section14.xml" "$out/irregular/irregular.xml" "$out/vcurve/profile.xml" \
-      "$out/township/Township.xml" "$out/restored/Township.xml"
+      "$out/township/Township.xml" "$out/restored/Township.xml" "$out/traverse/traverse.xml"
+    expect "traverse courses in the LandXML" 8 "$(grep -c '<Line name=' "$out/traverse/traverse.xml")"
     grep -q '<Property label="status" value="restored"' "$out/restored/Township.xml" ||
       { echo "FAIL: the restored corner's status is not in the LandXML"; exit 1; }
     for property in 'label="evidence" value="COR 00"' 'label="pointNumber" value="2007"' \
@@ -105,6 +116,7 @@ case $what in
     grep -q 'ID\["EPSG",3419\]' <<<"$township" || fail "the township GeoPackage is not in EPSG:3419"
     expect "restored corners in the township GeoPackage" 1 "$(grep -c 'status (String) = restored' <<<"$township")"
     grep -q "other_points (String) = 3003" <<<"$township" || fail "the township GeoPackage has no other numbers"
+    expect "traverse GeoPackage lines" 8 "$(ogrinfo -ro -al "$out/traverse/traverse.gpkg" lines | grep -c 'group (String) = traverse')"
     expect "township GeoPackage lines" 144 "$(ogrinfo -ro -so "$out/township/Township.gpkg" lines | sed -n 's/^Feature Count: //p')"
     ;;
 esac

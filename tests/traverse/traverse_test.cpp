@@ -39,7 +39,7 @@ TraverseInput traverse(PlanePosition start, std::initializer_list<Leg> legs, Adj
     c.distance = leg.length;
     in.courses.push_back(c);
   }
-  in.close = end ? KnownPoint{in.courses.back().to, end} : KnownPoint{"A"};
+  in.close = end ? KnownStation{in.courses.back().to, end} : KnownStation{"A"};
   in.adjust = rule;
   return in;
 }
@@ -130,7 +130,7 @@ TEST(Traverse, ALoopOfAnglesRightClosesOnTheBacksightItSights) {
   TraverseInput t;
   t.start = {"1", PlanePosition{5000, 5000}};
   t.close = {"1"};
-  t.backsightPoint = KnownPoint{"4"};
+  t.backsightPoint = KnownStation{"4"};
   t.backsightAzimuth = 120;  // from 1 toward 4
   const char* names[] = {"2", "3", "4", "1"};
   for (int k = 0; k < 4; ++k) {

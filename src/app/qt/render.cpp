@@ -25,6 +25,8 @@
 #include "text/errors.h"
 #include "restore/frm_restore.h"
 #include "township/frm_township.h"
+#include "traverse/frm_traverse.h"
+#include "traverse/traverse_file.h"
 
 namespace tervalo {
 namespace {
@@ -107,6 +109,11 @@ void fillExamples(Program& program) {
   restore.setFile(readRestorationFile("examples/section14.restore.json"));
   restore.click("btnRestore");
 
+  // The example raw traverse round section 14, adjusted by the compass rule.
+  auto& traverse = program.form<frmTraverse>("frmTraverse");
+  traverse.setInput(readTraverseFile("examples/section14.rw5"));
+  traverse.click("btnAdjust");
+
   // A State Plane zone in US survey feet, found by searching PROJ's database, at a project elevation.
   program.crs = {3419, "", 1250.0};
   auto& crs = program.form<frmCrs>("frmCrs");
@@ -172,7 +179,8 @@ bool saveView(Program& program, QtShell& shell, QWidget& main, const QString& di
 
 int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QString& dir) {
   // The windows are filled from the project's examples, by names relative to its top folder.
-  for (const char* example : {"examples/section14.sdms", "examples/township.plan.json", "examples/section14.restore.json"})
+  for (const char* example : {"examples/section14.sdms", "examples/township.plan.json", "examples/section14.restore.json",
+                              "examples/section14.rw5"})
     if (!std::filesystem::is_regular_file(example)) {
       std::cerr << "tervalo: --render-windows fills the windows from the project's examples, but " << example
                 << " is not in the working folder (" << std::filesystem::current_path().string()
@@ -186,8 +194,9 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
   int failures = save(main, dir, "frmMain", main.size()) ? 0 : 1;  // as it opens
   for (const std::string& name : program.registry().formNames()) {
     if (name == "frmMain" || name == "frmSecSub" || !shell.hasView(name)) continue;
-    // The township window as it opens, large enough for its map; the others as small as they go.
-    failures += saveView(program, shell, main, dir, name, name, name == "frmTownship" ? QSize(1240, 720) : QSize()) ? 0 : 1;
+    // The township and traverse windows as they open, large enough for their maps; the others as small as they go.
+    const QSize size = name == "frmTownship" ? QSize(1240, 720) : name == "frmTraverse" ? QSize(1300, 720) : QSize();
+    failures += saveView(program, shell, main, dir, name, name, size) ? 0 : 1;
   }
   if (shell.hasView("frmSecSub")) {
     typeExampleSection(program);
