@@ -15,6 +15,7 @@
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTableWidget>
 #include <QTest>
 #include <set>
 
@@ -24,6 +25,7 @@
 #include "app/qt/binder.h"
 #include "app/qt/views.h"
 #include "qt/scripted_shell.h"
+#include "traverse/frm_traverse.h"
 #include "support/temp_dir.h"
 
 namespace tervalo {
@@ -124,6 +126,32 @@ class Keyboard : public QObject, testing::DesktopFixture {
     // Section, township, range; slot 0's five fields before slot 1's.
     QVERIFY(at("txtSection") < at("txtTwp") && at("txtTwp") < at("txtRange"));
     QVERIFY(at("txt0pn") < at("txt0xc") && at("txt0xc") < at("txt0pd") && at("txt0pd") < at("txt1pn"));
+  }
+
+  // A course typed into the traverse table by keyboard alone: Tab from the
+  // backsight's azimuth into the table, then station, direction (its list
+  // stepped with the arrow keys), angle and distance, each cell left by Tab.
+  void aTraverseCourseIsTypedByKeyboard() {
+    auto& form = static_cast<frmTraverse&>(program->form("frmTraverse"));
+    form.setOpen(true);
+    std::unique_ptr<QDialog> view(shell->makeView(form, nullptr));
+    view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+    auto* azimuth = view->findChild<QLineEdit*>("txtBackAzimuth");
+    azimuth->setFocus();
+    QTest::keyClick(azimuth, Qt::Key_Tab);
+    QTRY_COMPARE(QApplication::focusWidget(), view->findChild<QTableWidget*>("tblCourses"));
+    // Keys go where the focus is as it moves: the first key of a cell opens its editor.
+    const auto type = [](const QString& keys) {
+      for (QChar key : keys) QTest::keyClick(QApplication::focusWidget(), key.toLatin1());
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    };
+    type("2");
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);  // Angle right, up to Bearing
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    type("N 45-30-15 E");
+    type("450.25");
+    QCOMPARE(form.rows[0].cells, (std::array<std::string, 6>{"2", "Bearing", "N 45-30-15 E", "450.25", "", ""}));
   }
 
   // A 1024 by 768 screen with fresh settings: the drawing gives way, and

@@ -109,7 +109,7 @@ QWidget* setReadingTabOrder(QWidget& root) {
   for (QWidget* w : root.findChildren<QWidget*>())
     if (!w->objectName().isEmpty() && (w->focusPolicy() & Qt::TabFocus) &&
         (qobject_cast<QLineEdit*>(w) || qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w) ||
-         qobject_cast<QListWidget*>(w)))
+         qobject_cast<QAbstractItemView*>(w)))  // lists and tables
       inputs.push_back(w);
   std::stable_sort(inputs.begin(), inputs.end(),
                    [&root](const QWidget* a, const QWidget* b) { return readingKey(root, a) < readingKey(root, b); });
