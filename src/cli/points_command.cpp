@@ -36,7 +36,14 @@ int pointsCommand(const std::string& file, std::ostream& out, std::ostream& err)
   }
   if (const std::string warning = notes.message(); !warning.empty()) err << "Warning: " << warning << "\n";
   out << "Format: " << formatName(flags) << "\n";
-  out << "Point count: " << points.pointCount << "\n";
+  // The readers' bound differs by format (an SDMS file's is its last index, a
+  // comma-delimited file's one more than its points): say both what was read and the bound.
+  const auto held = [](const PointRecord& p) {
+    return !(p.name.empty() && p.x == 0 && p.y == 0 && p.feature.empty() && p.description.empty());
+  };
+  const auto read = std::count_if(points.records.begin(), points.records.begin() + PointList::kSourceCapacity, held);
+  out << "Points read: " << read << "\n";
+  out << "Search bound: " << points.pointCount << " (the last index the section form searches)\n";
   if (formatName(flags) == "N-E coordinate report") out << "(An N-E coordinate report is read but yields no points.)\n";
   // Columns as wide as the longest name and feature, so nothing is cut.
   int nameWidth = 15, featureWidth = 10;
@@ -48,7 +55,7 @@ int pointsCommand(const std::string& file, std::ostream& out, std::ostream& err)
       << "  " << leftJustify("Feature", featureWidth) << "Description\n";
   for (int i = 0; i < PointList::kSourceCapacity; ++i) {
     const PointRecord& p = points.records[static_cast<std::size_t>(i)];
-    if (p.name.empty() && p.x == 0 && p.y == 0 && p.feature.empty() && p.description.empty()) continue;
+    if (!held(p)) continue;
     out << rightJustify(std::to_string(i), 5) << "  " << leftJustify(p.name, nameWidth)
         << rightJustify(Format(p.x, "#######0.0000"), 16) << rightJustify(Format(p.y, "#######0.0000"), 16) << "  "
         << leftJustify(p.feature, featureWidth) << p.description << "\n";
