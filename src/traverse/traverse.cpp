@@ -348,7 +348,8 @@ TraverseResult computeTraverse(const TraverseInput& in, const PointList& points,
             break;
           case Turn::Deflection:
             obs.push_back({NetworkObservation::Kind::Angle, a, 0, from, {b, 0}, c.angle + 180, sigmaAngle,
-                           "deflection at " + names[k] + " to " + names[k + 1]});
+                           // observed as the angle right it makes (a deflection plus 180)
+                           "angle at " + names[k] + " from " + fromName + " to " + names[k + 1] + " (deflection)"});
             break;
         }
       }
