@@ -28,5 +28,9 @@ done
 # The coordinate system module is found beside the packaged program and does its work.
 (cd "$root/share/tervalo" && "$root/bin/tervalo-cli" run examples/gis.job.json --data-dir "$work/gis" >/dev/null)
 [ -s "$work/gis/Section14.gpkg" ] || { echo "FAIL: the packaged GIS example wrote no GeoPackage"; exit 1; }
+# The packaged raw traverse closes and its adjusted points are a source file.
+"$root/bin/tervalo-cli" traverse "$root/share/tervalo/examples/section14.rw5" --data-dir "$work/traverse" >/dev/null
+"$root/bin/tervalo-cli" points "$work/traverse/section14-adjusted.txt" | grep -q "^Points read: 10$" ||
+  { echo "FAIL: the packaged raw traverse gave no adjusted points"; exit 1; }
 version=$(QT_QPA_PLATFORM=offscreen "$root/bin/tervalo" --version)
 case $version in *1.0*) echo "ok: $version" ;; *) echo "FAIL: tervalo --version said: $version"; exit 1 ;; esac
