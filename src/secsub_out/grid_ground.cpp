@@ -23,10 +23,6 @@ std::string hemisphere(double degrees, char positive, char negative, bool threeD
 
 }  // namespace
 
-double elevationFactor(double radius, double height) { return radius / (radius + height); }
-
-double lineFactor(double atFrom, double atMiddle, double atTo) { return (atFrom + 4 * atMiddle + atTo) / 6; }
-
 std::string latitudeText(double degrees) { return hemisphere(degrees, 'N', 'S', false); }
 std::string longitudeText(double degrees) { return hemisphere(degrees, 'E', 'W', true); }
 
@@ -55,18 +51,16 @@ GridGround gridAndGround(const SectionRecord& r, const CrsChoice& crs) {
   for (const GroundLine& l : out.lines)
     places.push_back({(at(r, l.from).x + at(r, l.to).x) / 2, (at(r, l.from).y + at(r, l.to).y) / 2});
   if (places.empty()) return out;
-  const std::vector<GeographicPosition> geographic = g.geographic(crs, places);
-  const std::vector<GridFactors> factors = g.factors(crs, places);
+  const std::vector<PointFactors> factors = combinedFactors(crs, places);
   std::vector<double> combined(places.size());
   for (std::size_t i = 0; i < places.size(); ++i) {
-    const double e = elevation ? elevationFactor(g.meanRadius(crs, geographic[i].latitude), *elevation) : 1.0;
-    combined[i] = factors[i].scale * e;
+    combined[i] = factors[i].combined;
     if (i < out.corners.size()) {
       GroundCorner& c = out.corners[i];
-      c.at = geographic[i];
-      c.grid = factors[i];
-      c.elevationFactor = e;
-      c.combined = combined[i];
+      c.at = factors[i].at;
+      c.grid = factors[i].grid;
+      c.elevationFactor = factors[i].elevation;
+      c.combined = factors[i].combined;
     }
   }
   std::array<std::size_t, slot::count> index{};

@@ -12,18 +12,10 @@
 #include <vector>
 
 #include "crs/crs.h"
+#include "crs/ground.h"
 #include "secsub/section_record.h"
 
 namespace tervalo {
-
-// R / (R + h): a length at height h above the ellipsoid of mean radius R,
-// brought down to it. R and h in one unit.
-double elevationFactor(double radius, double height);
-
-// A line's factor from the factors at its ends and its middle, weighted
-// 1:4:1 (Simpson's rule): close to the exact mean along any line of a
-// section.
-double lineFactor(double atFrom, double atMiddle, double atTo);
 
 struct GroundCorner {
   int slot = 0;

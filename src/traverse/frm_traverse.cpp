@@ -33,6 +33,14 @@ frmTraverse::frmTraverse(Program& program) : FormModel(program, "frmTraverse", "
   });
   add("optFeet", optFeet, "units").click(edited);
   add("optMetres", optMetres, "units").click(edited);
+  add("chkGround", chkGround).click(edited);
+  add("lblCrs", lblCrs);
+  add("btnCrs", btnCrs).click([this] {
+    shell().showModal(this->program().form("frmCrs"));
+    crs_ = this->program().crs;
+    showCrs();
+    changed();
+  });
   for (auto [name, label] : {std::pair{"lblStart", &lblStart}, {"lblStartX", &lblStartX}, {"lblStartY", &lblStartY},
                              {"lblBacksight", &lblBacksight}, {"lblBackX", &lblBackX}, {"lblBackY", &lblBackY},
                              {"lblBackAzimuth", &lblBackAzimuth}, {"lblCourses", &lblCourses},
@@ -86,7 +94,11 @@ frmTraverse::frmTraverse(Program& program) : FormModel(program, "frmTraverse", "
   add("lstReport", lstReport);
   rows.resize(1);
   currentRow = 0;
+  crs_ = program.crs;
+  showCrs();
 }
+
+void frmTraverse::showCrs() { lblCrs.caption = "Coordinate system: " + crsTitle(crs_); }
 
 std::string frmTraverse::cell(int row, int column) const {
   return rows.at(static_cast<std::size_t>(row)).cells.at(static_cast<std::size_t>(column));
@@ -184,6 +196,7 @@ TraverseInput frmTraverse::input() const {
   in.sideShots = sideShots_;
   in.notes = notes_;
   in.crs = crs_;
+  in.ground = chkGround.checked;
   return in;
 }
 
@@ -229,7 +242,9 @@ void frmTraverse::setInput(const TraverseInput& in) {
   txtSigmaAngle.enabled = txtSigmaDistance.enabled = txtPpm.enabled = in.adjust == AdjustRule::LeastSquares;
   sideShots_ = in.sideShots;
   notes_ = in.notes;
-  crs_ = in.crs;
+  crs_ = in.crs.none() ? program().crs : in.crs;  // a raw file names no system: the one chosen stands
+  chkGround.checked = in.ground;
+  showCrs();
   lblSideShots.caption = sideShots_.empty() ? "" : std::to_string(sideShots_.size()) + " side shots from the raw file";
   for (const std::string& note : notes_) lblSideShots.caption += (lblSideShots.caption.empty() ? "" : "\n") + note;
   lstReport.items.clear();
@@ -256,6 +271,9 @@ void frmTraverse::btnAdjust_Click() {
     return;
   } catch (const TraverseFileError& e) {
     shell().msgBox("Traverse", std::string(e.what()) + ".", Icon::Exclamation);
+    return;
+  } catch (const CrsError& e) {
+    shell().msgBox("Traverse", e.what(), Icon::Exclamation);
     return;
   }
   adjusted_ = *in;
@@ -290,7 +308,7 @@ void frmTraverse::btnExport_Click() {
   if (!chosen || chosen->empty()) return;
   CornerMap map = traverseMap(*adjusted_, run_->result);
   try {
-    map.system = mapSystem(crs_.none() ? program().crs : crs_);
+    map.system = mapSystem(crs_);
   } catch (const CrsError& e) {
     shell().msgBox("Export the Traverse", e.what(), Icon::Exclamation);
     return;

@@ -27,6 +27,9 @@ class frmTraverse : public FormModel {
   Button btnSource{"Browse"};
   OptionButton optFeet{true, "Feet"};
   OptionButton optMetres{false, "Metres"};
+  CheckBox chkGround{false, "Reduce ground distances to the grid"};
+  Label lblCrs{"Coordinate system: local coordinates"};
+  Button btnCrs{"Coordinate System..."};
   Label lblStart{"Start point:"};
   TextBox txtStart;
   Label lblStartX{"X"};
@@ -102,6 +105,7 @@ class frmTraverse : public FormModel {
  private:
   // Reads a traverse or raw file the user chooses into the window.
   void open(const std::string& title, const std::vector<std::string>& filters);
+  void showCrs();
   void changed();  // a field or cell changed: the last result no longer stands
   std::optional<TraverseInput> checkedInput(const std::string& title);
   std::vector<SideShot> sideShots_;

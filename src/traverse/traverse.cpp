@@ -35,8 +35,8 @@ bool sameName(const std::string& a, const std::string& b) { return !a.empty() &&
 }  // namespace
 
 double CourseEntry::horizontal() const {
-  if (distance) return *distance;
-  if (slope && zenith) return *slope * std::sin(*zenith * kRadian);
+  if (distance) return *distance * factor;
+  if (slope && zenith) return *slope * std::sin(*zenith * kRadian) * factor;
   return 0;
 }
 
@@ -402,7 +402,7 @@ TraverseResult computeTraverse(const TraverseInput& in, const PointList& points,
     const double back = s == 0 ? (backsightIsLastStation ? azimuthBetween(adjusted[0], adjusted[n - 1]) : *backAz)
                                : azimuthBetween(adjusted[s], adjusted[s - 1]);
     const double az = (back + shot.angleRight) * kRadian;
-    const PlanePosition p{adjusted[s].x + shot.distance * std::sin(az), adjusted[s].y + shot.distance * std::cos(az)};
+    const PlanePosition p{adjusted[s].x + shot.distance * shot.factor * std::sin(az), adjusted[s].y + shot.distance * shot.factor * std::cos(az)};
     out.sideShots.push_back({shot.to, false, p, p, std::nullopt, "side shot from " + names[s] + (shot.note.empty() ? "" : ": " + shot.note)});
   }
   return out;

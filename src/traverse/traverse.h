@@ -35,7 +35,9 @@ struct CourseEntry {
   double angle = 0;
   std::optional<double> distance{};             // horizontal, or
   std::optional<double> slope{}, zenith{};      // a slope distance and its zenith angle
-  double horizontal() const;
+  // Grid = ground x factor, where ground distances are reduced to a system's grid; set by the run.
+  double factor = 1;
+  double horizontal() const;  // on the grid, where reduced
 };
 
 // A known point: by its number in the source file, or at X and Y.
@@ -51,6 +53,7 @@ struct SideShot {
   double angleRight = 0;
   double distance = 0;  // horizontal
   std::string note{};
+  double factor = 1;  // grid = ground x factor, as for a course
 };
 
 enum class AdjustRule { None, Compass, Transit, Crandall, LeastSquares };
@@ -79,6 +82,9 @@ struct TraverseInput {
   double ppm = 0;              // parts per million of the distance
   std::vector<SideShot> sideShots{};
   CrsChoice crs{};
+  // The distances were measured on the ground: each is reduced to the
+  // system's grid by its line's combined factor (grid scale and elevation).
+  bool ground = false;
   // What reading a raw file met and did not use ("line 12: a GPS record,
   // not used"), for the report.
   std::vector<std::string> notes{};

@@ -114,7 +114,7 @@ TraverseInput parseTraverse(const std::string& text) {
   }
   if (!json.is_object()) throw TraverseFileError("a traverse file is a JSON object");
   Fields::refuseUnknown(json, {"version", "units", "source", "adjust", "start", "backsight", "courses", "close", "sigma_angle",
-                               "sigma_distance", "ppm", "side_shots", "crs"},
+                               "sigma_distance", "ppm", "side_shots", "crs", "ground"},
                         "the file");
   const Json version = json.value("version", Json(std::uint64_t{kTraverseVersion}));
   if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw TraverseFileError("\"version\" must be 1");
@@ -186,6 +186,12 @@ TraverseInput parseTraverse(const std::string& text) {
     } catch (const CrsError& e) {
       throw TraverseFileError(std::string("the file: ") + e.what());
     }
+  }
+  if (json.contains("ground")) {
+    if (!json["ground"].is_boolean()) throw TraverseFileError("\"ground\" is true or false");
+    in.ground = json["ground"].get<bool>();
+    if (in.ground && in.crs.none())
+      throw TraverseFileError("\"ground\": ground distances are reduced to the grid of the file's \"crs\", which it does not give");
   }
   return in;
 }
@@ -259,6 +265,7 @@ std::string traverseText(const TraverseInput& in) {
     json["side_shots"] = shots;
   }
   if (!in.crs.none()) json["crs"] = crsToJson(in.crs);
+  if (in.ground) json["ground"] = true;
   return jsonText(json) + "\n";
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "crs/ground.h"
 #include "points/readers.h"
 #include "text/angle.h"
 #include "text/errors.h"
@@ -53,6 +54,30 @@ const char* ruleTitle(AdjustRule rule) {
   return "compass rule";
 }
 
+// Each course's combined factor (1:4:1 over its ends and middle where the
+// measured traverse puts them) and each side shot's at its station.
+void reduceToGrid(TraverseInput& in, const TraverseResult& measured) {
+  if (in.crs.none()) throw TraverseError("ground distances are reduced to a coordinate system's grid: choose the system first");
+  std::vector<PlanePosition> places;
+  PlanePosition at = measured.stations.front().unadjusted;
+  for (const CourseResult& k : measured.courses) {
+    const PlanePosition to{at.x + k.dep, at.y + k.lat};
+    places.push_back(at);
+    places.push_back({(at.x + to.x) / 2, (at.y + to.y) / 2});
+    places.push_back(to);
+    at = to;
+  }
+  for (const SideShot& shot : in.sideShots) {
+    const auto from = std::find_if(measured.stations.begin(), measured.stations.end(),
+                                   [&shot](const StationResult& s) { return upper(s.name) == upper(shot.from); });
+    places.push_back(from == measured.stations.end() ? measured.stations.front().unadjusted : from->unadjusted);
+  }
+  const std::vector<PointFactors> f = combinedFactors(in.crs, places);
+  for (std::size_t k = 0; k < in.courses.size(); ++k)
+    in.courses[k].factor = lineFactor(f[3 * k].combined, f[3 * k + 1].combined, f[3 * k + 2].combined);
+  for (std::size_t i = 0; i < in.sideShots.size(); ++i) in.sideShots[i].factor = f[3 * in.courses.size() + i].combined;
+}
+
 std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResult& r, const std::string& today) {
   const std::string unit = in.units == "m" ? "m" : "ft";
   const Closure& c = r.closure;
@@ -83,8 +108,22 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
                   rightJustify(decimalToDmsCarried(x.measured), 14) + rightJustify(decimalToDmsCarried(x.azimuth), 15) +
                   rightJustify(length(x.distance), 12) + rightJustify(signedLength(x.lat), 12) + rightJustify(signedLength(x.dep), 12));
   }
-  out.push_back("  Perimeter " + length(c.perimeter) + " " + unit);
+  out.push_back("  Perimeter " + length(c.perimeter) + " " + unit + (in.ground ? " on the grid" : ""));
   out.emplace_back("");
+  if (in.ground) {
+    out.push_back("  GRID AND GROUND: ground distances reduced to the grid of " + crsTitle(in.crs));
+    out.push_back(in.crs.elevation ? "  Project elevation " + Format(*in.crs.elevation, "0.0") + " " + unit +
+                                         " (ellipsoid height); each course's combined factor from its ends and middle, 1:4:1"
+                                   : "  No project elevation: the grid scale factor alone; each course's from its ends and middle, 1:4:1");
+    out.push_back("  " + leftJustify("From", name) + leftJustify("To", name) + rightJustify("Ground", 12) + rightJustify("Combined", 13) +
+                  rightJustify("Grid", 12));
+    for (std::size_t k = 0; k < r.courses.size(); ++k) {
+      const CourseResult& x = r.courses[k];
+      out.push_back("  " + leftJustify(x.from, name) + leftJustify(x.to, name) + rightJustify(length(x.distance / in.courses[k].factor), 12) +
+                    rightJustify(Format(in.courses[k].factor, "0.00000000"), 13) + rightJustify(length(x.distance), 12));
+    }
+    out.emplace_back("");
+  }
 
   out.push_back("  CLOSURE");
   if (c.angular) {
@@ -182,8 +221,14 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
   }
   TraverseRun run;
   run.result = computeTraverse(in, points, !in.source.empty());
+  TraverseInput reduced = in;
+  if (in.ground) {
+    // Each course's factor where the measured traverse puts it; a second run on the grid.
+    reduceToGrid(reduced, run.result);
+    run.result = computeTraverse(reduced, points, !in.source.empty());
+  }
   const TraverseResult& r = run.result;
-  run.report = reportLines(in, r, today);
+  run.report = reportLines(reduced, r, today);
 
   // The adjusted points as a source file: the stations, then the side shots.
   const std::string rule = upper(ruleName(r.rule));
@@ -222,9 +267,13 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
   closure["perimeter"] = c.perimeter;
   closure["precision"] = c.precision ? Json(*c.precision) : Json(nullptr);
   Json courses = Json::array();
-  for (const CourseResult& k : r.courses)
-    courses.push_back(Json{{"from", k.from}, {"to", k.to}, {"azimuth", k.azimuth}, {"distance", k.distance}, {"lat", k.lat},
-                           {"dep", k.dep}, {"corr_lat", k.cLat}, {"corr_dep", k.cDep}});
+  for (std::size_t k = 0; k < r.courses.size(); ++k) {
+    const CourseResult& x = r.courses[k];
+    Json course{{"from", x.from}, {"to", x.to}, {"azimuth", x.azimuth}, {"distance", x.distance}, {"lat", x.lat},
+                {"dep", x.dep}, {"corr_lat", x.cLat}, {"corr_dep", x.cDep}};
+    if (in.ground) course["ground"] = x.distance / reduced.courses[k].factor, course["factor"] = reduced.courses[k].factor;
+    courses.push_back(course);
+  }
   run.json = Json{{"rule", ruleName(r.rule)}, {"points", points_}, {"closure", closure}, {"courses", courses}};
   if (r.leastSquares)
     run.json["least_squares"] = Json{{"redundancy", r.leastSquares->redundancy},

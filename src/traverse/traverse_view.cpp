@@ -1,5 +1,6 @@
 #include "traverse/traverse_view.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -46,6 +47,12 @@ class TraverseView : public FormDialog {
     source->addWidget(option("optFeet"));
     source->addWidget(option("optMetres"));
     left->addLayout(source);
+    auto* system = new QHBoxLayout;
+    system->addWidget(check("chkGround"));
+    system->addSpacing(12);
+    system->addWidget(label("lblCrs"), 1);
+    system->addWidget(button("btnCrs"));
+    left->addLayout(system);
     QHBoxLayout* start = row({{"lblStart", "txtStart"}, {"lblStartX", "txtStartX"}, {"lblStartY", "txtStartY"}});
     start->addStretch();
     left->addLayout(start);

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <tuple>
@@ -11,6 +13,7 @@
 #include "crs/crs.h"
 #include "restore/restoration_file.h"
 #include "secsub_out/grid_ground.h"
+#include "traverse/traverse_report.h"
 
 namespace tervalo {
 namespace {
@@ -120,6 +123,38 @@ TEST(CoordinateSystems, GridToGroundAgreesWithWorkedExamplesAndGeod) {
       EXPECT_GT(std::abs(l.ground - l.grid), 0.01) << l.name;  // the reduction matters here
     }
   }
+}
+
+// A traverse measured on the ellipsoid (geod's geodesics between grid
+// points) is reduced to the grid before it closes: on the known end to a
+// thousandth, where unreduced it misses by nearly a tenth.
+TEST(CoordinateSystems, AGroundTraverseIsReducedToTheGridBeforeItCloses) {
+  const std::vector<PlanePosition> grid{{1800000, 500000}, {1802640, 500001}, {1805280, 496000}};
+  const std::vector<GeographicPosition> at = geo().geographic({3419, ""}, grid);
+  TraverseInput t;
+  t.start = {"A", grid[0]};
+  t.close = {"C", grid[2]};
+  t.adjust = AdjustRule::None;
+  t.crs = {3419, "", 0.0};
+  for (std::size_t k = 0; k + 1 < grid.size(); ++k) {
+    char ends[128];
+    std::snprintf(ends, sizeof ends, "%.12f %.12f %.12f %.12f", at[k].latitude, at[k].longitude, at[k + 1].latitude, at[k + 1].longitude);
+    double a1 = 0, a2 = 0, geodesic = 0;
+    ASSERT_EQ(std::sscanf(run("geod -I +ellps=GRS80 +units=us-ft -f %.9f -F %.6f", ends).c_str(), "%lf %lf %lf", &a1, &a2, &geodesic), 3);
+    CourseEntry c{k == 0 ? "B" : "C"};
+    c.angle = std::atan2(grid[k + 1].x - grid[k].x, grid[k + 1].y - grid[k].y) * 180 / 3.14159265358979323846;  // grid azimuth
+    c.distance = geodesic;
+    t.courses.push_back(c);
+  }
+  EXPECT_GT(runTraverse(t, "").result.closure.length, 0.05);
+  t.ground = true;
+  const TraverseRun reduced = runTraverse(t, "");
+  EXPECT_LT(reduced.result.closure.length, 1e-3);
+  EXPECT_NE(std::find_if(reduced.report.begin(), reduced.report.end(),
+                         [](const std::string& line) { return line.find("GRID AND GROUND") != std::string::npos; }),
+            reduced.report.end());
+  t.crs = {};
+  EXPECT_THROW(runTraverse(t, ""), TraverseError);
 }
 
 // "basis": "true north" turns each corner's cardinal lines to the meridian at

@@ -44,12 +44,17 @@ TEST(TraverseFile, FaultsAreRefusedWithTheirPlaceAndAFileReadsBackAsWritten) {
       {head + R"("courses":[{"to":"2","azimuth":1}]})", "course 1 (to 2): give its \"distance\""},
       {head + R"("adjust":"bowditch","courses":[{"to":"2","azimuth":1,"distance":5}]})", "\"adjust\" is none, compass"},
       {head + R"("ppm":-3,"courses":[{"to":"2","azimuth":1,"distance":5}]})", "\"ppm\" must not be negative"},
+      {head + R"("ground":true,"courses":[{"to":"2","azimuth":1,"distance":5}]})", "does not give"},
       {R"({"version":2})", "newer Tervalo"}});
   const TraverseInput loop = readTraverseFile(kExamples + "loop.traverse.json");
   ASSERT_EQ(loop.courses.size(), 4u);
   EXPECT_EQ(loop.courses[2].turn, Turn::Bearing);
   EXPECT_EQ(loop.courses[3].angle, -12.5);
   EXPECT_EQ(traverseText(parseTraverse(traverseText(loop))), traverseText(loop));
+  TraverseInput ground = loop;
+  ground.crs = {3419, "", 1250.0};
+  ground.ground = true;
+  EXPECT_TRUE(parseTraverse(traverseText(ground)).ground);
   EXPECT_EQ(angleText(45 + 30.0 / 60 + 15.25 / 3600), "45-30-15.25");
 }
 
