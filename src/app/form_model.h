@@ -72,6 +72,10 @@ class FormModel {
   // Each time the window opens, before it is shown.
   virtual void opened() {}
 
+  // A window outside the calculators' jobs keeps what was typed in it in a
+  // file of its own when it closes or the program ends; nothing by default.
+  virtual void keepInputs() {}
+
   // What the runner's result carries of this window beyond its controls
   // (the section's "explain"); nothing by default.
   virtual void addToResult(nlohmann::ordered_json& result) const { (void)result; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/json_text.h"
 #include "app/output_file.h"
 #include "app/program.h"
 #include "app/shell.h"
@@ -12,6 +13,7 @@
 #include "text/angle.h"
 #include "text/errors.h"
 #include "text/format.h"
+#include "text/input_file.h"
 #include "text/number.h"
 #include "traverse/traverse_file.h"
 
@@ -96,6 +98,70 @@ frmTraverse::frmTraverse(Program& program) : FormModel(program, "frmTraverse", "
   currentRow = 0;
   crs_ = program.crs;
   showCrs();
+}
+
+std::vector<std::pair<const char*, TextBox*>> frmTraverse::texts() {
+  return {{"txtSource", &txtSource}, {"txtStart", &txtStart}, {"txtStartX", &txtStartX}, {"txtStartY", &txtStartY},
+          {"txtBacksight", &txtBacksight}, {"txtBackX", &txtBackX}, {"txtBackY", &txtBackY}, {"txtBackAzimuth", &txtBackAzimuth},
+          {"txtClose", &txtClose}, {"txtCloseX", &txtCloseX}, {"txtCloseY", &txtCloseY}, {"txtCloseAzimuth", &txtCloseAzimuth},
+          {"txtCloseAngle", &txtCloseAngle}, {"txtSigmaAngle", &txtSigmaAngle}, {"txtSigmaDistance", &txtSigmaDistance},
+          {"txtPpm", &txtPpm}};
+}
+
+std::filesystem::path frmTraverse::keptFile(const std::string& dataFolder) {
+  return std::filesystem::path(dataFolder) / "traverse.kept.json";
+}
+
+void frmTraverse::keepInputs() {
+  nlohmann::ordered_json kept{{"version", 1}};
+  for (const auto& [name, box] : texts()) kept["fields"][name] = box->text;
+  kept["fields"]["cmbAdjust"] = cmbAdjust.text;
+  kept["metres"] = optMetres.checked;
+  kept["ground"] = chkGround.checked;
+  kept["rows"] = nlohmann::ordered_json::array();
+  for (const CourseRow& row : rows) kept["rows"].push_back(row.cells);
+  kept["side_shots"] = nlohmann::ordered_json::array();
+  for (const SideShot& shot : sideShots_)
+    kept["side_shots"].push_back({shot.from, shot.to, shot.angleRight, shot.distance, shot.note});
+  kept["notes"] = notes_;
+  kept["crs"] = crsToJson(crs_);
+  writeTextFile(keptFile(program().userAppData), {jsonText(kept)});
+}
+
+void frmTraverse::opened() {
+  if (keptTaken_) return;
+  keptTaken_ = true;
+  // Read once, by the window's first opening: a kept file that is damaged is left where it is, unread.
+  try {
+    const auto kept = parseStrictJson(readInputFile(keptFile(program().userAppData)));
+    for (const auto& [name, box] : texts()) box->text = kept.at("fields").at(name).get<std::string>();
+    cmbAdjust.text = kept.at("fields").at("cmbAdjust").get<std::string>();
+    optMetres.checked = kept.at("metres").get<bool>();
+    optFeet.checked = !optMetres.checked;
+    chkGround.checked = kept.at("ground").get<bool>();
+    std::vector<CourseRow> keptRows;
+    for (const auto& row : kept.at("rows")) keptRows.push_back({row.get<std::array<std::string, 6>>()});
+    std::vector<SideShot> shots;
+    for (const auto& s : kept.at("side_shots"))
+      shots.push_back({s.at(0).get<std::string>(), s.at(1).get<std::string>(), s.at(2).get<double>(), s.at(3).get<double>(),
+                       s.at(4).get<std::string>()});
+    crs_ = crsFromJson(kept.at("crs"));
+    rows = keptRows.empty() ? std::vector<CourseRow>(1) : keptRows;
+    sideShots_ = shots;
+    notes_ = kept.at("notes").get<std::vector<std::string>>();
+  } catch (const std::exception&) {
+    return;
+  }
+  currentRow = 0;
+  ++tableVersion;
+  txtSigmaAngle.enabled = txtSigmaDistance.enabled = txtPpm.enabled = cmbAdjust.text == kRules[4];
+  showSideShots();
+  showCrs();
+}
+
+void frmTraverse::showSideShots() {
+  lblSideShots.caption = sideShots_.empty() ? "" : std::to_string(sideShots_.size()) + " side shots from the raw file";
+  for (const std::string& note : notes_) lblSideShots.caption += (lblSideShots.caption.empty() ? "" : "\n") + note;
 }
 
 void frmTraverse::showCrs() { lblCrs.caption = "Coordinate system: " + crsTitle(crs_); }
@@ -245,8 +311,7 @@ void frmTraverse::setInput(const TraverseInput& in) {
   crs_ = in.crs.none() ? program().crs : in.crs;  // a raw file names no system: the one chosen stands
   chkGround.checked = in.ground;
   showCrs();
-  lblSideShots.caption = sideShots_.empty() ? "" : std::to_string(sideShots_.size()) + " side shots from the raw file";
-  for (const std::string& note : notes_) lblSideShots.caption += (lblSideShots.caption.empty() ? "" : "\n") + note;
+  showSideShots();
   lstReport.items.clear();
   lblResult.caption.clear();
   btnWriteReport.enabled = btnExport.enabled = false;

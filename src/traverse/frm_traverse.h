@@ -8,6 +8,7 @@
 // on request, and the points exported like a section's corners.
 
 #include <array>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -98,6 +99,13 @@ class frmTraverse : public FormModel {
   void openFile();
   void saveFile();
 
+  // What was typed, kept in the data folder when the window closes or the
+  // program ends, and given back the next time it opens empty; the file
+  // holds the texts as typed, faults and all.
+  void keepInputs() override;
+  void opened() override;
+  static std::filesystem::path keptFile(const std::string& dataFolder);
+
   // The last Adjust's traverse as adjusted, or a hint before one.
   Picture sketch() const;
   const std::optional<TraverseRun>& run() const { return run_; }
@@ -106,6 +114,9 @@ class frmTraverse : public FormModel {
   // Reads a traverse or raw file the user chooses into the window.
   void open(const std::string& title, const std::vector<std::string>& filters);
   void showCrs();
+  void showSideShots();
+  std::vector<std::pair<const char*, TextBox*>> texts();
+  bool keptTaken_ = false;
   void changed();  // a field or cell changed: the last result no longer stands
   std::optional<TraverseInput> checkedInput(const std::string& title);
   std::vector<SideShot> sideShots_;

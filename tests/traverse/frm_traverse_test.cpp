@@ -1,6 +1,7 @@
 // The Traverse window through its model: a raw file opened and adjusted,
 // its report, adjusted points and export written, the inputs saved and read
-// back, and a course that is not what it must be named in the box.
+// back, a course that is not what it must be named in the box, and what
+// was typed kept for the next opening.
 
 #include <gtest/gtest.h>
 
@@ -73,6 +74,20 @@ TEST(TraverseWindow, ARawFileIsAdjustedReportedExportedAndSaved) {
   ASSERT_EQ(shell.boxes.size(), 2u);
   EXPECT_EQ(shell.boxes[0].text, "Course 3 (to 1005): \"ninety\" is not an angle (45-30-15 or 45.504).");
   EXPECT_EQ(shell.boxes[1].text, "Course 5 (to 1007) slope distance is empty.");
+
+  // Kept as typed when the window closes, faults and all, and given back at its next opening.
+  form.setCell(2, 2, "ninety");
+  form.keepInputs();
+  Program again{shell, dir.folder()};
+  auto& back = again.form<frmTraverse>("frmTraverse");
+  back.setOpen(true);
+  ASSERT_EQ(back.rows.size(), 8u);
+  EXPECT_EQ(back.cell(2, 2), "ninety");
+  EXPECT_EQ(back.cell(4, 4), "");
+  EXPECT_EQ(back.txtStart.text, "1001");
+  EXPECT_EQ(back.cmbAdjust.text, "Least squares");
+  EXPECT_TRUE(back.txtSigmaAngle.enabled);
+  EXPECT_EQ(back.lblSideShots.caption, form.lblSideShots.caption);
 }
 
 }  // namespace

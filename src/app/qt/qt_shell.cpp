@@ -95,6 +95,7 @@ Answer QtShell::msgBox(const std::string& title, const std::string& text, Icon i
 
 void QtShell::keepPreviousInputs() {
   if (!program_ || ending_) return;
+  keepOwnInputs();
   const FormRegistry& registry = program_->registry();
   const bool calculator = std::any_of(open_.begin(), open_.end(),
                                       [&registry](const FormModel* f) { return registry.calculatorByForm(f->name()); });
@@ -106,9 +107,20 @@ void QtShell::keepPreviousInputs() {
   }
 }
 
+void QtShell::keepOwnInputs() {
+  for (FormModel* form : open_) {
+    try {
+      form->keepInputs();
+    } catch (const std::exception&) {
+      // As the previous inputs: a folder that cannot take them costs nothing typed now.
+    }
+  }
+}
+
 void QtShell::endProgram() {
   ending_ = true;
   if (program_) {
+    keepOwnInputs();
     // One more box of the desktop program's own, after the box that ended
     // it: the user learns that nothing typed is lost, or why it could not be kept.
     try {

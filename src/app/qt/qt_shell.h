@@ -54,6 +54,7 @@ class QtShell : public Shell {
   // Keeps the inputs of the calculator window open now (or closing) as the
   // previous inputs, which the main window's Recent menu reopens.
   void keepPreviousInputs();
+  void keepOwnInputs();  // each open window's keepInputs()
 
   // After a program end has been shown and kept: ends the process (status 3).
   void programEnded() { terminate(3); }
