@@ -105,15 +105,7 @@ class RestoreView : public FormDialog {
     cornersRow->addWidget(corner, 3);
     left->addLayout(cornersRow, 1);
 
-    auto* restoreRow = new QHBoxLayout;
-    QPushButton* restore = button("btnRestore");
-    restore->setDefault(true);
-    restoreRow->addWidget(restore);
-    QLabel* result = label("lblResult");
-    result->setWordWrap(true);
-    result->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    restoreRow->addWidget(result, 1);
-    left->addLayout(restoreRow);
+    left->addLayout(resultRow("btnRestore", "lblResult"));
     auto* files = new QHBoxLayout;
     files->addWidget(button("btnOpenInputs"));
     files->addWidget(button("btnSaveInputs"));

@@ -107,15 +107,7 @@ class TraverseView : public FormDialog {
     adjust->addLayout(row({{"lblSigmaAngle", "txtSigmaAngle"}, {"lblSigmaDistance", "txtSigmaDistance"}, {"lblPpm", "txtPpm"}}, 70));
     adjust->addStretch();
     left->addLayout(adjust);
-    auto* result = new QHBoxLayout;
-    QPushButton* go = button("btnAdjust");
-    go->setDefault(true);
-    result->addWidget(go);
-    QLabel* said = label("lblResult");
-    said->setWordWrap(true);
-    said->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    result->addWidget(said, 1);
-    left->addLayout(result);
+    left->addLayout(resultRow("btnAdjust", "lblResult"));
     auto* files = new QHBoxLayout;
     for (const char* name : {"btnOpenRaw", "btnOpenInputs", "btnSaveInputs", "btnWriteReport", "btnExport"}) files->addWidget(button(name));
     files->addStretch();

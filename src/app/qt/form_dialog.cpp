@@ -240,6 +240,18 @@ QHBoxLayout* FormDialog::fieldRow(const char* caption, const char* field, int fi
   return row;
 }
 
+QHBoxLayout* FormDialog::resultRow(const char* name, const char* said) {
+  auto* row = new QHBoxLayout;
+  QPushButton* go = button(name);
+  go->setDefault(true);
+  row->addWidget(go);
+  QLabel* result = label(said);
+  result->setWordWrap(true);
+  result->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  row->addWidget(result, 1);
+  return row;
+}
+
 QHBoxLayout* FormDialog::acceptRow(const char* accept) {
   auto* row = new QHBoxLayout;
   row->addStretch();

@@ -57,6 +57,9 @@ class FormDialog : public QDialog {
   QHBoxLayout* fieldRow(const char* caption, const char* field, int fieldWidth);
   // The closing buttons at the far end: `accept` (the default button), then Cancel.
   QHBoxLayout* acceptRow(const char* accept);
+  // The window's main button (the default) and the label that says what it
+  // gave, worded to wrap and be selected for copying.
+  QHBoxLayout* resultRow(const char* button, const char* said);
   // Calculate (the default button), Clear, and Return at the far end.
   QLayout* commandRow(const char* calculate, QWidget* parent = nullptr);
 
