@@ -111,6 +111,14 @@ int townshipCommand(const RunOptionsCli& o) {
 int run(int argc, char** argv) {
   CLI::App app{"Tervalo coordinate geometry, without a display."};
   app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("tervalo-cli ") + TERVALO_VERSION);
+  app.footer("Exit status:\n"
+             "  0  the job, plan, restoration or traverse ran to its end\n"
+             "  1  the result could not be written to standard output\n"
+             "  2  a file or arguments that cannot be played: nothing runs\n"
+             "  3  the program ended, a section of a plan ended or was refused, a corner or\n"
+             "     traverse could not be computed, or a file could not be written\n"
+             "  4  the job ran to its end but showed a box with the critical icon");
 
   RunOptionsCli run;
   auto* runCmd = app.add_subcommand("run", "Play a job file through the program's windows and report the result.");
@@ -151,7 +159,18 @@ int run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
-    // Help is asked for and succeeds; every other fault of the arguments is a usage error.
+    // A word where a command belongs is named, with the commands there are.
+    if (argc > 1 && argv[1][0] != '-') {
+      bool known = false;
+      for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        known = known || command->get_name() == argv[1];
+      if (!known) {
+        std::cerr << "tervalo-cli: there is no command \"" << argv[1] << "\"; the commands are run, township, restore, traverse "
+                  << "and points (tervalo-cli --help says what each does).\n";
+        return kUsage;
+      }
+    }
+    // Help and the version are asked for and succeed; every other fault of the arguments is a usage error.
     return app.exit(e) == 0 ? 0 : kUsage;
   }
   if (runCmd->parsed()) return runCommand(run);

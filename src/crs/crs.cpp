@@ -54,7 +54,7 @@ std::vector<std::filesystem::path> moduleCandidates() {
   const auto self = std::filesystem::read_symlink("/proc/self/exe", ec);
   if (!ec) {
     found.push_back(self.parent_path() / "libtervalo_geo.so");
-    found.push_back(self.parent_path().parent_path() / TERVALO_LIBDIR / "tervalo" / "libtervalo_geo.so");
+    found.push_back(self.parent_path().parent_path() / TERVALO_MODULE_DIR / "libtervalo_geo.so");
   }
   return found;
 }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The Debian package as a user's machine gets it: built by CPack from this
-# build, accepted by lintian (no error), desktop-file-validate and
+# build, accepted by lintian (no error or warning, pedantic tags too), desktop-file-validate and
 # appstreamcli, then unpacked into a temporary folder where the packaged
 # runner plays the packaged example job and the packaged program answers
 # --version. Run in the build folder: package_test.sh SOURCE_DIR
@@ -11,7 +11,7 @@ trap 'rm -rf "$work"' EXIT
 
 cpack -G DEB -B "$work/out" >/dev/null
 deb=$(ls "$work"/out/tervalo_*.deb)
-lintian --fail-on error --suppress-tags no-manual-page "$deb"
+lintian --fail-on error,warning --pedantic "$deb"
 desktop-file-validate "$source_dir/packaging/org.tervalo.Tervalo.desktop"
 appstreamcli validate --no-net "$source_dir/packaging/org.tervalo.Tervalo.metainfo.xml"
 
@@ -19,9 +19,10 @@ dpkg-deb -x "$deb" "$work/root"
 root=$work/root/usr
 for f in bin/tervalo bin/tervalo-cli share/applications/org.tervalo.Tervalo.desktop \
          share/icons/hicolor/scalable/apps/org.tervalo.Tervalo.svg share/icons/hicolor/256x256/apps/org.tervalo.Tervalo.png \
-         share/metainfo/org.tervalo.Tervalo.metainfo.xml share/doc/tervalo/copyright share/doc/tervalo/LICENSE \
-         share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json lib/tervalo/libtervalo_geo.so; do
-  [ -e "$root/$f" ] || { echo "FAIL: the package has no $f"; exit 1; }
+         share/metainfo/org.tervalo.Tervalo.metainfo.xml share/doc/tervalo/copyright \
+         share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json lib/*/tervalo/libtervalo_geo.so \
+         share/man/man1/tervalo.1.gz share/man/man1/tervalo-cli.1.gz; do
+  compgen -G "$root/$f" >/dev/null || { echo "FAIL: the package has no $f"; exit 1; }
 done
 (cd "$root/share/tervalo" && "$root/bin/tervalo-cli" run examples/secsub.job.json --data-dir "$work/data" >/dev/null)
 [ -s "$work/data/SecSub.inp" ] && [ -s "$work/data/SecSub.rpt" ] || { echo "FAIL: the packaged example wrote nothing"; exit 1; }
