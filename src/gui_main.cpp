@@ -69,6 +69,10 @@ int main(int argc, char** argv) {
   options.addOption({"startup-probe", "Print the time at which the main window is shown, then quit."});
   options.addOption({"data-dir", "Use <folder> as the data folder.", "folder"});
   options.addOption({"render-icon", "Render the program's icon to a 256 px PNG <file>, then quit.", "file"});
+  options.addPositionalArgument("files", "Files to open: a traverse (.traverse.json), raw (.rw5), restoration (.restore.json) "
+                                         "or plan (.plan.json) file in its window, saved inputs (.tervalo.json) in their "
+                                         "calculator, a coordinate file as the source file.",
+                                "[files...]");
   options.process(app);
 
   const QIcon icon(":/org.tervalo.Tervalo.svg");
@@ -123,6 +127,9 @@ int main(int argc, char** argv) {
     } catch (const std::exception& e) {
       QMessageBox::warning(&window, "Tervalo", QString::fromStdString(std::string("The kept entries cannot be offered: ") + e.what()));
     }
+    // The files the desktop hands over (a double-click in a file manager), each where it belongs.
+    for (const QString& file : options.positionalArguments())
+      window.binder().run([&mainModel, file] { mainModel.openFile(file.toStdString()); });
   });
   return app.exec();
 }

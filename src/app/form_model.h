@@ -72,6 +72,14 @@ class FormModel {
   // Each time the window opens, before it is shown.
   virtual void opened() {}
 
+  // Reads `file` (a file of this window's own kind) into the window, saying
+  // in a box why not; true when it was read. For files opened from Recent or
+  // handed to the program by the desktop. Nothing by default.
+  virtual bool openPath(const std::string& file) {
+    (void)file;
+    return false;
+  }
+
   // A window outside the calculators' jobs keeps what was typed in it in a
   // file of its own when it closes or the program ends; nothing by default.
   virtual void keepInputs() {}

@@ -112,9 +112,23 @@ void frmMain::openKept(std::size_t index) {
 
 void frmMain::openRecent(std::size_t index) {
   const auto& files = program().recent.files();
-  if (index >= files.size()) return;
-  const std::string file = files[index];
-  if (file.size() >= 5 && file.ends_with(".json")) {
+  if (index < files.size()) openFile(files[index]);
+}
+
+void frmMain::openFile(const std::string& file) {
+  // A file of a window's own kind, by its name's ending, opens that window with it.
+  const std::pair<const char*, const char*> kinds[] = {{".traverse.json", "frmTraverse"}, {".rw5", "frmTraverse"},
+                                                       {".restore.json", "frmRestore"}, {".plan.json", "frmTownship"}};
+  std::string lower = file;
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (const auto& [ending, window] : kinds)
+    if (lower.ends_with(ending) && program().registry().hasForm(window)) {
+      FormModel& form = program().form(window);
+      if (form.openPath(file)) shell().showModal(form);
+      showRecent();
+      return;
+    }
+  if (lower.ends_with(".json")) {
     reopenJobFile(file);
   } else {
     std::error_code ec;

@@ -66,6 +66,10 @@ class frmMain : public FormModel {
   void btnInFile_Click();
   void mnuSecSub_Click();
   void openRecent(std::size_t index);
+  // Opens `file` where it belongs: a traverse, raw, restoration or plan file
+  // in its window, saved inputs in their calculator, anything else as the
+  // source file. From Recent, and for the files the desktop hands over.
+  void openFile(const std::string& file);
   void openKept(std::size_t index);
   void mnuPrevious_Click();
   // Shows the recent list as it stands (other windows add to it).

@@ -258,14 +258,18 @@ void frmRestore::saveFile() {
 void frmRestore::openFile() {
   const auto chosen = shell().chooseFile(FileDialog::Open, "Open Inputs", program().userAppData,
                                          {"Restoration files (*.restore.json)", "All files (*)"});
-  if (!chosen || chosen->empty()) return;
+  if (chosen && !chosen->empty()) openPath(*chosen);
+}
+
+bool frmRestore::openPath(const std::string& file) {
   try {
-    setFile(readRestorationFile(*chosen));
+    setFile(readRestorationFile(file));
   } catch (const RestorationFileError& e) {
-    shell().msgBox("Open Inputs", "The file " + *chosen + " cannot be opened: " + e.what() + ".", Icon::Exclamation);
-    return;
+    shell().msgBox("Open Inputs", "The file " + file + " cannot be opened: " + e.what() + ".", Icon::Exclamation);
+    return false;
   }
-  program().recent.add(*chosen);
+  program().recent.add(file);
+  return true;
 }
 
 }  // namespace tervalo

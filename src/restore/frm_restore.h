@@ -82,6 +82,7 @@ class frmRestore : public FormModel {
 
   // Save Inputs and Open Inputs keep the restoration file.
   void saveFile();
+  bool openPath(const std::string& file) override;
   void openFile();
 
  private:

@@ -130,13 +130,17 @@ void frmTownship::setCell(int row, int column, const std::string& text) {
 void frmTownship::btnOpenPlan_Click() {
   const auto chosen = shell().chooseFile(FileDialog::Open, "Open Township Plan", program().userAppData,
                                          {"Township plans (*.json)", "All files (*)"});
-  if (!chosen || chosen->empty()) return;
+  if (chosen && !chosen->empty()) openPath(*chosen);
+}
+
+bool frmTownship::openPath(const std::string& file) {
   try {
-    plan = readPlanFile(*chosen);
+    plan = readPlanFile(file);
   } catch (const PlanError& e) {
-    shell().msgBox("Open Township Plan", "\"" + *chosen + "\" cannot be opened: " + e.what(), Icon::Exclamation);
-    return;
+    shell().msgBox("Open Township Plan", "\"" + file + "\" cannot be opened: " + e.what(), Icon::Exclamation);
+    return false;
   }
+  program().recent.add(file);
   txtSource.text = plan.source;
   selectRow(plan.sections.empty() ? -1 : 0);
   lstSummary.items.clear();
@@ -146,6 +150,7 @@ void frmTownship::btnOpenPlan_Click() {
   stoppedRows.clear();
   stoppedLines.clear();
   ++tableVersion;
+  return true;
 }
 
 void frmTownship::btnSavePlan_Click() {

@@ -71,6 +71,7 @@ class frmTownship : public FormModel {
   void mapClicked(double x, double y, double tolerance);
 
   void btnOpenPlan_Click();
+  bool openPath(const std::string& file) override;
   SectionPlan* selected();
   void btnSavePlan_Click();
   void btnRun_Click();

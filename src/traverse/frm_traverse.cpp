@@ -267,6 +267,7 @@ TraverseInput frmTraverse::input() const {
 }
 
 void frmTraverse::setInput(const TraverseInput& in) {
+  keptTaken_ = true;  // what is read replaces what was kept
   run_.reset();
   adjusted_.reset();
   const auto coordinate = [](const std::optional<PlanePosition>& at, bool x) { return at ? CStr(x ? at->x : at->y) : std::string(); };
@@ -391,14 +392,20 @@ void frmTraverse::openFile() {
 
 void frmTraverse::open(const std::string& title, const std::vector<std::string>& filters) {
   const auto chosen = shell().chooseFile(FileDialog::Open, title, program().userAppData, filters);
-  if (!chosen || chosen->empty()) return;
+  if (chosen && !chosen->empty()) read(title, *chosen);
+}
+
+bool frmTraverse::openPath(const std::string& file) { return read("Open Inputs", file); }
+
+bool frmTraverse::read(const std::string& title, const std::string& file) {
   try {
-    setInput(readTraverseFile(*chosen));
+    setInput(readTraverseFile(file));
   } catch (const TraverseFileError& e) {
-    shell().msgBox(title, "The file " + *chosen + " cannot be read as a traverse: " + e.what() + ".", Icon::Exclamation);
-    return;
+    shell().msgBox(title, "The file " + file + " cannot be read as a traverse: " + e.what() + ".", Icon::Exclamation);
+    return false;
   }
-  program().recent.add(*chosen);
+  program().recent.add(file);
+  return true;
 }
 
 void frmTraverse::saveFile() {

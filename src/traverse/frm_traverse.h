@@ -95,6 +95,7 @@ class frmTraverse : public FormModel {
   void btnAdjust_Click();
   void btnWriteReport_Click();
   void btnExport_Click();
+  bool openPath(const std::string& file) override;
   void openRaw();
   void openFile();
   void saveFile();
@@ -113,6 +114,7 @@ class frmTraverse : public FormModel {
  private:
   // Reads a traverse or raw file the user chooses into the window.
   void open(const std::string& title, const std::vector<std::string>& filters);
+  bool read(const std::string& title, const std::string& file);
   void showCrs();
   void showSideShots();
   std::vector<std::pair<const char*, TextBox*>> texts();

@@ -155,6 +155,25 @@ TEST_F(MainWindow, AnUnreadableDropEndsTheProgramAfterItsBox) {
   EXPECT_EQ(shell.boxes[0].text, "Input File Format Not Recognized");
 }
 
+// From Recent or from the desktop, a file opens where it belongs: a
+// traverse, raw, restoration or plan file in its window, a coordinate file
+// as the source.
+TEST_F(MainWindow, AFileOpensInTheWindowOfItsKind) {
+  const std::string examples = std::string(TERVALO_SOURCE_DIR) + "/examples/";
+  for (const auto& [file, window] : {std::pair{"section14.rw5", "frmTraverse"}, {"loop.traverse.json", "frmTraverse"},
+                                     {"section14.restore.json", "frmRestore"}, {"township.plan.json", "frmTownship"}}) {
+    shell.modalForms.clear();
+    main.openFile(examples + file);
+    EXPECT_EQ(shell.modalForms, std::vector<std::string>{window}) << file;
+    EXPECT_EQ(program.recent.files().front(), examples + file);
+  }
+  shell.modalForms.clear();
+  main.click("mnuRecent3");  // the raw file, read as a traverse again and not as coordinates
+  EXPECT_EQ(shell.modalForms, std::vector<std::string>{"frmTraverse"});
+  main.openFile(csv.string());
+  EXPECT_EQ(main.txtInFile.text, csv.string());
+}
+
 TEST_F(MainWindow, ExitUnloads) {
   main.setOpen(true);
   main.click("mnuExit");

@@ -13,6 +13,16 @@ cpack -G DEB -B "$work/out" >/dev/null
 deb=$(ls "$work"/out/tervalo_*.deb)
 lintian --fail-on error,warning --pedantic "$deb"
 desktop-file-validate "$source_dir/packaging/org.tervalo.Tervalo.desktop"
+# The MIME types, read by the desktop's own database builder: each of Tervalo's endings has its type.
+mime=$work/mime
+mkdir -p "$mime/packages"
+cp "$source_dir/packaging/org.tervalo.Tervalo.mime.xml" "$mime/packages/org.tervalo.Tervalo.xml"
+update-mime-database "$mime"
+for glob in tervalo-inputs:tervalo.json tervalo-plan:plan.json tervalo-restoration:restore.json tervalo-traverse:traverse.json; do
+  grep -q "application/x-${glob%%:*}:\*\.${glob#*:}" "$mime/globs2" || { echo "FAIL: no MIME type for *.${glob#*:}"; exit 1; }
+  grep -q "application/x-${glob%%:*};" "$source_dir/packaging/org.tervalo.Tervalo.desktop" ||
+    { echo "FAIL: the desktop entry does not open application/x-${glob%%:*}"; exit 1; }
+done
 appstreamcli validate --no-net "$source_dir/packaging/org.tervalo.Tervalo.metainfo.xml"
 
 dpkg-deb -x "$deb" "$work/root"
@@ -21,7 +31,7 @@ for f in bin/tervalo bin/tervalo-cli share/applications/org.tervalo.Tervalo.desk
          share/icons/hicolor/scalable/apps/org.tervalo.Tervalo.svg share/icons/hicolor/256x256/apps/org.tervalo.Tervalo.png \
          share/metainfo/org.tervalo.Tervalo.metainfo.xml share/doc/tervalo/copyright \
          share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json lib/*/tervalo/libtervalo_geo.so \
-         share/man/man1/tervalo.1.gz share/man/man1/tervalo-cli.1.gz; do
+         share/man/man1/tervalo.1.gz share/man/man1/tervalo-cli.1.gz share/mime/packages/org.tervalo.Tervalo.xml; do
   compgen -G "$root/$f" >/dev/null || { echo "FAIL: the package has no $f"; exit 1; }
 done
 (cd "$root/share/tervalo" && "$root/bin/tervalo-cli" run examples/secsub.job.json --data-dir "$work/data" >/dev/null)
