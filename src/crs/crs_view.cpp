@@ -10,7 +10,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "app/qt/form_dialog.h"
+#include "qt/form_dialog.h"
 
 namespace tervalo {
 namespace {

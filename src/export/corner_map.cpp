@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <map>
 
-#include "secsub_out/grid_lines.h"
+#include "secsub/grid_lines.h"
 #include "text/format.h"
 #include "text/number.h"
 

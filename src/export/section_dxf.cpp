@@ -11,7 +11,7 @@
 #include <memory>
 
 #include "app/output_file.h"
-#include "secsub_out/grid_lines.h"
+#include "secsub/grid_lines.h"
 #include "text/angle.h"
 #include "text/format.h"
 

@@ -11,8 +11,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "app/qt/form_dialog.h"
-#include "app/qt/picture_view.h"
+#include "qt/form_dialog.h"
+#include "qt/picture_view.h"
 #include "grading/frm_grade.h"
 
 namespace tervalo {

@@ -10,8 +10,8 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "app/qt/form_dialog.h"
-#include "app/qt/picture_view.h"
+#include "qt/form_dialog.h"
+#include "qt/picture_view.h"
 #include "hcurve/frm_horz_curve.h"
 
 namespace tervalo {

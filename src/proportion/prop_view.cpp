@@ -9,7 +9,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/qt/form_dialog.h"
+#include "qt/form_dialog.h"
 
 namespace tervalo {
 namespace {

@@ -12,9 +12,9 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "app/qt/binder.h"
-#include "app/qt/form_dialog.h"
-#include "app/qt/picture_view.h"
+#include "qt/binder.h"
+#include "qt/form_dialog.h"
+#include "qt/picture_view.h"
 #include "restore/frm_restore.h"
 
 namespace tervalo {

@@ -10,7 +10,7 @@
 #include "app/form_model.h"
 #include "app/picture.h"
 #include "export/corner_map.h"
-#include "secsub/corner_record.h"
+#include "secsub_out/corner_record.h"
 #include "secsub_out/grid_ground.h"
 #include "secsub/notices.h"
 #include "secsub/section_record.h"

@@ -15,9 +15,9 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 
-#include "app/qt/form_dialog.h"
-#include "app/qt/picture_view.h"
-#include "app/qt/qt_shell.h"
+#include "qt/form_dialog.h"
+#include "qt/picture_view.h"
+#include "qt/qt_shell.h"
 #include "secsub/frm_sec_sub.h"
 
 namespace tervalo {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "secsub_out/grid_lines.h"
+#include "secsub/grid_lines.h"
 
 namespace tervalo {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "secsub/corner_record.h"
+#include "secsub_out/corner_record.h"
 #include "secsub_out/report.h"
 #include "text/justify.h"
 #include "text/number.h"

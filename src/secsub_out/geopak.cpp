@@ -1,6 +1,6 @@
 #include "secsub_out/geopak.h"
 
-#include "secsub_out/grid_lines.h"
+#include "secsub/grid_lines.h"
 
 #include "text/format.h"
 #include "text/number.h"

@@ -14,9 +14,9 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include "app/qt/binder.h"
-#include "app/qt/form_dialog.h"
-#include "app/qt/picture_view.h"
+#include "qt/binder.h"
+#include "qt/form_dialog.h"
+#include "qt/picture_view.h"
 #include "township/frm_township.h"
 
 namespace tervalo {

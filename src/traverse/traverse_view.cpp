@@ -13,9 +13,9 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 
-#include "app/qt/binder.h"
-#include "app/qt/form_dialog.h"
-#include "app/qt/picture_view.h"
+#include "qt/binder.h"
+#include "qt/form_dialog.h"
+#include "qt/picture_view.h"
 #include "traverse/frm_traverse.h"
 
 namespace tervalo {

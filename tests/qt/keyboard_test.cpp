@@ -21,9 +21,9 @@
 
 #include "app/frm_main.h"
 #include "app/program.h"
-#include "app/qt/picture_view.h"
-#include "app/qt/binder.h"
-#include "app/qt/views.h"
+#include "qt/picture_view.h"
+#include "qt/binder.h"
+#include "qt/views.h"
 #include "qt/scripted_shell.h"
 #include "traverse/frm_traverse.h"
 #include "support/temp_dir.h"

@@ -13,9 +13,9 @@
 #include <string>
 
 #include "app/program.h"
-#include "app/qt/printing.h"
-#include "app/qt/qt_shell.h"
-#include "app/qt/views.h"
+#include "qt/printing.h"
+#include "qt/qt_shell.h"
+#include "qt/views.h"
 #include "support/recording_shell.h"
 #include "support/temp_dir.h"
 

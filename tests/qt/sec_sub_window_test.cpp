@@ -16,12 +16,12 @@
 
 #include "app/frm_main.h"
 #include "app/program.h"
-#include "app/qt/binder.h"
-#include "app/qt/recovery_offer.h"
-#include "app/qt/views.h"
+#include "qt/binder.h"
+#include "qt/recovery_offer.h"
+#include "qt/views.h"
 #include "app/runner.h"
 #include "qt/scripted_shell.h"
-#include "app/qt/picture_view.h"
+#include "qt/picture_view.h"
 #include "secsub/frm_sec_sub.h"
 #include "support/temp_dir.h"
 

@@ -1,4 +1,4 @@
-#include "app/qt/printing.h"
+#include "qt/printing.h"
 
 #include <QFontMetricsF>
 #include <QPageLayout>
@@ -10,8 +10,8 @@
 #include <algorithm>
 
 #include "app/output_file.h"
-#include "app/qt/form_dialog.h"
-#include "app/qt/picture_files.h"
+#include "qt/form_dialog.h"
+#include "qt/picture_files.h"
 
 namespace tervalo {
 

@@ -1,4 +1,4 @@
-#include "app/qt/picture_view.h"
+#include "qt/picture_view.h"
 
 #include <QContextMenuEvent>
 #include <QHelpEvent>

@@ -1,4 +1,4 @@
-#include "app/qt/picture_files.h"
+#include "qt/picture_files.h"
 
 #include <QImage>
 #include <QPageSize>
@@ -8,7 +8,7 @@
 #include <cctype>
 
 #include "app/output_file.h"
-#include "app/qt/picture_view.h"
+#include "qt/picture_view.h"
 #include "text/errors.h"
 
 namespace tervalo {

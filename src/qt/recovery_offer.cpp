@@ -1,11 +1,11 @@
-#include "app/qt/recovery_offer.h"
+#include "qt/recovery_offer.h"
 
 #include "app/form_model.h"
 #include "app/job.h"
 #include "app/program.h"
-#include "app/qt/binder.h"
-#include "app/qt/qt_shell.h"
-#include "app/qt/views.h"
+#include "qt/binder.h"
+#include "qt/qt_shell.h"
+#include "qt/views.h"
 #include "app/recovery.h"
 
 namespace tervalo {

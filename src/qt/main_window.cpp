@@ -13,10 +13,10 @@
 
 #include "app/frm_main.h"
 #include "app/program.h"
-#include "app/qt/binder.h"
-#include "app/qt/form_dialog.h"
-#include "app/qt/qt_shell.h"
-#include "app/qt/views.h"
+#include "qt/binder.h"
+#include "qt/form_dialog.h"
+#include "qt/qt_shell.h"
+#include "qt/views.h"
 
 namespace tervalo {
 

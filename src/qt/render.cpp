@@ -1,4 +1,4 @@
-#include "app/qt/render.h"
+#include "qt/render.h"
 
 #include <filesystem>
 #include <iostream>
@@ -13,9 +13,9 @@
 #include "crs/frm_crs.h"
 #include "app/frm_main.h"
 #include "app/program.h"
-#include "app/qt/binder.h"
-#include "app/qt/qt_shell.h"
-#include "app/qt/views.h"
+#include "qt/binder.h"
+#include "qt/qt_shell.h"
+#include "qt/views.h"
 #include "hcurve/frm_horz_curve.h"
 #include "grading/frm_grade.h"
 #include "points/readers.h"

@@ -1,4 +1,4 @@
-#include "app/qt/binder.h"
+#include "qt/binder.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -24,7 +24,7 @@
 #include <algorithm>
 
 #include "app/form_model.h"
-#include "app/qt/qt_shell.h"
+#include "qt/qt_shell.h"
 #include "text/errors.h"
 
 namespace tervalo {

@@ -1,8 +1,8 @@
-#include "app/qt/form_dialog.h"
+#include "qt/form_dialog.h"
 
-#include "app/qt/picture_files.h"
-#include "app/qt/qt_shell.h"
-#include "app/qt/picture_view.h"
+#include "qt/picture_files.h"
+#include "qt/qt_shell.h"
+#include "qt/picture_view.h"
 #include "text/errors.h"
 
 #include <QCheckBox>

@@ -1,4 +1,4 @@
-#include "secsub/corner_record.h"
+#include "secsub_out/corner_record.h"
 
 #include <cstdio>
 

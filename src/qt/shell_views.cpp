@@ -14,9 +14,9 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "app/qt/form_dialog.h"
-#include "app/qt/qt_shell.h"
-#include "app/qt/views.h"
+#include "qt/form_dialog.h"
+#include "qt/qt_shell.h"
+#include "qt/views.h"
 
 namespace tervalo {
 namespace {

@@ -1,7 +1,7 @@
-#include "app/qt/qt_shell.h"
+#include "qt/qt_shell.h"
 
-#include "app/qt/picture_files.h"
-#include "app/qt/printing.h"
+#include "qt/picture_files.h"
+#include "qt/printing.h"
 
 #include <QApplication>
 #include <QDesktopServices>

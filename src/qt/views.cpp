@@ -1,8 +1,8 @@
 // Every window view of the desktop program, by form name. A calculator's
 // views are added here as they are built.
 
-#include "app/qt/qt_shell.h"
-#include "app/qt/views.h"
+#include "qt/qt_shell.h"
+#include "qt/views.h"
 #include "crs/crs_view.h"
 #include "grading/grade_view.h"
 #include "hcurve/horz_curve_view.h"

@@ -5,7 +5,7 @@
 #include <QDialog>
 #include <QString>
 
-#include "app/qt/binder.h"
+#include "qt/binder.h"
 
 class QCheckBox;
 class QComboBox;
