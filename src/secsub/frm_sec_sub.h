@@ -153,6 +153,7 @@ class frmSecSub : public FormModel {
   std::vector<int> nameOutputPositions(const CornerNaming& naming);
 
  private:
+  static std::string coordinateText(double v);  // as the slots show a coordinate
   // The run's output files as named: the GEOPAK input, the report and, when
   // asked for, the corner record. Two that name one file refuse the run
   // before anything is computed or written, with the names.
