@@ -50,13 +50,13 @@ int writeAll(int fd, const std::string& bytes) {
   return 0;
 }
 
-// Writes `bytes` to `file` (created or emptied) and makes them durable; the
-// error number when anything fails, else 0.
-int writeBytes(const fs::path& file, const std::string& bytes) {
+// Writes `bytes` to `file` (created or emptied) and, with `durable`, makes
+// them so; the error number when anything fails, else 0.
+int writeBytes(const fs::path& file, const std::string& bytes, bool durable = true) {
   const int fd = ::open(file.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
   if (fd < 0) return errno;
   int error = writeAll(fd, bytes);
-  if (error == 0 && ::fsync(fd) != 0) error = errno;
+  if (error == 0 && durable && ::fsync(fd) != 0) error = errno;
   if (::close(fd) != 0 && error == 0) error = errno;
   return error;
 }
@@ -263,6 +263,44 @@ int libraryWriteError(const fs::path& temp, int errorAfter) {
 }
 
 }  // namespace
+
+// The batch's files, written and waiting to be put in place; an unfinished
+// batch's temporary files go with it.
+struct WriteBatch::Files {
+  std::vector<PendingFile> pending;
+};
+
+WriteBatch::WriteBatch() : files_(std::make_unique<Files>()) {}
+
+WriteBatch::~WriteBatch() = default;
+
+void WriteBatch::add(const std::vector<std::pair<fs::path, std::vector<std::string>>>& files) {
+  for (const auto& [file, lines] : files) {
+    PendingFile pending(file);
+    if (const int error = writeBytes(pending.temp(), crLfText(lines), false)) cannotWrite(file, error);
+    files_->pending.push_back(std::move(pending));
+  }
+}
+
+void WriteBatch::finish() {
+  std::vector<PendingFile> pending = std::move(files_->pending);
+  files_->pending.clear();
+  // One sync of each file system the files lie on, before any is put in place.
+  std::set<dev_t> synced;
+  for (const PendingFile& p : pending) {
+    struct stat st {};
+    if (::stat(p.temp().c_str(), &st) != 0) cannotWrite(p.named(), errno);
+    if (!synced.insert(st.st_dev).second) continue;
+    const int folder = ::open(p.temp().parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int error = folder < 0 ? errno : (::syncfs(folder) == 0 ? 0 : errno);
+    if (folder >= 0) ::close(folder);
+    if (error != 0) cannotWrite(p.named(), error);
+  }
+  std::string faults;
+  for (PendingFile& p : pending)
+    if (const int error = p.commit()) faults += " \"" + p.named().string() + "\": " + std::strerror(error) + ".";
+  if (!faults.empty()) throw RunTimeError("These files could not be put in place, their earlier text stands:" + faults);
+}
 
 void setWriteHook(WriteHook hook) { writeHook() = std::move(hook); }
 

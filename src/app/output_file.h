@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -39,6 +40,29 @@ void writeBytesFile(const std::filesystem::path& file, const std::string& bytes)
 // all are complete. Should putting one in place fail after another was, the
 // RunTimeError names both and says which is new.
 void writeTextFiles(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files);
+
+// Many files at once (a township's sections): add() makes each whole in its
+// temporary file only; finish() then makes them all durable with one sync
+// of their file system and puts them in place in the order added. One sync
+// instead of one a file, each file still whole or not at all. A batch
+// dropped unfinished puts nothing in place.
+class WriteBatch {
+ public:
+  WriteBatch();
+  ~WriteBatch();
+  WriteBatch(const WriteBatch&) = delete;
+  WriteBatch& operator=(const WriteBatch&) = delete;
+  // As writeTextFiles, but put in place by finish(). RunTimeError for a file
+  // that cannot be written.
+  void add(const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>>& files);
+  // RunTimeError when the sync fails (nothing put in place) or naming each
+  // file that could not be put in place, after trying every one.
+  void finish();
+
+ private:
+  struct Files;
+  std::unique_ptr<Files> files_;
+};
 
 // Whether two names reach one file: the same path once links and "." and
 // ".." are followed, or two hard links of one existing file.

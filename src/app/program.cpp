@@ -81,7 +81,10 @@ void Program::writeOutputFiles(const std::vector<std::pair<std::filesystem::path
   if (keepsHistory)
     for (const auto& file : files)
       if (auto kept = history_.keepEarlier(file.first)) lastKept.emplace_back(file.first, std::move(*kept));
-  writeTextFiles(files);
+  if (outputBatch)
+    outputBatch->add(files);
+  else
+    writeTextFiles(files);
   for (const auto& file : files) {
     shell_.fileWritten(std::filesystem::absolute(file.first));
     if (keepsHistory) history_.written(file.first, holds);

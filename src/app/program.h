@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "app/header_data.h"
+#include "app/output_file.h"
 #include "crs/crs.h"
 #include "app/history.h"
 #include "app/recent_work.h"
@@ -111,6 +112,9 @@ class Program {
   // The desktop program keeps every output file a run replaces in the
   // history (the runner, whose jobs repeat, does not).
   bool keepsHistory = false;
+  // Where output files go when a caller writes many runs' files as one
+  // batch (a township): made whole now, put in place when it finishes.
+  WriteBatch* outputBatch = nullptr;
   // The coordinate system of the job's coordinates (none: local), with the
   // mean elevation of the project for ground distances.
   CrsChoice crs;

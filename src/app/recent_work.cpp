@@ -17,7 +17,16 @@ std::filesystem::path listFile(const std::string& folder) { return folder + "rec
 
 }  // namespace
 
-RecentWork::RecentWork(std::string dataFolder) : folder_(std::move(dataFolder)) {
+RecentWork::RecentWork(std::string dataFolder) : folder_(std::move(dataFolder)) {}
+
+const std::vector<std::string>& RecentWork::files() const {
+  load();
+  return files_;
+}
+
+void RecentWork::load() const {
+  if (loaded_) return;
+  loaded_ = true;
   if (folder_.empty()) return;
   // A damaged list (not JSON, nested too deep, or no regular file at all)
   // is started afresh: the program always starts.
@@ -34,6 +43,8 @@ RecentWork::RecentWork(std::string dataFolder) : folder_(std::move(dataFolder)) 
 
 void RecentWork::add(const std::string& file) {
   const std::string path = std::filesystem::absolute(file).lexically_normal().string();
+  load();
+  if (!files_.empty() && files_.front() == path) return;  // first already: nothing to write
   files_.erase(std::remove(files_.begin(), files_.end(), path), files_.end());
   files_.insert(files_.begin(), path);
   if (files_.size() > kMost) files_.resize(kMost);

@@ -11,18 +11,22 @@ class RecentWork {
  public:
   static constexpr std::size_t kMost = 10;
 
-  // Reads the list kept in `dataFolder`; none there (or no folder) is an empty list.
+  // The list kept in `dataFolder`, read when first asked for (the program
+  // starts without it); none there (or no folder) is an empty list.
   explicit RecentWork(std::string dataFolder);
 
-  const std::vector<std::string>& files() const { return files_; }
+  const std::vector<std::string>& files() const;
 
-  // Puts `file` first (once), keeps the ten most recent and writes the list.
-  // A list that cannot be written is kept for this run only: it is no output.
+  // Puts `file` first (once), keeps the ten most recent and writes the list
+  // when that changed it. A list that cannot be written is kept for this
+  // run only: it is no output.
   void add(const std::string& file);
 
  private:
+  void load() const;
   std::string folder_;
-  std::vector<std::string> files_;
+  mutable bool loaded_ = false;
+  mutable std::vector<std::string> files_;
 };
 
 }  // namespace tervalo

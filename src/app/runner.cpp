@@ -31,11 +31,15 @@ Json controlJson(const ControlRef& control) {
 }
 
 Json formJson(const FormModel& form) {
+  // Control names are unique in a window: appended in order, not looked up one by one.
   Json controls = Json::object();
+  auto& byName = controls.get_ref<Json::object_t&>();
+  byName.reserve(form.controls().size());
   for (const auto& entry : form.controls()) {
-    controls[entry.name] = controlJson(entry.control);
+    Json control = controlJson(entry.control);
     // What the window says beside a field (what a number reads as, a point not found).
-    if (const std::string note = form.noteFor(entry); !note.empty()) controls[entry.name]["note"] = note;
+    if (const std::string note = form.noteFor(entry); !note.empty()) control["note"] = note;
+    byName.emplace_back(entry.name, std::move(control));
   }
   return Json{{"caption", form.caption}, {"controls", std::move(controls)}};
 }
@@ -163,12 +167,14 @@ RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry&
   }
 
   Json forms = Json::object();
-  for (const FormModel* form : program.madeForms()) forms[form->name()] = formJson(*form);
+  if (options.windows)
+    for (const FormModel* form : program.madeForms()) forms[form->name()] = formJson(*form);
   RunOutcome outcome;
   outcome.result = Json{{"messages", std::move(shell.messages)}, {"ended", ended},       {"forms", std::move(forms)},
                         {"files", std::move(shell.files)},       {"opened", std::move(shell.opened)},
                         {"skipped", std::move(shell.skipped)}};
-  for (const FormModel* form : program.madeForms()) form->addToResult(outcome.result);
+  if (options.windows)
+    for (const FormModel* form : program.madeForms()) form->addToResult(outcome.result);
   if (options.inspect) options.inspect(program);
   const bool critical = std::any_of(outcome.result["messages"].begin(), outcome.result["messages"].end(),
                                     [](const Json& m) { return m["icon"] == "critical"; });

@@ -27,6 +27,10 @@ struct RunOptions {
   // Prepares the program before the job is played (the township run gives
   // each section its points this way).
   std::function<void(Program&)> prepare = {};
+  // The result's "forms" (every control) and what each window adds to it
+  // ("explain"): left empty by a caller that shows only a summary (a
+  // township run without --json), which saves building them for every section.
+  bool windows = true;
 };
 
 // The exit statuses of the runner's commands.

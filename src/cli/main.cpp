@@ -82,8 +82,9 @@ int townshipCommand(const RunOptionsCli& o) {
     return kUsage;
   }
   int status = 0;
-  const auto options = runOptions(o, status);
+  auto options = runOptions(o, status);
   if (!options) return status;
+  options->windows = o.json;  // the summary shows no section's windows
   tervalo::TownshipOutcome outcome;
   try {
     outcome = tervalo::runTownship(plan, *options, tervalo::allForms());

@@ -170,6 +170,13 @@ class ProjGeo : public Geo {
         OGR_Fld_Destroy(field);
       }
     };
+    // A layer's features in one transaction where the driver has them (a
+    // GeoPackage): one commit for a township's thousands, not one each.
+    const auto transaction = [&](auto fill) {
+      const bool started = GDALDatasetStartTransaction(ds, FALSE) == OGRERR_NONE;
+      fill();
+      if (started && GDALDatasetCommitTransaction(ds) != OGRERR_NONE && fault.empty()) fault = CPLGetLastErrorMsg();
+    };
     // Each layer made and filled before the next: KML writes its folders one after another.
     OGRLayerH corners = GDALDatasetCreateLayer(ds, one ? "corners and lines" : "corners", srs, one ? wkbUnknown : wkbPoint, options);
     CSLDestroy(options);
@@ -177,6 +184,7 @@ class ProjGeo : public Geo {
     if (corners) {
       addFields(corners, cornerFields);
       if (one) addFields(corners, lineFields);
+      transaction([&] {
       for (const GisCorner& c : d.corners) {
         OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(corners));
         const std::string* values[] = {&c.name, &c.number, &c.otherNumbers, &c.description, &c.evidence, &c.feature, &c.status, &c.rule};
@@ -187,11 +195,13 @@ class ProjGeo : public Geo {
         if (OGR_L_CreateFeature(corners, f) != OGRERR_NONE && fault.empty()) fault = CPLGetLastErrorMsg();
         OGR_F_Destroy(f);
       }
+      });
     }
     OGRLayerH lines = one ? corners : (corners ? GDALDatasetCreateLayer(ds, "lines", srs, wkbLineString, nullptr) : nullptr);
     if (corners && !lines && fault.empty()) fault = CPLGetLastErrorMsg();
     if (lines) {
       if (!one) addFields(lines, lineFields);
+      transaction([&] {
       for (const GisLine& l : d.lines) {
         OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(lines));
         OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "line"), l.name.c_str());
@@ -203,6 +213,7 @@ class ProjGeo : public Geo {
         if (OGR_L_CreateFeature(lines, f) != OGRERR_NONE && fault.empty()) fault = CPLGetLastErrorMsg();
         OGR_F_Destroy(f);
       }
+      });
     }
     CPLErrorReset();
     GDALClose(ds);  // writes what is left: a fault here is the driver's last error

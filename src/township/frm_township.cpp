@@ -179,7 +179,9 @@ void frmTownship::btnRun_Click() {
   checked.source = plan.source;
   TownshipOutcome out;
   try {
-    out = runTownship(checked, RunOptions{program().userAppData, shell().today()}, program().registry());
+    RunOptions options{program().userAppData, shell().today()};
+    options.windows = false;  // the window shows the summary and the map
+    out = runTownship(checked, options, program().registry());
   } catch (const ProgramFault& e) {
     shell().msgBox(e.title(), e.what(), Icon::Critical);
     return;

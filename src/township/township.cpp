@@ -167,6 +167,9 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       restoredSlots[{row, kPlanCornerSlots[k]}] = name;
     }
 
+  // The sections' files are written as one batch: each whole, all synced
+  // at once and then put in place, so a thousand sections wait for one sync.
+  WriteBatch batch;
   for (std::size_t row = 0; row < runPlan.sections.size(); ++row) {
     const SectionPlan& p = runPlan.sections[row];
     const auto named = namedPoints(p);
@@ -192,6 +195,10 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
         };
       };
     }
+    one.prepare = [&batch, given = one.prepare](Program& program) {
+      program.outputBatch = &batch;
+      if (given) given(program);
+    };
     std::optional<SectionRun> taken;
     one.inspect = [&](Program& program) {
       auto& form = program.form<frmSecSub>("frmSecSub");
@@ -212,6 +219,12 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
     }
     sections.push_back(Json{{"section", p.section}, {"completed", taken.has_value()}, {"result", std::move(run.result)}});
     if (taken) runs.push_back(std::move(*taken));
+  }
+  std::string sectionFault;
+  try {
+    batch.finish();
+  } catch (const RunTimeError& e) {
+    sectionFault = e.what();
   }
   out.exitCode = !out.stopped.empty() ? kExitEnded : criticalBox ? kExitCriticalBox : 0;
 
@@ -378,6 +391,10 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   // so an earlier run's files are not replaced by empty ones. A file that
   // cannot be written is said, and every section's result still reported.
   const std::filesystem::path folder(options.dataFolder);
+  if (!sectionFault.empty()) {
+    s.push_back("The sections' files could not all be put in place: " + sectionFault);
+    out.exitCode = kExitEnded;
+  }
   Json files = Json::array();
   std::string fault;
   if (runs.empty()) {

@@ -56,6 +56,35 @@ TEST(OutputFile, AFailedWriteLeavesTheEarlierFileIntact) {
   EXPECT_EQ(filesIn(dir.path()), 1u);
 }
 
+// A batch's files are whole in their temporary files until finish puts
+// them all in place; a batch dropped unfinished, or one whose file cannot
+// be written, leaves every earlier file as it was.
+TEST(OutputFile, ABatchPutsItsFilesInPlaceOnlyWhenItFinishes) {
+  TempDir dir;
+  const auto report = dir.path() / "SecSub-14.rpt", geopak = dir.path() / "SecSub-14.inp";
+  writeTextFile(report, {"earlier report"});
+  {
+    WriteBatch dropped;
+    dropped.add({{report, {"new report"}}, {geopak, {"new geopak"}}});
+    EXPECT_EQ(TempDir::read(report), "earlier report\r\n");
+  }
+  EXPECT_EQ(filesIn(dir.path()), 1u);  // no temporary file left behind
+
+  WriteBatch batch;
+  batch.add({{report, {"new report"}}, {geopak, {"new geopak"}}});
+  EXPECT_FALSE(std::filesystem::exists(geopak));
+  setWriteHook([](int, const char*, std::size_t) -> long {
+    errno = ENOSPC;
+    return -1;
+  });
+  EXPECT_THROW(batch.add({{dir.path() / "SecSub-15.rpt", {"full disk"}}}), RunTimeError);
+  setWriteHook(nullptr);
+  batch.finish();
+  EXPECT_EQ(TempDir::read(report), "new report\r\n");
+  EXPECT_EQ(TempDir::read(geopak), "new geopak\r\n");
+  EXPECT_EQ(filesIn(dir.path()), 2u);
+}
+
 TEST(OutputFile, ReadOnlyFolderAndMissingFolderAreRunTimeErrors) {
   TempDir dir;
   try {

@@ -2,6 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+
+#include "text/decimal.h"
+
 #include "text/errors.h"
 #include "text/format.h"
 #include "text/number.h"
@@ -137,6 +145,33 @@ TEST(ToInt16, CutsTowardZeroAndRefusesOverflow) {
   EXPECT_EQ(toInt16(32767), 32767);
   EXPECT_THROW(toInt16(32768), RunTimeError);
   EXPECT_THROW(toInt16(-40000), RunTimeError);
+}
+
+}  // namespace
+}  // namespace tervalo
+
+namespace tervalo {
+namespace {
+
+// Every number becomes text through its 15 significant digits: the fast
+// conversion gives exactly printf's, ties and tiny and huge values included.
+TEST(NumberText, FifteenDigitsAreExactlyPrintfs) {
+  std::mt19937_64 random(20261124);
+  std::vector<double> values{0.5, 2.675, 1e-300, 1.7976931348623157e308, 4.9e-324, 0.1 + 0.2, 512313.48949999998};
+  for (int i = 0; i < 100000; ++i) {
+    const std::uint64_t bits = random();
+    double v = 0;
+    std::memcpy(&v, &bits, sizeof v);
+    if (std::isfinite(v)) values.push_back(v);
+    values.push_back(std::ldexp(static_cast<double>(bits >> 11), -30));  // survey-sized numbers
+  }
+  for (const double v : values) {
+    char wanted[40];
+    std::snprintf(wanted, sizeof wanted, "%.14e", std::fabs(v));
+    const detail::Decimal d = detail::toDecimal15(v);
+    ASSERT_EQ(d.digits, std::string(1, wanted[0]) + std::string(wanted + 2, 14)) << wanted;
+    ASSERT_EQ(d.exponent, v == 0 ? 0 : std::atoi(std::strchr(wanted, 'e') + 1)) << wanted;
+  }
 }
 
 }  // namespace
