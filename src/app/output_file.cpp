@@ -262,6 +262,18 @@ int libraryWriteError(const fs::path& temp, int errorAfter) {
   return EIO;
 }
 
+// Each file written whole to its temporary file, durable when asked; none
+// in place yet.
+std::vector<PendingFile> writtenAside(const std::vector<std::pair<fs::path, std::vector<std::string>>>& files, bool durable) {
+  std::vector<PendingFile> pending;
+  pending.reserve(files.size());
+  for (const auto& [file, lines] : files) {
+    pending.emplace_back(file);
+    if (const int error = writeBytes(pending.back().temp(), crLfText(lines), durable)) cannotWrite(file, error);
+  }
+  return pending;
+}
+
 }  // namespace
 
 // The batch's files, written and waiting to be put in place; an unfinished
@@ -275,11 +287,7 @@ WriteBatch::WriteBatch() : files_(std::make_unique<Files>()) {}
 WriteBatch::~WriteBatch() = default;
 
 void WriteBatch::add(const std::vector<std::pair<fs::path, std::vector<std::string>>>& files) {
-  for (const auto& [file, lines] : files) {
-    PendingFile pending(file);
-    if (const int error = writeBytes(pending.temp(), crLfText(lines), false)) cannotWrite(file, error);
-    files_->pending.push_back(std::move(pending));
-  }
+  for (PendingFile& p : writtenAside(files, false)) files_->pending.push_back(std::move(p));
 }
 
 void WriteBatch::finish() {
@@ -330,12 +338,7 @@ void writeTextFile(const fs::path& file, const std::vector<std::string>& lines) 
 }
 
 void writeTextFiles(const std::vector<std::pair<fs::path, std::vector<std::string>>>& files) {
-  std::vector<PendingFile> pending;
-  pending.reserve(files.size());
-  for (const auto& [file, lines] : files) {
-    pending.emplace_back(file);
-    if (const int error = writeBytes(pending.back().temp(), crLfText(lines))) cannotWrite(file, error);
-  }
+  std::vector<PendingFile> pending = writtenAside(files, true);
   for (std::size_t i = 0; i < pending.size(); ++i) {
     if (i == 0) {
       commitOrSay(pending[0]);  // nothing is in place yet

@@ -121,34 +121,27 @@ int run(int argc, char** argv) {
              "     traverse could not be computed, or a file could not be written\n"
              "  4  the job ran to its end but showed a box with the critical icon");
 
-  RunOptionsCli run;
-  auto* runCmd = app.add_subcommand("run", "Play a job file through the program's windows and report the result.");
-  runCmd->add_option("job", run.job, "The job file (JSON)")->required();
-  runCmd->add_flag("--json", run.json, "Print the whole result as JSON on standard output");
-  runCmd->add_option("--today", run.today, "The date for reports, as YYYY-MM-DD");
-  runCmd->add_option("--data-dir", run.dataDir, "The data folder for default output files");
-
-  RunOptionsCli township;
-  auto* townshipCmd = app.add_subcommand("township", "Run every section of a township plan and check that shared corners agree.");
-  townshipCmd->add_option("plan", township.job, "The plan file (JSON)")->required();
-  townshipCmd->add_flag("--json", township.json, "Print the whole result as JSON on standard output");
-  townshipCmd->add_option("--today", township.today, "The date for reports, as YYYY-MM-DD");
-  townshipCmd->add_option("--data-dir", township.dataDir, "The data folder the sections' and township's files go to");
-
-  RunOptionsCli restore;
-  auto* restoreCmd =
-      app.add_subcommand("restore", "Restore the lost corners of a restoration file by proportionate measurement.");
-  restoreCmd->add_option("file", restore.job, "The restoration file (JSON)")->required();
-  restoreCmd->add_flag("--json", restore.json, "Print the whole result as JSON on standard output");
-  restoreCmd->add_option("--today", restore.today, "The date for the report, as YYYY-MM-DD");
-  restoreCmd->add_option("--data-dir", restore.dataDir, "The data folder the report and the restored corners go to");
-
-  RunOptionsCli traverse;
-  auto* traverseCmd = app.add_subcommand("traverse", "Close and adjust a traverse from a traverse file or a data collector's raw file (.rw5).");
-  traverseCmd->add_option("file", traverse.job, "The traverse file (JSON) or raw file (.rw5)")->required();
-  traverseCmd->add_flag("--json", traverse.json, "Print the whole result as JSON on standard output");
-  traverseCmd->add_option("--today", traverse.today, "The date for the report, as YYYY-MM-DD");
-  traverseCmd->add_option("--data-dir", traverse.dataDir, "The data folder the report and the adjusted points go to");
+  // A command on one file, with --json, --today and --data-dir.
+  const auto addCommand = [&app](const char* name, const char* what, const char* file, const char* fileWhat, RunOptionsCli& o,
+                                 const char* dated, const char* dataDir) {
+    auto* command = app.add_subcommand(name, what);
+    command->add_option(file, o.job, fileWhat)->required();
+    command->add_flag("--json", o.json, "Print the whole result as JSON on standard output");
+    command->add_option("--today", o.today, std::string("The date for ") + dated + ", as YYYY-MM-DD");
+    command->add_option("--data-dir", o.dataDir, dataDir);
+    return command;
+  };
+  RunOptionsCli run, township, restore, traverse;
+  auto* runCmd = addCommand("run", "Play a job file through the program's windows and report the result.", "job",
+                            "The job file (JSON)", run, "reports", "The data folder for default output files");
+  auto* townshipCmd = addCommand("township", "Run every section of a township plan and check that shared corners agree.", "plan",
+                                 "The plan file (JSON)", township, "reports", "The data folder the sections' and township's files go to");
+  auto* restoreCmd = addCommand("restore", "Restore the lost corners of a restoration file by proportionate measurement.", "file",
+                                "The restoration file (JSON)", restore, "the report",
+                                "The data folder the report and the restored corners go to");
+  auto* traverseCmd = addCommand("traverse", "Close and adjust a traverse from a traverse file or a data collector's raw file (.rw5).",
+                                 "file", "The traverse file (JSON) or raw file (.rw5)", traverse, "the report",
+                                 "The data folder the report and the adjusted points go to");
   traverseCmd->add_option("--export", traverse.exports,
                           "Also export the adjusted traverse to FILE, its kind by the ending (.csv .txt .xml .dxf .gpkg .geojson .kml); "
                           "a name without a folder lies in the data folder");

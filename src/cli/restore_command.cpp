@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "app/json_text.h"
+#include "cli/file_answer.h"
 #include "app/output_file.h"
 #include "app/runner.h"
 #include "restore/restoration_file.h"
@@ -37,15 +38,7 @@ int restoreCommand(const std::string& name, bool json, const std::string& dataFo
   } catch (const RunTimeError& e) {
     messages.push_back(std::string("Run-time Error: ") + e.what());
   }
-  run.result["messages"] = messages;
-  run.result["files"] = files;
-  if (json) {
-    out << jsonText(run.result) << "\n";
-  } else {
-    for (const auto& line : run.report) out << line << "\n";
-    for (const auto& m : messages) err << m.get<std::string>() << "\n";
-    for (const auto& f : files) out << "Written: " << f.get<std::string>() << "\n";
-  }
+  printFileAnswer(out, err, json, run.result, run.report, messages, files);
   return messages.empty() && run.allRestored() ? 0 : kExitEnded;
 }
 

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "app/json_text.h"
+#include "cli/file_answer.h"
 #include "app/output_file.h"
 #include "app/runner.h"
 #include "export/map_export.h"
@@ -57,15 +58,7 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
   } catch (const RunTimeError& e) {
     messages.push_back(std::string("Run-time Error: ") + e.what());
   }
-  run.json["messages"] = messages;
-  run.json["files"] = files;
-  if (json) {
-    out << jsonText(run.json) << "\n";
-  } else {
-    for (const auto& line : run.report) out << line << "\n";
-    for (const auto& m : messages) err << m.get<std::string>() << "\n";
-    for (const auto& f : files) out << "Written: " << f.get<std::string>() << "\n";
-  }
+  printFileAnswer(out, err, json, run.json, run.report, messages, files);
   return messages.empty() ? 0 : kExitEnded;
 }
 

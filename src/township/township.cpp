@@ -189,15 +189,14 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
         refuseRow(row, "Missing Point", missing);
         continue;
       }
-      one.prepare = [&source, &named](Program& program) {
-        program.readSource = [&source, &named](const std::string&, FormatFlags& formats, PointList& points) {
-          return givePoints(source, named, formats, points);
-        };
-      };
     }
-    one.prepare = [&batch, given = one.prepare](Program& program) {
+    // Each section writes into the batch and, from a source, takes its points from the one read.
+    one.prepare = [&batch, &source, &named](Program& program) {
       program.outputBatch = &batch;
-      if (given) given(program);
+      if (!source.read) return;
+      program.readSource = [&source, &named](const std::string&, FormatFlags& formats, PointList& points) {
+        return givePoints(source, named, formats, points);
+      };
     };
     std::optional<SectionRun> taken;
     one.inspect = [&](Program& program) {

@@ -77,15 +77,13 @@ frmTraverse::frmTraverse(Program& program) : FormModel(program, "frmTraverse", "
   add("txtCloseAzimuth", txtCloseAzimuth).change(edited);
   add("txtCloseAngle", txtCloseAngle).change(edited);
   add("cmbAdjust", cmbAdjust).change([this] {
-    // The standard errors weigh the observations of a least-squares adjustment only.
-    const bool weighed = cmbAdjust.text == kRules[4];
-    txtSigmaAngle.enabled = txtSigmaDistance.enabled = txtPpm.enabled = weighed;
+    showWeights();
     changed();
   });
   add("txtSigmaAngle", txtSigmaAngle).numeric().change(edited);
   add("txtSigmaDistance", txtSigmaDistance).numeric().change(edited);
   add("txtPpm", txtPpm).numeric().change(edited);
-  txtSigmaAngle.enabled = txtSigmaDistance.enabled = txtPpm.enabled = false;
+  showWeights();
   add("btnOpenRaw", btnOpenRaw).click([this] { openRaw(); });
   add("btnOpenInputs", btnOpenInputs).click([this] { openFile(); });
   add("btnSaveInputs", btnSaveInputs).click([this] { saveFile(); });
@@ -154,10 +152,13 @@ void frmTraverse::opened() {
   }
   currentRow = 0;
   ++tableVersion;
-  txtSigmaAngle.enabled = txtSigmaDistance.enabled = txtPpm.enabled = cmbAdjust.text == kRules[4];
+  showWeights();
   showSideShots();
   showCrs();
 }
+
+// The standard errors weigh the observations of a least-squares adjustment only.
+void frmTraverse::showWeights() { txtSigmaAngle.enabled = txtSigmaDistance.enabled = txtPpm.enabled = cmbAdjust.text == kRules[4]; }
 
 void frmTraverse::showSideShots() {
   lblSideShots.caption = sideShots_.empty() ? "" : std::to_string(sideShots_.size()) + " side shots from the raw file";
@@ -306,7 +307,7 @@ void frmTraverse::setInput(const TraverseInput& in) {
   txtSigmaAngle.text = CStr(in.sigmaAngle);
   txtSigmaDistance.text = CStr(in.sigmaDistance);
   txtPpm.text = CStr(in.ppm);
-  txtSigmaAngle.enabled = txtSigmaDistance.enabled = txtPpm.enabled = in.adjust == AdjustRule::LeastSquares;
+  showWeights();
   sideShots_ = in.sideShots;
   notes_ = in.notes;
   crs_ = in.crs.none() ? program().crs : in.crs;  // a raw file names no system: the one chosen stands

@@ -117,6 +117,7 @@ class frmTraverse : public FormModel {
   bool read(const std::string& title, const std::string& file);
   void showCrs();
   void showSideShots();
+  void showWeights();
   std::vector<std::pair<const char*, TextBox*>> texts();
   bool keptTaken_ = false;
   void changed();  // a field or cell changed: the last result no longer stands

@@ -16,24 +16,16 @@
 #include "app/job.h"
 #include "app/program.h"
 #include "app/runner.h"
+#include "scratch.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 std::string prepareScratch() {
-  std::string folder = (fs::temp_directory_path() / "tervalo-fuzz-XXXXXX").string();
-  if (!::mkdtemp(folder.data())) std::abort();
-  fs::copy(TERVALO_SOURCE_DIR "/examples", fs::path(folder) / "examples", fs::copy_options::recursive);
-  fs::create_directory(fs::path(folder) / "data");
+  const fs::path folder = scratchFolder(true);
   if (::chdir(folder.c_str()) != 0) std::abort();
-  static std::string made;
-  made = folder;
-  std::atexit([] {
-    std::error_code ec;
-    fs::remove_all(made, ec);
-  });
-  return folder + "/data/";
+  return folder.string() + "/data/";
 }
 
 bool staysInScratch(const std::string& name) {

@@ -14,24 +14,13 @@
 #include "app/runner.h"
 #include "township/plan.h"
 #include "township/township.h"
+#include "scratch.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string prepareScratch() {
-  std::string folder = (fs::temp_directory_path() / "tervalo-fuzz-XXXXXX").string();
-  if (!::mkdtemp(folder.data())) std::abort();
-  fs::copy(TERVALO_SOURCE_DIR "/examples", fs::path(folder) / "examples", fs::copy_options::recursive);
-  fs::create_directory(fs::path(folder) / "data");
-  static std::string made;
-  made = folder;
-  std::atexit([] {
-    std::error_code ec;
-    fs::remove_all(made, ec);
-  });
-  return folder + "/";
-}
+std::string prepareScratch() { return scratchFolder(true).string() + "/"; }
 
 }  // namespace
 

@@ -13,6 +13,7 @@
 #include "app/program.h"
 #include "app/recovery.h"
 #include "app/shell.h"
+#include "scratch.h"
 
 namespace {
 
@@ -31,17 +32,7 @@ struct QuietShell : tervalo::Shell {
   tervalo::Date today() override { return {2026, 11, 21}; }
 };
 
-std::string prepareScratch() {
-  std::string folder = (fs::temp_directory_path() / "tervalo-fuzz-XXXXXX").string();
-  if (!::mkdtemp(folder.data())) std::abort();
-  static std::string made;
-  made = folder;
-  std::atexit([] {
-    std::error_code ec;
-    fs::remove_all(made, ec);
-  });
-  return folder + "/";
-}
+std::string prepareScratch() { return scratchFolder(false).string() + "/"; }
 
 }  // namespace
 

@@ -17,22 +17,13 @@
 
 #include "app/output_file.h"
 #include "text/errors.h"
+#include "scratch.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string prepareScratch() {
-  std::string folder = (fs::temp_directory_path() / "tervalo-fuzz-XXXXXX").string();
-  if (!::mkdtemp(folder.data())) std::abort();
-  static std::string made;
-  made = folder;
-  std::atexit([] {
-    std::error_code ec;
-    fs::remove_all(made, ec);
-  });
-  return folder;
-}
+std::string prepareScratch() { return scratchFolder(false).string(); }
 
 std::string read(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);
