@@ -1,13 +1,11 @@
 #include "crs/crs.h"
 
-#include <dlfcn.h>
-#include <unistd.h>
-
 #include <cmath>
 #include <cstdlib>
 #include <mutex>
 
 #include "app/json_text.h"
+#include "app/module.h"
 
 namespace tervalo {
 
@@ -46,19 +44,6 @@ namespace {
 
 using Factory = Geo* (*)();
 
-// Beside the program (the build folder), or where the package puts it.
-std::vector<std::filesystem::path> moduleCandidates() {
-  std::vector<std::filesystem::path> found;
-  if (const char* chosen = std::getenv("TERVALO_GEO_MODULE")) found.emplace_back(chosen);
-  std::error_code ec;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", ec);
-  if (!ec) {
-    found.push_back(self.parent_path() / "libtervalo_geo.so");
-    found.push_back(self.parent_path().parent_path() / TERVALO_MODULE_DIR / "libtervalo_geo.so");
-  }
-  return found;
-}
-
 Geo* loaded = nullptr;
 
 }  // namespace
@@ -68,24 +53,10 @@ Geo& geo() {
   static std::string fault;
   std::call_once(once, [] {
     std::string tried;
-    for (const auto& candidate : moduleCandidates()) {
-      std::error_code ec;
-      if (!std::filesystem::exists(candidate, ec)) {
-        tried += "\n  " + candidate.string() + " (not there)";
-        continue;
-      }
-      void* handle = ::dlopen(candidate.c_str(), RTLD_NOW | RTLD_LOCAL);
-      if (!handle) {
-        tried += "\n  " + candidate.string() + " (" + ::dlerror() + ")";
-        continue;
-      }
-      if (auto make = reinterpret_cast<Factory>(::dlsym(handle, "tervalo_make_geo"))) {
-        loaded = make();
-        return;
-      }
-      tried += "\n  " + candidate.string() + " (not Tervalo's coordinate system module)";
-    }
-    fault = "The coordinate system module (PROJ and GDAL) cannot be loaded:" + tried;
+    if (auto make = reinterpret_cast<Factory>(moduleEntry("libtervalo_geo.so", "TERVALO_GEO_MODULE", "tervalo_make_geo", tried)))
+      loaded = make();
+    else
+      fault = "The coordinate system module (PROJ and GDAL) cannot be loaded:" + tried;
   });
   if (!loaded) throw CrsError(fault);
   return *loaded;

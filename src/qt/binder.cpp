@@ -32,11 +32,6 @@ namespace {
 
 QString q(const std::string& s) { return QString::fromStdString(s); }
 
-template <class W>
-W* widget(QWidget& root, const std::string& name) {
-  return root.findChild<W*>(q(name));
-}
-
 QStringList texts(const std::vector<std::string>& items) {
   QStringList list;
   for (const auto& i : items) list << q(i);
@@ -63,37 +58,45 @@ void setCommon(QWidget* w, bool visible, bool enabled) {
 
 }  // namespace
 
+template <class W>
+W* Binder::control(const std::string& name) {
+  if (const auto at = found_.find(name); at != found_.end() && at->second) return qobject_cast<W*>(at->second.data());
+  W* object = root_.findChild<W*>(q(name));
+  if (object) found_[name] = object;
+  return object;
+}
+
 Binder::Binder(FormModel& model, QWidget& root, QtShell& shell) : QObject(&root), model_(model), root_(root), shell_(shell) {
   for (const ControlEntry& entry : model_.controls()) {
     const std::string name = entry.name;
     if (std::holds_alternative<TextBox*>(entry.control)) {
-      if (auto* edit = widget<QLineEdit>(root_, name)) {
+      if (auto* edit = control<QLineEdit>(name)) {
         connect(edit, &QLineEdit::textEdited, this, [this, name](const QString& text) {
           run([this, name, text] { model_.editText(name, text.toStdString()); });
         });
         edit->installEventFilter(this);
       }
     } else if (std::holds_alternative<CheckBox*>(entry.control)) {
-      if (auto* box = widget<QCheckBox>(root_, name))
+      if (auto* box = control<QCheckBox>(name))
         connect(box, &QCheckBox::clicked, this, [this, name](bool checked) { run([=, this] { model_.setChecked(name, checked); }); });
     } else if (std::holds_alternative<OptionButton*>(entry.control)) {
-      if (auto* option = widget<QRadioButton>(root_, name)) {
+      if (auto* option = control<QRadioButton>(name)) {
         option->setAutoExclusive(false);  // the model keeps its groups
         connect(option, &QRadioButton::clicked, this, [this, name] { run([=, this] { model_.setChecked(name, true); }); });
         option->installEventFilter(this);  // arrow keys move within the group
       }
     } else if (std::holds_alternative<ComboBox*>(entry.control)) {
-      if (auto* combo = widget<QComboBox>(root_, name))
+      if (auto* combo = control<QComboBox>(name))
         connect(combo, &QComboBox::currentTextChanged, this,
                 [this, name](const QString& text) { run([=, this] { model_.typeText(name, text.toStdString()); }); });
     } else if (std::holds_alternative<Button*>(entry.control)) {
-      if (auto* button = widget<QPushButton>(root_, name))
+      if (auto* button = control<QPushButton>(name))
         connect(button, &QPushButton::clicked, this, [this, name] { run([=, this] { model_.click(name); }); });
     } else if (std::holds_alternative<MenuItem*>(entry.control)) {
-      if (auto* action = root_.findChild<QAction*>(q(name)))
+      if (auto* action = control<QAction>(name))
         connect(action, &QAction::triggered, this, [this, name] { run([=, this] { model_.click(name); }); });
     } else if (std::holds_alternative<ListBox*>(entry.control)) {
-      if (auto* list = widget<QListWidget>(root_, name))
+      if (auto* list = control<QListWidget>(name))
         connect(list, &QListWidget::currentRowChanged, this,
                 [this, name](int row) { run([=, this] { model_.selectItem(name, row); }); });
     }
@@ -118,7 +121,7 @@ bool Binder::eventFilter(QObject* watched, QEvent* event) {
       const auto count = static_cast<std::ptrdiff_t>(group.size());
       const std::string target = group[static_cast<std::size_t>(((at + step) % count + count) % count)];
       run([this, target] { model_.setChecked(target, true); });
-      if (auto* w = widget<QRadioButton>(root_, target)) w->setFocus(Qt::TabFocusReason);
+      if (auto* w = control<QRadioButton>(target)) w->setFocus(Qt::TabFocusReason);
       return true;
     }
   }
@@ -217,7 +220,7 @@ void Binder::refresh() {
         [&](auto* c) {
           using T = std::decay_t<decltype(*c)>;
           if constexpr (std::is_same_v<T, TextBox>) {
-            if (auto* w = widget<QLineEdit>(root_, name)) {
+            if (auto* w = control<QLineEdit>(name)) {
               const QSignalBlocker block(w);
               if (w->text() != q(c->text)) {
                 w->setText(q(c->text));
@@ -227,17 +230,17 @@ void Binder::refresh() {
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, Label>) {
-            if (auto* w = widget<QLabel>(root_, name)) {
+            if (auto* w = control<QLabel>(name)) {
               showCaption(*w, *c);
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, Frame>) {
-            if (auto* w = widget<QGroupBox>(root_, name)) {
+            if (auto* w = control<QGroupBox>(name)) {
               w->setTitle(q(c->caption));
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, CheckBox> || std::is_same_v<T, OptionButton>) {
-            if (auto* w = widget<QAbstractButton>(root_, name)) {
+            if (auto* w = control<QAbstractButton>(name)) {
               const QSignalBlocker block(w);
               w->setText(q(marked_.count(name) ? marked_.at(name) : c->caption));
               w->setChecked(c->checked);
@@ -246,7 +249,7 @@ void Binder::refresh() {
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, ComboBox>) {
-            if (auto* w = widget<QComboBox>(root_, name)) {
+            if (auto* w = control<QComboBox>(name)) {
               const QSignalBlocker block(w);
               setRows(w, c->items, [w](int i) { return w->itemText(i); });
               if (w->isEditable())
@@ -256,7 +259,7 @@ void Binder::refresh() {
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, ListBox>) {
-            if (auto* w = widget<QListWidget>(root_, name)) {
+            if (auto* w = control<QListWidget>(name)) {
               const QSignalBlocker block(w);
               setRows(w, c->items, [w](int i) { return w->item(i)->text(); });
               if (c->selected != w->currentRow()) {
@@ -266,12 +269,12 @@ void Binder::refresh() {
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, Button>) {
-            if (auto* w = widget<QPushButton>(root_, name)) {
+            if (auto* w = control<QPushButton>(name)) {
               w->setText(q(marked_.count(name) ? marked_.at(name) : c->caption));
               setCommon(w, c->visible, c->enabled);
             }
           } else if constexpr (std::is_same_v<T, MenuItem>) {
-            if (auto* a = root_.findChild<QAction*>(q(name))) {
+            if (auto* a = control<QAction>(name)) {
               a->setText(q(marked_.count(name) ? marked_.at(name) : c->caption));
               a->setVisible(c->visible);
               a->setEnabled(c->enabled);
@@ -281,7 +284,7 @@ void Binder::refresh() {
         entry.control);
   }
   if (!model_.focusRequest.empty()) {
-    if (auto* w = widget<QWidget>(root_, model_.focusRequest)) {
+    if (auto* w = control<QWidget>(model_.focusRequest)) {
       // After the focus change under way (a Tab that left the field) has
       // ended: the cursor waits in the field, its text selected, so typing
       // on mends it rather than filling the fields after it.

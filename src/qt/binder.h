@@ -4,6 +4,7 @@
 // Every view uses it; no view copies a control by hand.
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 class QLabel;
@@ -11,6 +12,7 @@ class QLineEdit;
 #include <functional>
 #include <map>
 #include <string>
+#include <unordered_map>
 
 #include "app/controls.h"
 #include "app/mnemonics.h"
@@ -48,6 +50,11 @@ class Binder : public QObject {
   // Alt+letter for each shown button, box, option and menu entry, by control name.
   std::map<std::string, std::string> marked_;
   std::map<std::string, Captioned> markedFor_;  // the captions the letters were matched for
+  // Each control's widget or action once found: a refresh after every event
+  // would otherwise search the whole window once per control.
+  std::unordered_map<std::string, QPointer<QObject>> found_;
+  template <class W>
+  W* control(const std::string& name);
   void markMnemonics();
   void showNote(QLineEdit& field, const QString& note);
   void showCaption(QLabel& label, const Label& caption);

@@ -35,14 +35,30 @@ W* named(const char* name, QWidget* parent, QWidget* fallback) {
 
 }  // namespace
 
+namespace {
+
+// The notice's frame is a style sheet, and a style sheet costs its widget a
+// style of its own: it is put on the first time the notice shows, so that a
+// window with nothing to say opens without it.
+class NoticeLabel : public QLabel {
+ public:
+  using QLabel::QLabel;
+  void setVisible(bool visible) override {
+    // The window's own ground and text, an amber frame: no tint of its own to fight a dark theme.
+    if (visible && styleSheet().isEmpty())
+      setStyleSheet("QLabel { border: 1px solid #d39e00; border-left: 6px solid #d39e00; padding: 6px; }");
+    QLabel::setVisible(visible);
+  }
+};
+
+}  // namespace
+
 QLabel* noticeLabel(const char* name, QWidget* parent) {
-  auto* l = new QLabel(parent);
+  auto* l = new NoticeLabel(parent);
   l->setObjectName(name);
   l->setWordWrap(true);
   l->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   l->setFocusPolicy(Qt::StrongFocus);  // reachable by Tab, so a keyboard user reads and copies it too
-  // The window's own ground and text, an amber frame: no tint of its own to fight a dark theme.
-  l->setStyleSheet("QLabel { border: 1px solid #d39e00; border-left: 6px solid #d39e00; padding: 6px; }");
   l->setVisible(false);
   return l;
 }

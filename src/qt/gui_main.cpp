@@ -1,7 +1,6 @@
 // tervalo: the desktop program.
 
 #include <QApplication>
-#include <QIcon>
 #include <QCommandLineParser>
 #include <QMessageBox>
 #include <QSocketNotifier>
@@ -17,6 +16,7 @@
 #include "app/identity.h"
 #include "app/program.h"
 #include "qt/binder.h"
+#include "qt/program_icon.h"
 #include "qt/qt_shell.h"
 #include "qt/recovery_offer.h"
 #include "qt/render.h"
@@ -68,17 +68,13 @@ int main(int argc, char** argv) {
   options.addOption({"render-windows", "Render every window with example data to PNG files in <folder>.", "folder"});
   options.addOption({"startup-probe", "Print the time at which the main window is shown, then quit."});
   options.addOption({"data-dir", "Use <folder> as the data folder.", "folder"});
-  options.addOption({"render-icon", "Render the program's icon to a 256 px PNG <file>, then quit.", "file"});
   options.addPositionalArgument("files", "Files to open: a traverse (.traverse.json), raw (.rw5), restoration (.restore.json) "
                                          "or plan (.plan.json) file in its window, saved inputs (.tervalo.json) in their "
                                          "calculator, a coordinate file as the source file.",
                                 "[files...]");
   options.process(app);
 
-  const QIcon icon(":/org.tervalo.Tervalo.svg");
-  QApplication::setWindowIcon(icon);  // every window carries it
-  if (options.isSet("render-icon"))
-    return icon.pixmap(256, 256).save(options.value("render-icon"), "PNG") ? 0 : 1;
+  QApplication::setWindowIcon(tervalo::programIcon());  // every window carries it
 
   tervalo::QtShell shell;
   tervalo::registerViews(shell);

@@ -4,10 +4,10 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QSvgGenerator>
 #include <cctype>
 
 #include "app/output_file.h"
+#include "qt/paper.h"
 #include "qt/picture_view.h"
 #include "text/errors.h"
 
@@ -48,15 +48,12 @@ void writePictureFile(const Picture& picture, const std::filesystem::path& file,
   for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   std::function<bool(const std::filesystem::path&)> write;
   if (ending == ".svg") {
+    const PaperModule& module = paper();  // before any file is begun
     write = [&](const std::filesystem::path& temp) {
-      QSvgGenerator svg;
-      svg.setFileName(QString::fromStdString(temp.string()));
-      svg.setSize(QSize(kWidth * kDotsPerPoint, kHeight * kDotsPerPoint));
-      svg.setViewBox(QRect(0, 0, kWidth, kHeight));
-      svg.setTitle(QString::fromStdString(picture.caption));
-      QPainter painter(&svg);
-      paintPicture(painter, picture, QRectF(0, 0, kWidth, kHeight), paperPalette(), font);
-      return painter.end();
+      return module.writeSvg(QString::fromStdString(temp.string()), QSize(kWidth * kDotsPerPoint, kHeight * kDotsPerPoint),
+                             QRect(0, 0, kWidth, kHeight), QString::fromStdString(picture.caption), [&](QPainter& painter) {
+                               paintPicture(painter, picture, QRectF(0, 0, kWidth, kHeight), paperPalette(), font);
+                             });
     };
   } else if (ending == ".png") {
     write = [&](const std::filesystem::path& temp) {

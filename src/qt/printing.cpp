@@ -5,12 +5,11 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QPrintDialog>
-#include <QPrinter>
 #include <algorithm>
 
 #include "app/output_file.h"
 #include "qt/form_dialog.h"
+#include "qt/paper.h"
 #include "qt/picture_files.h"
 
 namespace tervalo {
@@ -80,19 +79,14 @@ void writePrintPdf(const PrintJob& job, const std::filesystem::path& file) {
 }
 
 std::optional<std::filesystem::path> printWithDialog(const PrintJob& job, QWidget* parent) {
-  QPrinter printer(QPrinter::HighResolution);
-  printer.setDocName(QString::fromStdString(job.title));
-  QPrintDialog dialog(&printer, parent);
-  dialog.setWindowTitle("Print " + QString::fromStdString(job.title));
-  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
-  if (printer.outputFormat() == QPrinter::PdfFormat && !printer.outputFileName().isEmpty()) {
-    // Into a file: through the whole-file writer, never half a PDF.
-    const std::filesystem::path file = printer.outputFileName().toStdString();
-    writePrintPdf(job, file);
-    return file;
-  }
-  paintPrintJob(printer, job);
-  return std::nullopt;
+  QString pdfFile;
+  const auto outcome = paper().print(QString::fromStdString(job.title), parent,
+                                     [&job](QPagedPaintDevice& printer) { paintPrintJob(printer, job); }, pdfFile);
+  if (outcome != PrintOutcome::IntoPdfFile) return std::nullopt;
+  // Into a file: through the whole-file writer, never half a PDF.
+  const std::filesystem::path file = pdfFile.toStdString();
+  writePrintPdf(job, file);
+  return file;
 }
 
 }  // namespace tervalo

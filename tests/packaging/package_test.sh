@@ -30,7 +30,7 @@ root=$work/root/usr
 for f in bin/tervalo bin/tervalo-cli share/applications/org.tervalo.Tervalo.desktop \
          share/icons/hicolor/scalable/apps/org.tervalo.Tervalo.svg share/icons/hicolor/256x256/apps/org.tervalo.Tervalo.png \
          share/metainfo/org.tervalo.Tervalo.metainfo.xml share/doc/tervalo/copyright \
-         share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json lib/*/tervalo/libtervalo_geo.so \
+         share/doc/tervalo/README.md share/tervalo/examples/secsub.job.json lib/*/tervalo/libtervalo_geo.so lib/*/tervalo/libtervalo_paper.so \
          share/man/man1/tervalo.1.gz share/man/man1/tervalo-cli.1.gz share/mime/packages/org.tervalo.Tervalo.xml; do
   compgen -G "$root/$f" >/dev/null || { echo "FAIL: the package has no $f"; exit 1; }
 done

@@ -24,6 +24,7 @@
 #include "app/program.h"
 #include "qt/binder.h"
 #include "qt/form_dialog.h"
+#include "qt/program_icon.h"
 #include "qt/recovery_offer.h"
 #include "qt/views.h"
 #include "app/recovery.h"
@@ -153,6 +154,15 @@ class ShellWindows : public QObject, testing::DesktopFixture {
     Q_EMIT report->textEdited(report->text());
     window.binder().run([&] { main.click("mnuSecSub"); });
     QCOMPARE(report->text().toStdString(), dir->folder() + "SecSub.rpt");
+  }
+
+  void theWindowsIconIsDrawnAtEverySizeTheDesktopAsksFor() {
+    const QIcon icon = programIcon();
+    for (const int side : {16, 22, 48, 300}) {
+      const QImage drawn = icon.pixmap(side, side).toImage();
+      QCOMPARE(drawn.size(), QSize(side, side));
+      QVERIFY(qAlpha(drawn.pixel(drawn.width() / 2, drawn.height() / 2)) == 255);  // the sheet, not a blank
+    }
   }
 
   void droppedSourceFileIsReadAtOnce() {
