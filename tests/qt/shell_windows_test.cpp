@@ -181,52 +181,6 @@ class ShellWindows : public QObject, testing::DesktopFixture {
     QCOMPARE(program->points.records[0].name, std::string("1001"));
   }
 
-  void headerFormFirstAndLaterOpeningsAndCancel() {
-    auto& header = program->form<frmHeader>("frmHeader");
-    QCOMPARE(header.cmbCounty.items.size(), std::size_t(87));
-    shell->inDialog = [](QDialog& d) {
-      QCOMPARE(d.findChild<QLineEdit*>("txtSP")->text(), QString());
-      QCOMPARE(d.findChild<QLineEdit*>("txtDate")->text().toStdString(), formatShortDate(localToday()));
-      QCOMPARE(d.findChild<QComboBox*>("cmbHDatum")->currentText(), QString("NAD83(96)"));
-      auto* sp = d.findChild<QLineEdit*>("txtSP");
-      sp->setText("8821-114");
-      Q_EMIT sp->textEdited(sp->text());
-      QTest::mouseClick(d.findChild<QPushButton*>("btnSave"), Qt::LeftButton);
-    };
-    header.showForHeaderData();
-    QCOMPARE(program->header.spNumber, std::string("8821-114"));
-    QCOMPARE(program->header.verticalDatum, std::string("NAVD88"));
-    QCOMPARE(header.txtDate.text, program->header.date);
-
-    shell->inDialog = [](QDialog& d) {
-      QCOMPARE(d.findChild<QLineEdit*>("txtSP")->text(), QString("8821-114"));
-      auto* sp = d.findChild<QLineEdit*>("txtSP");
-      sp->setText("changed");
-      Q_EMIT sp->textEdited(sp->text());
-      QTest::mouseClick(d.findChild<QPushButton*>("btnCancel"), Qt::LeftButton);
-    };
-    header.showForHeaderData();
-    QCOMPARE(program->header.spNumber, std::string("8821-114"));
-    QCOMPARE(header.txtSP.text, std::string("8821-114"));  // made ready again from the stored data
-  }
-
-  void outputPreviewSavesAndOverwrites() {
-    auto& output = program->form<frmOutput>("frmOutput");
-    output.lstOutput.items = {" PROPORTION ", "  10+00.000   .000"};
-    output.txtOut.text = (dir->path() / "Proportion.txt").string();
-    shell->inDialog = [](QDialog& d) {
-      QVERIFY(QFontInfo(d.findChild<QListWidget*>("lstOutput")->font()).fixedPitch());
-      QTest::mouseClick(d.findChild<QPushButton*>("btnOutput"), Qt::LeftButton);
-      QTest::mouseClick(d.findChild<QPushButton*>("btnOutput"), Qt::LeftButton);
-      QTest::mouseClick(d.findChild<QPushButton*>("btnReturn"), Qt::LeftButton);
-    };
-    shell->showModal(output);
-    QCOMPARE(TempDir::read(dir->path() / "Proportion.txt"), std::string(" PROPORTION \r\n  10+00.000   .000\r\n"));
-    QCOMPARE(shell->editorFiles.size(), std::size_t(2));
-    QVERIFY(!output.isOpen());
-  }
-
-  // Without APPDATA the data folder is the desktop's own data location for the program.
   // A box's title is never cut by the window manager, and the box stands
   // centred on the window it speaks for.
   void boxesAreWideEnoughForTheirTitlesAndCentredOnTheirWindow() {
@@ -247,6 +201,7 @@ class ShellWindows : public QObject, testing::DesktopFixture {
     }
   }
 
+  // Without APPDATA the data folder is the desktop's own data location for the program.
   void dataFolderIsTheApplicationsDataLocation() {
     const QByteArray appData = qgetenv("APPDATA"), xdg = qgetenv("XDG_DATA_HOME");
     qunsetenv("APPDATA");
