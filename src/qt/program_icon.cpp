@@ -9,7 +9,8 @@
 namespace tervalo {
 namespace {
 
-constexpr std::array kSizes{16, 24, 32, 48, 64, 128, 256};
+// The sizes drawn at build time, ascending, as the build lists them.
+constexpr std::array kSizes{TERVALO_ICON_SIZES};
 
 class ProgramIconEngine : public QIconEngine {
  public:
