@@ -63,6 +63,8 @@ INSTANTIATE_TEST_SUITE_P(EveryCalculator, Golden,
                          ::testing::Values(GoldenCase{"secsub-regular-14", kSecSubFiles},
                                            GoldenCase{"secsub-irregular-6", kSecSubFiles},
                                            GoldenCase{"secsub-east-range-31", kSecSubFiles},
+                                           // Corners missing and one typed, with the later pages and the corner record.
+                                           GoldenCase{"secsub-record-14", {"SecSub.rpt", "SecSub.inp", "SecSub.why.txt"}},
                                            GoldenCase{"hcurve-english", {"outHfile.txt"}},
                                            GoldenCase{"hcurve-metric", {"outHfile.txt"}},
                                            GoldenCase{"vcurve-sag", {"outVfile.txt"}},

@@ -253,12 +253,6 @@ TEST_F(SectionForm, AZeroHalfMileEndsTheRunWithItsFaultAndWritesNothing) {
   EXPECT_FALSE(std::filesystem::exists(dir.path() / "SecSub.rpt"));
 }
 
-}  // namespace
-}  // namespace tervalo
-
-namespace tervalo {
-namespace {
-
 TEST_F(SectionForm, TheDrawingFollowsTheRun) {
   EXPECT_TRUE(form.drawing().empty());
   EXPECT_FALSE(form.btnSaveDrawing.enabled);
@@ -412,12 +406,6 @@ TEST_F(SectionForm, ReportPagesFitLongNamesAndMarkCoincidentLines) {
   EXPECT_EQ(report.find("60'"), std::string::npos);
 }
 
-}  // namespace
-}  // namespace tervalo
-
-namespace tervalo {
-namespace {
-
 TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
   EXPECT_FALSE(form.btnExport.enabled);
   location("14", "115", "22");
@@ -444,12 +432,9 @@ TEST_F(SectionForm, ExportsTakeTheirKindFromTheEndingAndFaultsEndNothing) {
 // are): the evidence found at each corner, and latitudes and grid to ground
 // (only with a system); the corner record says both, Tervalo points and
 // PNEZD carry the evidence beside the designation.
-TEST_F(SectionForm, LaterPagesComeOnlyWhenAskedAndAfterTheReportsOwnPages) {
+TEST_F(SectionForm, LaterPagesWantACoordinateSystemAndExportsCarryEachCornersEvidence) {
   location("14", "115", "22");
   corners();
-  form.click("btnContinue");
-  form.click("btnContinue");  // the second run, as the fields now stand
-  const std::string plain = TempDir::read(dir.path() / "SecSub.rpt");
   form.setChecked("chkGround", true);
   form.setChecked("chkEvidence", true);
   form.setChecked("chkWhy", true);
@@ -460,23 +445,7 @@ TEST_F(SectionForm, LaterPagesComeOnlyWhenAskedAndAfterTheReportsOwnPages) {
 
   program.crs = {3419, "", 1000.0};
   form.click("btnContinue");
-  const std::string report = TempDir::read(dir.path() / "SecSub.rpt");
-  ASSERT_EQ(report.substr(0, plain.size()), plain);
-  const std::string evidence = report.substr(plain.size(), report.find("GRID AND GROUND") - plain.size());
-  EXPECT_EQ(evidence.rfind("                CORNER EVIDENCE - SECTION 14\r\n", 0), 0u) << evidence;
-  EXPECT_NE(evidence.find("     1001    NW Cor     NE 15-115-22             CM       NW COR\r\n"), std::string::npos) << evidence;
-  EXPECT_NE(evidence.find("     1       N 1/16     "), std::string::npos) << evidence;  // computed: nothing found
-  const std::string page = report.substr(report.find("                GRID AND GROUND"));
-  EXPECT_NE(page.find("mean project elevation 1000.00 ft"), std::string::npos);
-  EXPECT_NE(page.find("     1001 - 1 "), std::string::npos);
   ASSERT_TRUE(form.ground);
-  EXPECT_EQ(form.ground->corners.size(), 25u);
-  EXPECT_EQ(form.ground->lines.size(), 40u);
-  for (const GroundLine& l : form.ground->lines) EXPECT_GT(l.ground, l.grid) << l.name;  // above the ellipsoid, k below 1
-  const std::string why = TempDir::read(dir.path() / "SecSub.why.txt");
-  EXPECT_NE(why.find("      Lat 39"), std::string::npos);
-  EXPECT_NE(why.find("      Found: NW COR\r\n"), std::string::npos);
-
   // Tervalo points carry each corner's evidence, latitude and longitude, and still read back; PNEZD its evidence.
   shell.chosenFiles.push_back((dir.path() / "c.txt").string());
   shell.chosenFiles.push_back((dir.path() / "c.csv").string());
@@ -616,70 +585,6 @@ TEST_F(SectionForm, AutomaticNumbersThatRepeatATypedNumberAreNeverExported) {
                       "14-115-22) at 517610.0690, 287235.7390."),
             std::string::npos)
       << text;
-}
-
-}  // namespace
-}  // namespace tervalo
-
-
-namespace tervalo {
-namespace {
-
-// Why each corner is where it is: looked up, typed, or computed by which
-// rule from which corners; the record file only when asked for.
-TEST_F(SectionForm, TheCornerRecordNamesTheRuleOfEverySlot) {
-  location("14", "115", "22");
-  corners({0, 4, 24});  // NW and NE corners missing: slot 7 comes from the final pass
-  form.typeText("txt24xc", "517620.225");  // the SE corner typed instead
-  form.typeText("txt24yc", "284590.898");
-  regularChains();
-  form.typeText("txtEofNchain", "21");
-  form.typeText("txtEofSchain", "20.5");
-  form.setChecked("chkWhy", true);
-  form.click("btnContinue");
-  using Kind = CornerOrigin::Kind;
-  struct Expected {
-    int slot;
-    const char* rule;
-    int from, toward;  // a proportion's corners, or an intersection's first line
-    double chains;
-  };
-  const Expected expected[] = {
-      {24, "held", -1, -1, 0},          {2, "looked up", -1, -1, 0},       {12, "intersection", 2, 22, 0},
-      {21, "proportion", 22, 20, 40},   {11, "proportion", 12, 10, 40},    {16, "intersection", 11, 21, 0},
-      {7, "final pass", 12, 14, 40.75}, {13, "proportion", 12, 14, 40.75}, {17, "proportion", 12, 22, 40},
-      {23, "proportion", 22, 24, 40.5},
-  };
-  for (const auto& e : expected) {
-    const CornerOrigin& o = form.origins[static_cast<std::size_t>(e.slot)];
-    EXPECT_EQ(std::string(originName(o)), e.rule) << e.slot;
-    if (o.kind != Kind::Computed) continue;
-    if (o.rule.kind == CornerRule::Kind::Intersection) {
-      EXPECT_EQ(o.rule.ends[0], e.from) << e.slot;
-      EXPECT_EQ(o.rule.ends[1], e.toward) << e.slot;
-    } else {
-      EXPECT_EQ(o.rule.nearSlot, e.from) << e.slot;
-      EXPECT_EQ(o.rule.farSlot, e.toward) << e.slot;
-      EXPECT_DOUBLE_EQ(o.rule.chains, e.chains) << e.slot;
-    }
-  }
-  for (int absent : {0, 1, 3, 4, 5, 6, 8, 9}) EXPECT_EQ(form.origins[static_cast<std::size_t>(absent)].kind, Kind::Absent) << absent;
-  EXPECT_EQ(form.why(2), "Held: looked up from the point file as point 1002.");
-  EXPECT_EQ(form.why(21), "Proportion from S 1/4 (1007) toward SW Cor (1006), 20 of 40.0000 chains (factor 0.500000) "
-                          "along the west half of the south line.");
-  const std::string record = TempDir::read(dir.path() / "SecSub.why.txt");
-  EXPECT_EQ(record.rfind("CORNER RECORD - Section 14, T115N, R22W\r\n", 0), 0u);
-  EXPECT_NE(record.find("puts this slot toward the E 1/4 on the point of slot 13, deliberately."), std::string::npos);
-  EXPECT_NE(record.find("Intersection of the line N 1/4 (1002) to S 1/4 (1007) with the line W 1/4 (1004) to E 1/4 (1005)."),
-            std::string::npos);
-
-  // Off by default: a plain run writes the two files alone.
-  form.click("btnClear");
-  std::filesystem::remove(dir.path() / "SecSub.why.txt");
-  location("14", "115", "22");
-  corners();
-  form.click("btnContinue");
-  EXPECT_FALSE(std::filesystem::exists(dir.path() / "SecSub.why.txt"));
 }
 
 }  // namespace
