@@ -4,23 +4,17 @@
 #include <sys/stat.h>
 
 #include "app/frm_main.h"
-#include "app/program.h"
 #include "secsub/frm_sec_sub.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 #include "text/errors.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
-class MainWindow : public ::testing::Test {
+class MainWindow : public ::testing::Test, protected testing::Bench {
  protected:
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
   frmMain& main = program.form<frmMain>("frmMain");
   std::filesystem::path csv = dir.write("pts.csv", "1001,512313.489,289841.989,CM,NW COR\n1002,1,2,IP\n");
 };

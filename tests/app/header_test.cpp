@@ -4,14 +4,11 @@
 
 #include "app/forms_misc.h"
 #include "app/header_data.h"
-#include "app/program.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
 TEST(HeaderBlock, EmptyRecordStillPrintsTheFixedLines) {
@@ -44,9 +41,8 @@ TEST(HeaderBlock, FieldsAreCutToTheirWidthsAndThePathIsOptional) {
 }
 
 TEST(HeaderForm, ContinueStoresCancelKeeps) {
-  TempDir dir;
-  RecordingShell shell;
-  Program program(shell, dir.folder());
+  testing::Bench bench;
+  auto& [dir, shell, program] = bench;
   auto& form = program.form<frmHeader>("frmHeader");
   EXPECT_EQ(form.caption, "Print Header Information");
   EXPECT_EQ(form.cmbCounty.text, "COUNTY 01");
@@ -84,9 +80,8 @@ TEST(HeaderForm, CountiesFromTheDataFolderReplaceTheBuiltInList) {
 }
 
 TEST(OutputPreview, SaveWritesTheListAndOpensIt) {
-  TempDir dir;
-  RecordingShell shell;
-  Program program(shell, dir.folder());
+  testing::Bench bench;
+  auto& [dir, shell, program] = bench;
   auto& form = program.form<frmOutput>("frmOutput");
   form.lstOutput.items = {"  A  ", ""};
   form.txtOut.text = (dir.path() / "out.txt").string();

@@ -6,10 +6,8 @@
 #include <fstream>
 
 #include "app/frm_main.h"
-#include "app/program.h"
 #include "app/recovery.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 
 namespace tervalo {
 namespace {
@@ -36,12 +34,7 @@ struct CalculatorCase {
   std::vector<std::pair<const char*, const char*>> typed;  // then pressed, if the name is a button
 };
 
-class SavedInputs : public ::testing::TestWithParam<CalculatorCase> {
- protected:
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
-};
+class SavedInputs : public ::testing::TestWithParam<CalculatorCase>, protected testing::Bench {};
 
 TEST_P(SavedInputs, SaveClearAndOpenGiveEveryFieldBackAndPressNothing) {
   const CalculatorCase& c = GetParam();
@@ -98,9 +91,8 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& named) { return std::string(named.param.form); });
 
 TEST(SavedInputsRefused, DamagedNewerOrForeignFilesChangeNothing) {
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
+  testing::Bench bench;
+  auto& [dir, shell, program] = bench;
   auto& main = program.form<frmMain>("frmMain");
   main.setOpen(true);
   const std::pair<const char*, const char*> files[] = {

@@ -4,17 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "app/forms_misc.h"
-#include "app/program.h"
 #include "grading/frm_grade.h"
 #include "grading/grade_sketch.h"
 #include "grading/grading.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
 // The left side of the worked example: two finished segments, one subgrade segment.
@@ -94,11 +91,8 @@ TEST(GradingComputation, SlopeWords) {
   EXPECT_EQ(slopeText("-0.04", true), "-0.04");
 }
 
-class GradeForm : public ::testing::Test {
+class GradeForm : public ::testing::Test, protected testing::Bench {
  protected:
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
   frmGrade& form = program.form<frmGrade>("frmGrade");
   frmOutput& report = program.form<frmOutput>("frmGradeOut");
 

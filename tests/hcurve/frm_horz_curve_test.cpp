@@ -3,23 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include "app/program.h"
 #include "hcurve/frm_horz_curve.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 #include "text/errors.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
-class CurveForm : public ::testing::Test {
+class CurveForm : public ::testing::Test, protected testing::Bench {
  protected:
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
   frmHorzCurve& form = program.form<frmHorzCurve>("frmHorzCurve");
 
   void SetUp() override { form.setOpen(true); }

@@ -4,23 +4,17 @@
 #include <gtest/gtest.h>
 
 #include "app/forms_misc.h"
-#include "app/program.h"
 #include "proportion/frm_prop.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 #include "text/errors.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
-class Proportion : public ::testing::Test {
+class Proportion : public ::testing::Test, protected testing::Bench {
  protected:
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
   frmProp& form = program.form<frmProp>("frmProp");
   frmOutput& output = program.form<frmOutput>("frmOutput");
 

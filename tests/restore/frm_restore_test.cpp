@@ -3,23 +3,19 @@
 
 #include <gtest/gtest.h>
 
-#include "app/program.h"
 #include "restore/frm_restore.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
 const std::string kExamples = std::string(TERVALO_SOURCE_DIR) + "/examples/";
 
 TEST(RestoreWindow, TheExampleIsRestoredEditedSavedAndReported) {
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
+  testing::Bench bench;
+  auto& [dir, shell, program] = bench;
   auto& form = program.form<frmRestore>("frmRestore");
   form.setOpen(true);
   shell.chosenFiles.push_back(kExamples + "section14.restore.json");

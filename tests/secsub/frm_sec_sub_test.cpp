@@ -10,19 +10,16 @@
 
 #include "app/forms_misc.h"
 #include "app/frm_main.h"
-#include "app/program.h"
 #include "restore/frm_restore.h"
 #include "points/readers.h"
 #include "secsub/frm_sec_sub.h"
+#include "support/bench.h"
 #include "support/geopak_names.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
 #include "text/errors.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
 // The example section's eight PLS corners, as a comma-delimited source file.
@@ -31,11 +28,8 @@ const char* const kCorners =
     "1004,512325.918,287204.468,IR,W1/4\n1005,517610.069,287235.739,IP,E1/4\n1006,512340.218,284561.407,CM,SW COR\n"
     "1007,514981.489,284577.542,IR,S1/4\n1008,517620.225,284590.898,CM,SE COR\nlow,1,2,X,LOWER CASE\n1002,9,9,DUP,SECOND\n";
 
-class SectionForm : public ::testing::Test {
+class SectionForm : public ::testing::Test, protected testing::Bench {
  protected:
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
   frmMain& main = program.form<frmMain>("frmMain");
   frmSecSub& form = program.form<frmSecSub>("frmSecSub");
 

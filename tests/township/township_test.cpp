@@ -6,11 +6,9 @@
 #include <cmath>
 #include <set>
 
-#include "app/program.h"
-#include "support/recording_shell.h"
+#include "support/bench.h"
 #include "township/frm_township.h"
 #include "township/township_map.h"
-#include "support/temp_dir.h"
 
 namespace tervalo {
 namespace {
@@ -208,9 +206,8 @@ TEST_F(Township, TownshipFilesThatCannotBeWrittenStillReportEverySection) {
 // The table has no room for a row's meridian and chains: the selected
 // row's fields show and edit them.
 TEST(TownshipWindow, TheSelectedRowShowsAndEditsItsMeridianAndChains) {
-  TempDir dir;
-  testing::RecordingShell shell;
-  Program program{shell, dir.folder()};
+  testing::Bench bench;
+  auto& [dir, shell, program] = bench;
   auto& window = program.form<frmTownship>("frmTownship");
   window.plan = readPlanFile(kExamples + "township.plan.json");
   window.selectRow(1);

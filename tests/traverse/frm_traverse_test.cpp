@@ -5,24 +5,20 @@
 
 #include <gtest/gtest.h>
 
-#include "app/program.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 #include "traverse/frm_traverse.h"
 #include "traverse/traverse_file.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
 const std::string kExamples = std::string(TERVALO_SOURCE_DIR) + "/examples/";
 
 TEST(TraverseWindow, ARawFileIsAdjustedReportedExportedAndSaved) {
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
+  testing::Bench bench;
+  auto& [dir, shell, program] = bench;
   auto& form = program.form<frmTraverse>("frmTraverse");
   form.setOpen(true);
   shell.chosenFiles.push_back(kExamples + "section14.rw5");

@@ -3,23 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include "app/program.h"
-#include "support/recording_shell.h"
-#include "support/temp_dir.h"
+#include "support/bench.h"
 #include "text/errors.h"
 #include "vcurve/frm_vert_curve.h"
 
 namespace tervalo {
 namespace {
 
-using testing::RecordingShell;
 using testing::TempDir;
 
-class VerticalForm : public ::testing::Test {
+class VerticalForm : public ::testing::Test, protected testing::Bench {
  protected:
-  TempDir dir;
-  RecordingShell shell;
-  Program program{shell, dir.folder()};
   frmVertCurve& form = program.form<frmVertCurve>("frmVertCurve");
   frmVCResults& results = program.form<frmVCResults>("frmVCResults");
 
