@@ -86,28 +86,12 @@ INSTANTIATE_TEST_SUITE_P(
     caseName);
 
 TEST(Val, ReadsLikeTheClassicFieldReader) {
-  EXPECT_EQ(Val(" 2 45 7"), 2457);
-  EXPECT_EQ(Val("\t7\n"), 7);
-  EXPECT_EQ(Val("24 and 57"), 24);
-  EXPECT_EQ(Val("1,000"), 1);
-  EXPECT_EQ(Val(""), 0);
-  EXPECT_EQ(Val("abc"), 0);
-  EXPECT_EQ(Val("-5"), -5);
-  EXPECT_EQ(Val("- 5"), -5);
-  EXPECT_EQ(Val("+5"), 5);
-  EXPECT_EQ(Val("--5"), 0);
-  EXPECT_EQ(Val(".5"), 0.5);
-  EXPECT_EQ(Val("-.5"), -0.5);
-  EXPECT_EQ(Val("12.3.4"), 12.3);
-  EXPECT_EQ(Val("1e3"), 1000);
-  EXPECT_EQ(Val("1D2"), 100);
-  EXPECT_EQ(Val("1e"), 1);
-  EXPECT_EQ(Val("2.5E-1x"), 0.25);
-  EXPECT_EQ(Val("&H10"), 16);
-  EXPECT_EQ(Val("&hff"), 255);
-  EXPECT_EQ(Val("&HFFFF"), -1);  // a 16-bit whole number
-  EXPECT_EQ(Val("&O17"), 15);
-  EXPECT_EQ(Val("12+34.56"), 12);
+  const std::pair<const char*, double> cases[] = {
+      {" 2 45 7", 2457}, {"\t7\n", 7}, {"24 and 57", 24}, {"1,000", 1}, {"", 0}, {"abc", 0}, {"-5", -5},
+      {"- 5", -5}, {"+5", 5}, {"--5", 0}, {".5", 0.5}, {"-.5", -0.5}, {"12.3.4", 12.3}, {"1e3", 1000},
+      {"1D2", 100}, {"1e", 1}, {"2.5E-1x", 0.25}, {"&H10", 16}, {"&hff", 255}, {"&O17", 15}, {"12+34.56", 12},
+      {"&HFFFF", -1}};  // a 16-bit whole number
+  for (const auto& [text, value] : cases) EXPECT_EQ(Val(text), value) << text;
   EXPECT_THROW(Val("1e400"), RunTimeError);
 }
 
@@ -115,28 +99,15 @@ TEST(StrictNumber, RefusesWhatIsNotWhollyANumber) {
   EXPECT_EQ(strictNumber(" 5000.25 "), 5000.25);
   EXPECT_EQ(strictNumber("-12"), -12);
   EXPECT_EQ(strictNumber("1.5e3"), 1500);
-  EXPECT_FALSE(strictNumber(""));
-  EXPECT_FALSE(strictNumber("   "));
-  EXPECT_FALSE(strictNumber("12abc"));
-  EXPECT_FALSE(strictNumber("1 2"));
-  EXPECT_FALSE(strictNumber("abc"));
+  for (const char* text : {"", "   ", "12abc", "1 2", "abc"}) EXPECT_FALSE(strictNumber(text)) << text;
 }
 
 TEST(CStr, FifteenDigitsNoLeadingBlankNoTrailingZeros) {
-  EXPECT_EQ(CStr(0.5), "0.5");
-  EXPECT_EQ(CStr(-2.5), "-2.5");
-  EXPECT_EQ(CStr(100), "100");
-  EXPECT_EQ(CStr(0), "0");
-  EXPECT_EQ(CStr(-0.0), "0");
-  EXPECT_EQ(CStr(1234.56), "1234.56");
-  EXPECT_EQ(CStr(0.1 + 0.2), "0.3");
-  EXPECT_EQ(CStr(1.0 / 3), "0.333333333333333");
-  EXPECT_EQ(CStr(123456789012345.0), "123456789012345");
-  EXPECT_EQ(CStr(1e15), "1E+15");
-  EXPECT_EQ(CStr(1.5e20), "1.5E+20");
-  EXPECT_EQ(CStr(0.0001), "0.0001");
-  EXPECT_EQ(CStr(0.00001), "1E-05");
-  EXPECT_EQ(CStr(-2.5e-7), "-2.5E-07");
+  const std::pair<double, const char*> cases[] = {
+      {0.5, "0.5"}, {-2.5, "-2.5"}, {100, "100"}, {0, "0"}, {-0.0, "0"}, {1234.56, "1234.56"}, {0.1 + 0.2, "0.3"},
+      {1.0 / 3, "0.333333333333333"}, {123456789012345.0, "123456789012345"}, {1e15, "1E+15"}, {1.5e20, "1.5E+20"},
+      {0.0001, "0.0001"}, {0.00001, "1E-05"}, {-2.5e-7, "-2.5E-07"}};
+  for (const auto& [value, text] : cases) EXPECT_EQ(CStr(value), text) << value;
 }
 
 TEST(ToInt16, CutsTowardZeroAndRefusesOverflow) {
