@@ -19,7 +19,7 @@ class MainWindow : public ::testing::Test, protected testing::Bench {
   std::filesystem::path csv = dir.write("pts.csv", "1001,512313.489,289841.989,CM,NW COR\n1002,1,2,IP\n");
 };
 
-TEST_F(MainWindow, CaptionAndMenuInOrder) {
+TEST_F(MainWindow, TheCaptionAndMenuStandInOrder) {
   EXPECT_EQ(main.caption, " Ardel Coordinate Geometry Program  (Tervalo32)");
   std::vector<std::string> menu;
   for (const auto& e : main.controls())
@@ -168,7 +168,7 @@ TEST_F(MainWindow, AFileOpensInTheWindowOfItsKind) {
   EXPECT_EQ(main.txtInFile.text, csv.string());
 }
 
-TEST_F(MainWindow, ExitUnloads) {
+TEST_F(MainWindow, ExitClosesTheMainWindow) {
   main.setOpen(true);
   main.click("mnuExit");
   EXPECT_FALSE(main.isOpen());

@@ -24,7 +24,7 @@ std::size_t filesIn(const std::filesystem::path& folder) {
   return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder), {}));
 }
 
-TEST(OutputFile, CrLfLinesAndOverwrite) {
+TEST(OutputFile, LinesEndInCrLfAndAWriteReplacesTheFile) {
   TempDir dir;
   const auto file = dir.path() / "out.txt";
   writeTextFile(file, {"  first ", "", "last"});
@@ -294,7 +294,7 @@ class DataFolder : public ::testing::Test {
   std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
 };
 
-TEST_F(DataFolder, UnderAppDataOneLevel) {
+TEST_F(DataFolder, IsMadeOneLevelUnderAppData) {
   setenv("APPDATA", dir.path().c_str(), 1);
   EXPECT_EQ(prepareDataFolder(), dir.folder() + "KvAppsData/");
   EXPECT_TRUE(std::filesystem::is_directory(dir.path() / "KvAppsData"));

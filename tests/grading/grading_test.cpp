@@ -83,7 +83,7 @@ TEST(GradingComputation, LevelWithTheShoulderAndParallelSlopes) {
   EXPECT_TRUE(computeGrading(in).parallel);
 }
 
-TEST(GradingComputation, SlopeWords) {
+TEST(GradingComputation, RatioSlopesBecomeDecimals) {
   EXPECT_EQ(slopeText("1:2", true), "-0.50");
   EXPECT_EQ(slopeText("1:3", false), "-0.33");
   EXPECT_EQ(slopeText("1:6", true), "-0.166667");
@@ -142,7 +142,7 @@ TEST_F(GradeForm, DataErrorsInformAndTheCalculationGoesOn) {
   EXPECT_EQ(shell.modalForms.size(), 1u);
 }
 
-TEST_F(GradeForm, RefusalsThatStop) {
+TEST_F(GradeForm, MissingValuesAreRefusedWithTheirBox) {
   form.typeText("txtSubElev", "");
   form.click("btnCalculate");
   EXPECT_EQ(boxes().back(), "Insufficient Data: Either a subgrade elevation or a surface thickness is required.");

@@ -28,7 +28,7 @@ class CurveForm : public ::testing::Test, protected testing::Bench {
   }
 };
 
-TEST_F(CurveForm, CountMessagesPressReturn) {
+TEST_F(CurveForm, OneOrThreeElementsAreRefusedAndTheFormCloses) {
   enter({{"txtDelta", "30"}});
   form.click("btnCalculate");
   expectBox("Insufficient Data", "Must enter two elements to calculate the curve.", Icon::Exclamation);

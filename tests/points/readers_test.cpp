@@ -42,7 +42,7 @@ class Readers : public ::testing::Test {
     EXPECT_EQ(std::string(f.what()).rfind(TEXT_START, 0), 0u) << f.what(); \
   }
 
-TEST_F(Readers, SdmsTagsUntrimmedValues) {
+TEST_F(Readers, SdmsTagsKeepTheirValuesUntrimmed) {
   load("a.sdms", "\xEF\xBB\xBF" "AC:JOB\r\nPN:  7\r\nXC:5000.25\r\nYC: 3000.75\r\nFE:IP\r\nPD:IRON PIPE \r\nZZ:ignored\r\n"
                  "PN:8\nXC:1\nYC:2");
   EXPECT_TRUE(flags.sdms);
@@ -55,7 +55,7 @@ TEST_F(Readers, SdmsTagsUntrimmedValues) {
   EXPECT_EQ(points.pointCount, 1);  // the last point's index
 }
 
-TEST_F(Readers, SdmsFaults) {
+TEST_F(Readers, AnSdmsFileOutOfOrderOrNotANumberEndsTheRun) {
   EXPECT_FAULT(load("a", "AC:X\nXC:5\nPN:1\n"), "Run-time Error", "Subscript out of range");
   EXPECT_FAULT(load("b", "AC:X\nPN:1\nXC:five\n"), "Run-time Error", "Type mismatch");
   EXPECT_FAULT(load("c", "AC:X\nPN:1\nYC:\n"), "Run-time Error", "Type mismatch");
@@ -75,7 +75,7 @@ TEST_F(Readers, FaultsNameTheFileAndLine) {
   }
 }
 
-TEST_F(Readers, CommaDelimitedFields) {
+TEST_F(Readers, ACommaFileGivesNameCoordinatesFeatureAndDescription) {
   load("a.csv",
        "101,5000.25,3000.75,IP\n"
        "102,5000.25,3000.75,IP,IRON PIPE\n"
@@ -96,13 +96,13 @@ TEST_F(Readers, CommaDelimitedFields) {
   EXPECT_EQ(points.pointCount, 6);  // five points plus one
 }
 
-TEST_F(Readers, CommaDelimitedFaults) {
+TEST_F(Readers, ACommaFileWithTooFewFieldsOrABadLineIsRefused) {
   EXPECT_FAULT(load("a", "101,5000.25,3000.75\n"), "Input File Error!", "Unrecognized file format.");
   EXPECT_FAULT(load("b", "101,1,2,IP\n102 1 2\n"), "Run-time Error", "Invalid procedure call");
   EXPECT_FAULT(load("c", "101,1,2,IP\n102,x,2,IP\n"), "Run-time Error", "Type mismatch");
 }
 
-TEST_F(Readers, RecognitionFaults) {
+TEST_F(Readers, AFileOfNoKnownFormatIsRefusedWithItsBox) {
   EXPECT_FAULT(load("a", "101,5000\n"), "Input File Error", "Input File Format Not Recognized");
   EXPECT_FAULT(load("b", ""), "Run-time Error", "Input past end of file");
   EXPECT_FAULT(load("c", "\r\n\r\n\n"), "Run-time Error", "Input past end of file");
@@ -143,7 +143,7 @@ TEST_F(Readers, AWindowsCodePageReportIsReadAsUtf8InItsColumns) {
   EXPECT_EQ(at(1).description, "FD STONE 45\u00B0 \u20AC 5");
 }
 
-TEST_F(Readers, XYReportFaults) {
+TEST_F(Readers, ABrokenXYReportIsRefused) {
   EXPECT_FAULT(load("a", xyReport("    Point                 X                 Y", "1001                      313.489       289,841.989\n")),
                "Run-time Error", "Invalid procedure call");
   EXPECT_FAULT(load("b", "Copyright: x\n    Point                 X                 Y\nno underline\n"), "Run-time Error",

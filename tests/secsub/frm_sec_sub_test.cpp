@@ -61,7 +61,7 @@ class SectionForm : public ::testing::Test, protected testing::Bench {
   }
 };
 
-TEST_F(SectionForm, PointNumberLookup) {
+TEST_F(SectionForm, APointNumberFillsItsCoordinatesFromTheFile) {
   form.editText("txt0pn", "100");
   EXPECT_FALSE(form.pointFound);
   form.editText("txt0pn", "1001");

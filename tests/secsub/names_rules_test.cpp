@@ -17,7 +17,7 @@ struct NameCase {
 
 class Names : public ::testing::TestWithParam<NameCase> {};
 
-TEST_P(Names, ByPosition) {
+TEST_P(Names, EachPositionHasItsDescriptionAndPointName) {
   const auto& c = GetParam();
   const CornerNaming n = setDescriptions(static_cast<std::int16_t>(c.section), static_cast<std::int16_t>(c.township),
                                          static_cast<std::int16_t>(c.range));
@@ -47,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
         NameCase{27, 27, 8, 12, "CENTER 27-27-8", "CQ27278"}),
     [](const auto& named) { const auto& c = named.param; return "s" + std::to_string(c.section) + "_T" + std::to_string(c.township) + "_R" + testing::readableName(std::to_string(c.range)) + "_pos" + std::to_string(c.position); });
 
-TEST(Names, SegmentsOfEachLine) {
+TEST(Names, EachLineSegmentIsNamedForItsSection) {
   const CornerNaming n = setDescriptions(36, 115, 22);
   EXPECT_EQ(n.segment("north A"), "SNA3611522");
   EXPECT_EQ(n.segment("west D"), "SED3511522");
@@ -103,7 +103,7 @@ TEST(Rules, CaptionsFollowTheMeridianArea) {
   EXPECT_EQ(townshipRules(110, 24, 6).boxes[2].caption, "West Section Line is on the Guide Meridian");
 }
 
-TEST(Rules, MeridianDefaults) {
+TEST(Rules, TheMeridianDefaultsFromTownshipAndRangeUnlessTyped) {
   EXPECT_EQ(meridianDefault(110, 20, false, true, 4), 5);
   EXPECT_EQ(meridianDefault(110, 20, true, false, 0), 0);
   EXPECT_EQ(meridianDefault(130, 30, false, true, 0), 5);
@@ -113,7 +113,7 @@ TEST(Rules, MeridianDefaults) {
   EXPECT_EQ(meridianDefault(50, 10, false, true, 4), 4);  // what was typed stands
 }
 
-TEST(Rules, RequiredChainsByTier) {
+TEST(Rules, EachSectionRequiresTheChainsOfItsTier) {
   EXPECT_EQ(requiredChains(3), (std::vector<std::string>{"NofE", "NofW"}));
   EXPECT_EQ(requiredChains(6).size(), 3u);
   EXPECT_EQ(requiredChains(19), (std::vector<std::string>{"NofW", "SofW"}));

@@ -105,7 +105,7 @@ TEST(DecimalToDms, SixtySecondsCarryButSixtyMinutesNeverDo) {
   EXPECT_EQ(decimalToDmsCarried(179.99999999), "180\u00B000'00.00\"");
 }
 
-TEST(Dates, ReportTitleAndHeaderForms) {
+TEST(Dates, AreWrittenForReportsAndHeadersAndImpossibleOnesRefused) {
   EXPECT_EQ(formatMdyy({2026, 11, 5}), "11/5/26");
   EXPECT_EQ(formatMdyy({2009, 3, 22}), "3/22/09");
   EXPECT_EQ(formatShortDate({2026, 1, 9}), "1/9/2026");

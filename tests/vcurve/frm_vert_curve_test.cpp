@@ -30,7 +30,7 @@ class VerticalForm : public ::testing::Test, protected testing::Bench {
   }
 };
 
-TEST_F(VerticalForm, CaptionsAndResults) {
+TEST_F(VerticalForm, ResultsShowTheCurvesKeyStationsAndElevations) {
   EXPECT_EQ(form.caption.rfind("Vertical Curve Input           Version ", 0), 0u);
   form.click("btnCalculate");
   EXPECT_TRUE(shell.boxes.empty());
@@ -101,7 +101,7 @@ TEST_F(VerticalForm, MessagesThatLetTheRunGoOn) {
   EXPECT_EQ(results.lstResults.items.back().substr(0, 12), "    8+00.000");
 }
 
-TEST_F(VerticalForm, ProgramEnds) {
+TEST_F(VerticalForm, AStationOrElevationThatCannotBeReadEndsTheProgram) {
   form.typeText("txtStation", "");
   EXPECT_THROW(form.click("btnCalculate"), ProgramEnd);
   EXPECT_EQ(titles(), (std::vector<std::string>{"Missing Data!: A station must be entered.",
@@ -130,7 +130,7 @@ TEST_F(VerticalForm, EndStationEnablesIncrementAndExact) {
   EXPECT_EQ(form.txtStation.text, "");
 }
 
-TEST_F(VerticalForm, HeadingsAndSingleStation) {
+TEST_F(VerticalForm, ProfilesHaveHeadingsAndAStartAloneListsOneStation) {
   form.typeText("txtProfile1", "1");
   form.typeText("txtProfile3", "2");
   form.typeText("txtStartStation", "9+00");

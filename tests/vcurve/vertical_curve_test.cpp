@@ -200,7 +200,7 @@ TEST_F(Listings, AfterThePvtBelowTheEndThenTheEndOnce) {
   EXPECT_EQ(std::vector<std::string>(toPvt.end() - 2, toPvt.end()), (std::vector<std::string>{"11+00.000/C", "12+00.000/PVT"}));
 }
 
-TEST_F(Listings, SpecialsThatCoincide) {
+TEST_F(Listings, AnEquationOnTheLowPointComesAfterIt) {
   // The equation on the low point and on an increment: the MIN line first,
   // then the equation, and no plain line for the station.
   ListingInput in = range(900, 1200, 100);
