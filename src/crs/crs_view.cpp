@@ -1,4 +1,4 @@
-#include "crs/crs_view.h"
+#include "qt/views.h"
 
 #include <QGridLayout>
 #include <QGroupBox>

@@ -1,4 +1,4 @@
-#include "grading/grade_view.h"
+#include "qt/views.h"
 
 #include <QComboBox>
 #include <QGridLayout>

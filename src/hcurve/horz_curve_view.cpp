@@ -1,4 +1,4 @@
-#include "hcurve/horz_curve_view.h"
+#include "qt/views.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

@@ -1,4 +1,4 @@
-#include "proportion/prop_view.h"
+#include "qt/views.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

@@ -3,15 +3,6 @@
 
 #include "qt/qt_shell.h"
 #include "qt/views.h"
-#include "crs/crs_view.h"
-#include "grading/grade_view.h"
-#include "hcurve/horz_curve_view.h"
-#include "proportion/prop_view.h"
-#include "restore/restore_view.h"
-#include "secsub/sec_sub_view.h"
-#include "township/township_view.h"
-#include "traverse/traverse_view.h"
-#include "vcurve/vert_curve_view.h"
 
 namespace tervalo {
 

@@ -1,6 +1,6 @@
 #pragma once
-// The windows of the application shell. Each builds its controls in code
-// and leaves all behaviour to its model.
+// Every window of the program. Each builds its controls in code and leaves
+// all behaviour to its model.
 
 #include <QMainWindow>
 
@@ -19,6 +19,22 @@ QDialog* makeHistoryView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeHeaderView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeSetOptionsView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeOutputView(FormModel& model, QtShell& shell, QWidget* parent);
+
+// The calculators' windows, each built in its folder's one *_view.cpp: the
+// section (its slots laid out as the section, the chains beside their lines,
+// the drawing), the curves and the vertical curve's results, proportion,
+// grading, the township table, corner restoration, the coordinate system and
+// the traverse.
+QDialog* makeSecSubView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeHorzCurveView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeVertCurveView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeVCResultsView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makePropView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeGradeView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeTownshipView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeRestoreView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeCrsView(FormModel& model, QtShell& shell, QWidget* parent);
+QDialog* makeTraverseView(FormModel& model, QtShell& shell, QWidget* parent);
 
 // Every window view of the program, by form name.
 void registerViews(QtShell& shell);

@@ -1,4 +1,4 @@
-#include "restore/restore_view.h"
+#include "qt/views.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,4 +1,4 @@
-#include "secsub/sec_sub_view.h"
+#include "qt/views.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

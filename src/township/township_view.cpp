@@ -1,4 +1,4 @@
-#include "township/township_view.h"
+#include "qt/views.h"
 
 #include <algorithm>
 

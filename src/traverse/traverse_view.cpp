@@ -1,4 +1,4 @@
-#include "traverse/traverse_view.h"
+#include "qt/views.h"
 
 #include <QCheckBox>
 #include <QComboBox>

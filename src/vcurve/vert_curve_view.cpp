@@ -1,4 +1,4 @@
-#include "vcurve/vert_curve_view.h"
+#include "qt/views.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
