@@ -157,6 +157,14 @@ ReadNotes readFile(const std::filesystem::path& file, const FormatFlags& flags, 
   return {};
 }
 
+PointList readWholeFile(const std::filesystem::path& file) {
+  FormatFlags flags;
+  PointList points = PointList::unbounded();
+  getFileFormat(file, flags);
+  readFile(file, flags, points);
+  return points;
+}
+
 std::string ReadNotes::message() const {
   if (cutCoordinates.empty()) return "";
   std::string names;

@@ -32,6 +32,10 @@ struct ReadNotes {
 // Reads with the reader of the first flag set, in the order CD, XY, NE, SDMS.
 ReadNotes readFile(const std::filesystem::path& file, const FormatFlags& flags, PointList& points);
 
+// A whole file recognised and read as above, with no limit on its number of
+// points: the source of a restoration or a traverse. Throws ProgramFault.
+PointList readWholeFile(const std::filesystem::path& file);
+
 void readSDMSfile(const std::filesystem::path& file, PointList& points);
 void readCDfile(const std::filesystem::path& file, PointList& points);
 ReadNotes readXYfile(const std::filesystem::path& file, PointList& points);

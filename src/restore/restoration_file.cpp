@@ -222,9 +222,7 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
   PointList points = PointList::unbounded();
   if (!file.source.empty()) {
     try {
-      FormatFlags formats;
-      getFileFormat(file.source, formats);
-      readFile(file.source, formats, points);
+      points = readWholeFile(file.source);
     } catch (const ProgramFault& e) {
       throw RestorationFileError("the source file \"" + file.source + "\" cannot be read: " + e.what());
     }

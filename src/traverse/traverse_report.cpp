@@ -212,9 +212,7 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
   PointList points = PointList::unbounded();
   if (!in.source.empty()) {
     try {
-      FormatFlags formats;
-      getFileFormat(in.source, formats);
-      readFile(in.source, formats, points);
+      points = readWholeFile(in.source);
     } catch (const ProgramFault& e) {
       throw TraverseFileError("the source file \"" + in.source + "\" cannot be read: " + e.what());
     }

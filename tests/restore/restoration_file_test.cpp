@@ -60,10 +60,7 @@ TEST(RestorationFile, EveryCornerRestoredOrRefusedAndTheRestoredOnesReadBackAsAS
   // The restored corners are a comma-delimited source for the main window.
   const auto points = dir.path() / "restored.txt";
   writeTextFile(points, run.points);
-  FormatFlags flags;
-  PointList list;
-  getFileFormat(points, flags);
-  readFile(points, flags, list);
+  const PointList list = readWholeFile(points);
   EXPECT_EQ(list.records[0].name, "CTR");
   EXPECT_EQ(list.records[0].x, 5000);
   // Saved again, the file reads back as it was.

@@ -438,10 +438,7 @@ TEST_F(SectionForm, LaterPagesWantACoordinateSystemAndExportsCarryEachCornersEvi
   char expected[96];
   std::snprintf(expected, sizeof expected, "1001,512313.4890,289841.9890,CM,NE 15-115-22,NW COR,%.9f,%.9f", nw.latitude, nw.longitude);
   EXPECT_EQ(points.rfind(expected, 0), 0u) << points;
-  PointList list;
-  FormatFlags flags;
-  getFileFormat(dir.path() / "c.txt", flags);
-  readFile(dir.path() / "c.txt", flags, list);
+  const PointList list = readWholeFile(dir.path() / "c.txt");
   EXPECT_EQ(list.records[0].description, "NE 15-115-22");
 }
 

@@ -90,10 +90,7 @@ TEST(RawFile, TheAdjustedPointsAreASourceFile) {
   EXPECT_GT(*run.result.closure.precision, 100000);  // a careful traverse
   const auto file = dir.path() / "adjusted.txt";
   writeTextFile(file, run.points);
-  FormatFlags flags;
-  PointList points;
-  getFileFormat(file, flags);
-  readFile(file, flags, points);
+  const PointList points = readWholeFile(file);
   EXPECT_EQ(points.records[0].name, "1001");
   EXPECT_EQ(points.records[9].name, "102");  // the side shots after the stations
   EXPECT_NE(std::find(run.report.begin(), run.report.end(), "  Raw file: line 6: a GPS record, not used"), run.report.end());
