@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/form_model.h"
+#include "app/json_fields.h"
 #include "app/json_text.h"
 #include "app/program.h"
 #include "text/input_file.h"
@@ -35,13 +36,7 @@ class NoShell : public Shell {
   Date today() override { return {}; }
 };
 
-void refuseUnknownKeys(const Json& object, std::initializer_list<const char*> known, const std::string& where) {
-  for (const auto& [key, value] : object.items()) {
-    bool ok = false;
-    for (const char* k : known) ok = ok || key == k;
-    if (!ok) throw JobError(where + ": unknown key \"" + key + "\"");
-  }
-}
+using Fields = JsonFields<JobError>;
 
 bool settableWith(const ControlRef& control, bool isText) {
   if (std::holds_alternative<TextBox*>(control) || std::holds_alternative<ComboBox*>(control)) return isText;
@@ -59,7 +54,7 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     throw JobError(std::string("the job file is not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw JobError("the job file must hold one JSON object");
-  refuseUnknownKeys(json, {"version", "calculator", "steps", "answers", "files", "crs"}, "job");
+  Fields::refuseUnknown(json, {"version", "calculator", "steps", "answers", "files", "crs"}, "job");
 
   Job job;
   if (json.contains("version")) {
@@ -96,7 +91,7 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     const std::string where = "step " + std::to_string(i + 1);
     const Json& s = steps[i];
     if (!s.is_object()) throw JobError(where + ": must be an object");
-    refuseUnknownKeys(s, {"form", "set", "click"}, where);
+    Fields::refuseUnknown(s, {"form", "set", "click"}, where);
     JobStep step;
     step.form = calculator->form;
     if (s.contains("form")) {

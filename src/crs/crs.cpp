@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <mutex>
 
+#include "app/json_fields.h"
 #include "app/json_text.h"
 #include "app/module.h"
 
@@ -12,8 +13,7 @@ namespace tervalo {
 CrsChoice crsFromJson(const nlohmann::ordered_json& value) {
   if (value.is_null()) return {};
   if (!value.is_object()) throw CrsError("\"crs\" must be an object such as {\"epsg\": 3419}");
-  for (const auto& item : value.items())
-    if (item.key() != "epsg" && item.key() != "foot" && item.key() != "elevation") throw CrsError("\"crs\": unknown key \"" + item.key() + "\"");
+  JsonFields<CrsError>::refuseUnknown(value, {"epsg", "foot", "elevation"}, "\"crs\"");
   const auto epsg = value.find("epsg");
   if (epsg == value.end() || !epsg->is_number_integer() || epsg->get<std::int64_t>() < 1 || epsg->get<std::int64_t>() > 999999)
     throw CrsError("\"crs\": \"epsg\" must be the code of a projected system, such as 3419");
