@@ -192,6 +192,7 @@ std::string summarize(const Json& result) {
   list("Opened in the editor:", result["opened"]);
   if (!result["skipped"].empty()) list("Steps skipped (window not open):", result["skipped"]);
   out << "Message boxes: " << result["messages"].size() << "\n";
+  if (result.contains("notices") && !result["notices"].empty()) list("Notices:", result["notices"]);
   out << (result["ended"].get<bool>() ? "The program ended.\n" : "The job ran to its end.\n");
   return out.str();
 }

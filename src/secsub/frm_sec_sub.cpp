@@ -172,25 +172,30 @@ void frmSecSub::applyTownshipRules() {
   applyChainDefaults();
 }
 
-// A quarter-mile the section does not need is regular: an empty field there
-// takes "20", since empty reads 0 chains and would put its sixteenth corner
-// on the section corner. A field the section needs is left for the user to
-// type (so the run still warns), and a 20 put there by an earlier pass is
-// taken back. Nothing that changes the computation is hidden: a field is
-// shown when needed or when it holds anything but 20, and all eight are
-// shown without the defaults.
+// A quarter-mile that is regular in this section takes "20" when empty,
+// since empty reads 0 chains and would put its sixteenth corner on the
+// section corner. A field the section needs, and every fractional
+// quarter-mile of the north and west tiers, is shown empty for the user to
+// type (a 20 put there by an earlier pass is taken back): the run warns of
+// a required one and says of any other that it took 20 chains. Nothing that
+// changes the computation is hidden: a field is also shown whenever it
+// holds anything but 20, and all eight are shown without the defaults.
 void frmSecSub::applyChainDefaults() {
-  const auto required = requiredChains(toInt16(Val(txtSection.text)));
+  const int section = toInt16(Val(txtSection.text));
+  const auto required = requiredChains(section), fractional = fractionalChains(section);
+  const auto among = [](const std::vector<std::string>& names, const char* name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  };
   for (ChainField& c : chains) {
-    const bool needed = std::find(required.begin(), required.end(), c.name) != required.end();
-    if (needed && c.defaulted) {
+    const bool shown = among(required, c.name) || among(fractional, c.name);
+    if (shown && c.defaulted) {
       c.text.text.clear();
       c.defaulted = false;
-    } else if (!needed && c.text.text.empty()) {
+    } else if (!shown && c.text.text.empty()) {
       c.text.text = "20";
       c.defaulted = true;
     }
-    c.text.visible = c.caption.visible = needed || c.text.text != "20" || !chkDefaults.checked;
+    c.text.visible = c.caption.visible = shown || c.text.text != "20" || !chkDefaults.checked;
   }
 }
 

@@ -67,6 +67,7 @@ void frmSecSub::addToResult(nlohmann::ordered_json& result) const {
     explain.push_back(std::move(entry));
   }
   result["explain"] = std::move(explain);
+  result["notices"] = notices.said;
   if (ground) {
     auto corners = nlohmann::ordered_json::array(), lines = nlohmann::ordered_json::array();
     for (const GroundCorner& c : ground->corners)

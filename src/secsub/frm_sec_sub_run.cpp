@@ -136,6 +136,9 @@ void frmSecSub::Main() {
   checkHeld16ths();
   if (!getFormValues()) return;
   checkForMissingChainData();
+  // Beside the boxes: an empty field the section does not require is the
+  // regular quarter-mile, and the run says so.
+  const std::vector<std::string> regularChains = takeEmptyChainsAsRegular(record);
   const HalfMiles halfMiles = calculateChains(record.chains);
   const CornerNaming naming = setDescriptions(record.section, record.township, record.range,
                                               {chk1.visible, chk4.visible, chk5.visible, chkDefaults.visible});
@@ -200,6 +203,18 @@ void frmSecSub::Main() {
     const std::vector<std::string> page = gridGroundPage(record, *ground);
     lines.insert(lines.end(), page.begin(), page.end());
   }
+  // What the numbers alone do not show, in the notice beside the grid and
+  // on the report's last page.
+  RunNotices said = coincidenceNotices(record, computed, entered, centerTyped);
+  said.lines.insert(said.lines.begin(), regularChains.begin(), regularChains.end());
+  const std::vector<std::string> fromMissing = missingCornerNotices(record, placedBy);
+  said.lines.insert(said.lines.end(), fromMissing.begin(), fromMissing.end());
+  for (int s : unnamed)
+    said.lines.push_back("The corner " + std::to_string(s) + " (" + naming.descriptions[static_cast<std::size_t>(s)] +
+                         ") has no point number; the files name it " + record.slots[static_cast<std::size_t>(s)].pointNumber + ".");
+  said.said = said.lines;
+  const std::vector<std::string> page = noticesPage(record, said.said);
+  lines.insert(lines.end(), page.begin(), page.end());
 
   const std::filesystem::path& geopakFile = (*outputs)[0];
   const std::filesystem::path& reportFile = (*outputs)[1];
@@ -211,14 +226,11 @@ void frmSecSub::Main() {
   hasRun = true;
   btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = true;
   runNaming = naming;
-  notices = coincidenceNotices(record, computed, entered, centerTyped);
+  notices = std::move(said);
   // Nothing this run replaced is lost: say where the earlier files went.
   for (const auto& [replaced, kept] : program().lastKept)
     notices.lines.push_back("The earlier " + replaced.filename().string() + " is kept in the History folder as \"" +
                             kept.filename().string() + "\".");
-  for (int s : unnamed)
-    notices.lines.push_back("The corner " + std::to_string(s) + " (" + naming.descriptions[static_cast<std::size_t>(s)] +
-                            ") has no point number; the files name it " + record.slots[static_cast<std::size_t>(s)].pointNumber + ".");
   showNotices(notices.lines);
 
   program().points.clearRecords(0, 25);

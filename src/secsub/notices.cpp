@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "secsub/corners.h"
+#include "secsub/township_rules.h"
+#include "secsub_out/corner_record.h"
 #include "text/errors.h"
 #include "text/format.h"
 #include "text/number.h"
@@ -91,8 +93,104 @@ RunNotices coincidenceNotices(const SectionRecord& r, const std::array<bool, slo
               r.slots[static_cast<std::size_t>(moved[i])].description + ")";
     notices.lines.push_back(line + " from where 20 chains would put " + (moved.size() > 1 ? "them." : "it."));
   }
-  if (!causeFields.empty()) notices.lines.push_back("An empty chain field counts as 0 chains; 20 is the regular quarter-mile.");
+  if (!causeFields.empty()) notices.lines.push_back("An empty required chain field counts as 0 chains; 20 is the regular quarter-mile.");
   return notices;
+}
+
+namespace {
+
+std::string slotNamed(const SectionRecord& r, int s) {
+  return "corner " + std::to_string(s) + " (" + kSlotTitles[static_cast<std::size_t>(s)] + ", " +
+         r.slots[static_cast<std::size_t>(s)].description + ")";
+}
+
+std::string joinedNames(const std::vector<std::string>& names) {
+  std::string text;
+  for (std::size_t i = 0; i < names.size(); ++i) text += (i == 0 ? "" : i + 1 == names.size() ? " and " : ", ") + names[i];
+  return text;
+}
+
+constexpr const char* kRestoreFirst =
+    "Restore the missing corner first (Corner Restoration, or a restore entry of a township plan), then run the section again.";
+
+}  // namespace
+
+std::vector<std::string> missingCornerNotices(const SectionRecord& r,
+                                              const std::array<std::optional<CornerRule>, slot::count>& placedBy) {
+  std::vector<std::string> lines;
+  const auto missing = [&r](int s) { return r.slots[static_cast<std::size_t>(s)].blank(); };
+  // The center-line sixteenths north and south of the center, and the
+  // section corners whose blocks would have put them on their own line.
+  struct OwnLine {
+    int slot, quarter, cornerA, cornerB;
+  };
+  constexpr OwnLine kCenterLine[] = {{7, slot::N4, slot::NW, slot::NE}, {17, slot::S4, slot::SW, slot::SE}};
+  // Proportions on a quarter corner that is not there (it counts as 0, 0), by that corner.
+  std::array<std::vector<int>, slot::count> onMissing;
+  for (int s = 0; s < slot::count; ++s) {
+    const auto& rule = placedBy[static_cast<std::size_t>(s)];
+    if (!rule || rule->kind == CornerRule::Kind::Intersection) continue;
+    for (int end : {rule->nearSlot, rule->farSlot})
+      if (end >= 0 && missing(end)) {
+        onMissing[static_cast<std::size_t>(end)].push_back(s);
+        break;
+      }
+  }
+  for (int end = 0; end < slot::count; ++end) {
+    const std::vector<int>& placed = onMissing[static_cast<std::size_t>(end)];
+    if (placed.empty()) continue;
+    const std::string title = kSlotTitles[static_cast<std::size_t>(end)];
+    std::vector<std::string> named;
+    for (int s : placed)
+      named.push_back(slotNamed(r, s) + " at X " + Format(r.slots[static_cast<std::size_t>(s)].x, "0.0000") + ", Y " +
+                      Format(r.slots[static_cast<std::size_t>(s)].y, "0.0000"));
+    lines.push_back("The " + title + " corner is missing (its slot is empty and counts as X 0, Y 0), yet " + joinedNames(named) +
+                    (placed.size() > 1 ? " were" : " was") + " proportioned on it and so " +
+                    (placed.size() > 1 ? "lie" : "lies") + " off the section. The " + title + " counts as present because " +
+                    (end == slot::N4 ? "a sixteenth corner of the south line (corner 21 or 23) has coordinates, as the program "
+                                       "has always taken it (a second Continue holds the first run's)"
+                                     : "its X field holds a text that reads 0") +
+                    ". " + kRestoreFirst);
+  }
+  for (int s = 0; s < slot::count; ++s) {
+    const auto& rule = placedBy[static_cast<std::size_t>(s)];
+    if (!rule || rule->kind != CornerRule::Kind::FinalPass) continue;
+    for (const OwnLine& own : kCenterLine) {
+      if (own.slot != s) continue;
+      std::vector<std::string> gone;
+      for (int corner : {own.cornerA, own.cornerB, own.quarter})
+        if (missing(corner)) gone.push_back(std::string("the ") + kSlotTitles[static_cast<std::size_t>(corner)]);
+      std::string on;
+      for (int other = 0; other < slot::count; ++other)
+        if (other != s && !missing(other) && written(r.slots[static_cast<std::size_t>(other)]) == written(r.slots[static_cast<std::size_t>(s)]))
+          on = ", on " + slotNamed(r, other);
+      lines.push_back("The final pass put " + slotNamed(r, s) + " 20 chains from the center toward the E 1/4" + on +
+                      ", not on the north-south center line, because " + joinedNames(gone) + (gone.size() > 1 ? " are" : " is") +
+                      " missing: as the program has always done, this is no position of the " +
+                      kSlotTitles[static_cast<std::size_t>(s)] + ". " + kRestoreFirst);
+    }
+  }
+  return lines;
+}
+
+std::vector<std::string> takeEmptyChainsAsRegular(SectionRecord& r) {
+  std::vector<std::string> lines;
+  const auto required = requiredChains(r.section);
+  const auto fractional = fractionalChains(r.section);
+  const auto has = [](const std::vector<std::string>& names, const char* stem) {
+    return std::find(names.begin(), names.end(), stem) != names.end();
+  };
+  for (const ChainFieldInfo& f : kChainFields) {
+    std::string& text = r.chains.*f.text;
+    if (!text.empty() || has(required, f.stem)) continue;
+    text = "20";
+    std::string line = "\"" + std::string(f.caption) + "\" was left empty and taken as 20 chains, the regular quarter-mile.";
+    if (has(fractional, f.stem))
+      line += " In section " + std::to_string(r.section) + " it is a fractional quarter-mile (the lots lie along the " +
+              (f.stem[0] == 'N' ? "north" : "west") + " boundary of the township): type its record length from the plat.";
+    lines.push_back(line);
+  }
+  return lines;
 }
 
 }  // namespace tervalo

@@ -66,4 +66,11 @@ std::vector<std::string> requiredChains(int s) {
   return {};
 }
 
+std::vector<std::string> fractionalChains(int s) {
+  if (s >= 1 && s <= 5) return {"NofW", "NofE"};
+  if (s == 6) return {"NofW", "NofE", "WofN", "WofS"};
+  if (in(s, {7, 18, 19, 30, 31})) return {"WofN", "WofS"};
+  return {};
+}
+
 }  // namespace tervalo

@@ -31,8 +31,16 @@ TownshipRules townshipRules(int township, int range, int section);
 // nothing fits and nothing was typed.
 double meridianDefault(int township, int range, bool east, bool west, double meridian);
 
-// The record chain fields a section needs ("NofW", ...): the north tier's
-// and the west tier's irregular quarter-miles.
+// The record chain fields a section needs ("NofW", ...), as the section
+// window has always required them: a field left empty brings "Missing Data"
+// and counts as 0 chains.
 std::vector<std::string> requiredChains(int section);
+
+// The fractional quarter-miles of a section, where the lots of the north and
+// west tiers lie: the north quarter-miles of the west and east lines in
+// sections 1 to 6, the west quarter-miles of the north and south lines in
+// sections 6, 7, 18, 19, 30 and 31. The window shows each of them for its
+// record length, whether required or not.
+std::vector<std::string> fractionalChains(int section);
 
 }  // namespace tervalo

@@ -211,4 +211,17 @@ std::vector<std::string> print3rdPage(const SectionRecord& r, const ReportInput&
   return out;
 }
 
+std::vector<std::string> noticesPage(const SectionRecord& r, const std::vector<std::string>& notices) {
+  if (notices.empty()) return {};
+  std::vector<std::string> out{"                NOTICES - SECTION " + CStr(r.section), "          " + locationLine(r), "",
+                               "    What this run did that its numbers alone do not show:", ""};
+  for (const std::string& notice : notices) {
+    const std::vector<std::string> lines = wrapWords(notice, 84);
+    for (std::size_t i = 0; i < lines.size(); ++i) out.push_back((i == 0 ? "  - " : "    ") + lines[i]);
+    out.emplace_back("");
+  }
+  out.push_back(kFormFeed);
+  return out;
+}
+
 }  // namespace tervalo

@@ -43,4 +43,9 @@ std::vector<std::string> printReport(SectionRecord& record, const CornerNaming& 
 // line between present corners (coincident corners marked so).
 std::vector<std::string> print3rdPage(const SectionRecord& record, const ReportInput& input);
 
+// A later page, the last, only when the run has something to say that its
+// numbers do not show (a chain field taken as 20 chains, a corner on
+// another, a corner placed from a missing one): each notice as a paragraph.
+std::vector<std::string> noticesPage(const SectionRecord& record, const std::vector<std::string>& notices);
+
 }  // namespace tervalo

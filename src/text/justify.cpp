@@ -1,5 +1,6 @@
 #include "text/justify.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include "text/errors.h"
@@ -54,6 +55,30 @@ std::string leftJustify(std::string_view text, int width) {
 std::string upper(std::string text) {
   for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   return text;
+}
+
+}  // namespace tervalo
+
+namespace tervalo {
+
+std::vector<std::string> wrapWords(std::string_view text, std::size_t width) {
+  std::vector<std::string> lines;
+  std::string line;
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const std::size_t start = text.find_first_not_of(' ', at);
+    if (start == std::string_view::npos) break;
+    const std::size_t end = std::min(text.find(' ', start), text.size());
+    const std::string_view word = text.substr(start, end - start);
+    if (!line.empty() && textLength(line) + 1 + textLength(word) > width) {
+      lines.push_back(line);
+      line.clear();
+    }
+    line += (line.empty() ? "" : " ") + std::string(word);
+    at = end;
+  }
+  if (!line.empty()) lines.push_back(line);
+  return lines;
 }
 
 }  // namespace tervalo

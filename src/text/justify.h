@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tervalo {
 
@@ -15,6 +16,10 @@ std::string rightJustify(std::string_view text, int width);
 // Pads on the right to exactly `width`; a longer text keeps its first `width`
 // characters.
 std::string leftJustify(std::string_view text, int width);
+
+// The text cut into lines of at most `width` characters at blanks (a word
+// longer than a line stands alone on one); no line ends in a blank.
+std::vector<std::string> wrapWords(std::string_view text, std::size_t width);
 
 // The text in upper case (ASCII letters; as point numbers are compared).
 std::string upper(std::string text);

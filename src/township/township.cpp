@@ -29,6 +29,9 @@ struct SectionRun {
   std::size_t row = 0;  // of the plan
   CornerMap map;        // by unique names, each corner with its number, status and rule
   SectionRecord record;
+  // What the section's run said beyond its numbers: each box but the one
+  // that names its files ("title: text"), then the run's notices.
+  std::vector<std::string> said;
 };
 
 std::string coordinate(double v) { return Format(v, "0.0000"); }
@@ -201,9 +204,15 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
     std::optional<SectionRun> taken;
     one.inspect = [&](Program& program) {
       auto& form = program.form<frmSecSub>("frmSecSub");
-      if (form.hasRun) taken = SectionRun{p.section, row, form.runMap(true), form.record};
+      if (form.hasRun) taken = SectionRun{p.section, row, form.runMap(true), form.record, form.notices.said};
     };
     RunOutcome run = runJob(sectionJob(runPlan, p, options.dataFolder), one, registry);
+    if (taken) {
+      std::vector<std::string> boxes;
+      for (const auto& m : run.result["messages"])
+        if (m["title"] != "Program Complete") boxes.push_back(m["title"].get<std::string>() + ": " + m["text"].get<std::string>());
+      taken->said.insert(taken->said.begin(), boxes.begin(), boxes.end());
+    }
     criticalBox = criticalBox || run.exitCode == kExitCriticalBox;
     // A section that did not complete its run (refused by the form, or
     // ended) is said with the boxes that tell why, never passed over.
@@ -327,6 +336,15 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       out.stoppedLines.push_back(static_cast<int>(s.size()));
       s.push_back("    " + box);
     }
+  }
+  // What each completed section's run said, under that section: a box a
+  // section showed never passes unseen because its run went on.
+  const auto saidSomething = std::count_if(runs.begin(), runs.end(), [](const SectionRun& r) { return !r.said.empty(); });
+  s.push_back("Sections with boxes or notices: " + (saidSomething == 0 ? std::string("none") : std::to_string(saidSomething)));
+  for (const SectionRun& run : runs) {
+    if (run.said.empty()) continue;
+    s.push_back("  Row " + std::to_string(run.row + 1) + " (section " + run.section + "):");
+    for (const std::string& line : run.said) s.push_back("    " + line);
   }
   s.push_back("Corners: " + std::to_string(out.map.points.size()));
   if (!restorations.empty()) {

@@ -220,6 +220,14 @@ TEST_F(SectionForm, ASixteenthOnTheSouthLineMarksTheNorthQuarter) {
   form.click("btnContinue");
   EXPECT_TRUE(form.record.present.n4);
   EXPECT_EQ(shell.boxes.front().title, "Entered 1/16 Corner Coordinates");  // answered yes
+  // The N 1/4 counts as present but is not there: the corners proportioned
+  // on it land off the section, and the run says so in the surveyor's terms.
+  ASSERT_FALSE(form.notices.said.empty());
+  const std::string& said = form.notices.said.front();
+  EXPECT_EQ(said.rfind("The N 1/4 corner is missing (its slot is empty and counts as X 0, Y 0), yet corner 1 (N 1/16, ", 0), 0u)
+      << said;
+  EXPECT_NE(said.find("Restore the missing corner first (Corner Restoration, or a restore entry of a township plan)"),
+            std::string::npos);
 }
 
 TEST_F(SectionForm, HeaderDataFromItsOwnWindow) {
@@ -312,6 +320,51 @@ TEST_F(SectionForm, AnEmptyRequiredChainWarnsAndTheNoticeNamesItsCorner) {
   EXPECT_EQ(form.notices.coincidences.size(), 1u);
   form.click("btnClear");
   EXPECT_FALSE(form.lblNotice.visible);
+}
+
+// No field that changes the computation is hidden with a value never seen:
+// the fractional quarter-miles of the north and west tiers are shown empty.
+TEST_F(SectionForm, FractionalQuarterMilesAreShownEmptyForTheUserToFill) {
+  const std::pair<const char*, std::set<std::string>> cases[] = {
+      {"3", {"NofW", "NofE"}},
+      {"6", {"NofW", "SofW", "NofE", "WofN", "WofS"}},
+      {"7", {"NofW", "SofW", "WofN", "WofS"}},
+      {"31", {"NofW", "SofW", "WofN", "WofS"}},
+      {"14", {}},
+  };
+  for (const auto& [section, shownEmpty] : cases) {
+    form.click("btnClear");
+    location(section, "115", "22");
+    for (const auto& c : form.chains) {
+      const bool fractional = shownEmpty.count(c.name) > 0;
+      EXPECT_EQ(c.text.visible, fractional) << section << " " << c.name;
+      EXPECT_EQ(c.text.text, fractional ? "" : "20") << section << " " << c.name;
+    }
+  }
+}
+
+// A shown fractional field left empty is taken as the regular 20 chains,
+// and the run says so beside its boxes: on screen, in the result and on the
+// report's notices page, never as another box.
+TEST_F(SectionForm, AnEmptyFractionalQuarterMileIsTakenAs20ChainsAndSaid) {
+  location("7", "115", "22");
+  corners();
+  for (const char* field : {"txtNofWchain", "txtSofWchain", "txtWofSchain"}) form.typeText(field, "20");
+  form.click("btnContinue");
+  EXPECT_EQ(titles(), (std::vector<std::string>{"Program Complete"}));
+  const std::string said = "\"W 1/4 mile on N line\" was left empty and taken as 20 chains, the regular quarter-mile. In "
+                           "section 7 it is a fractional quarter-mile (the lots lie along the west boundary of the township): "
+                           "type its record length from the plat.";
+  EXPECT_EQ(form.notices.said, std::vector<std::string>{said});
+  EXPECT_NE(form.lblNotice.caption.find(said), std::string::npos);
+  EXPECT_TRUE(form.chain("WofN").text.text.empty());  // the field stays as the user left it
+  const std::string report = TempDir::read(dir.path() / "SecSub.rpt");
+  EXPECT_NE(report.find("NOTICES - SECTION 7"), std::string::npos);
+  EXPECT_NE(report.find("  - \"W 1/4 mile on N line\" was left empty and taken as 20 chains"), std::string::npos);
+  // The sixteenth corner on the north line is the midpoint of its half-mile, as with 20 typed.
+  const auto& n = form.record.slots;
+  EXPECT_NEAR(n[1].x, (n[0].x + n[2].x) / 2, 1e-9);
+  EXPECT_NEAR(n[1].y, (n[0].y + n[2].y) / 2, 1e-9);
 }
 
 TEST_F(SectionForm, NamesAndFeatureCodesComeFromTheBoxes) {

@@ -132,6 +132,24 @@ TEST_F(Township, ARefusedSectionIsListedWithItsBoxAndTheNextGoesOn) {
   EXPECT_EQ(out.stoppedLines.size(), 2u + out.stopped[0].boxes.size() + out.stopped[1].boxes.size());
 }
 
+// A section whose run showed a box but went on (exit 0) is no quieter in
+// the summary than a refused one: its boxes and notices stand under it.
+TEST_F(Township, ASectionsBoxesAndNoticesStandUnderItInTheSummary) {
+  plan.sections[0].section = "7";  // west tier: its W line's chains are required, its N and S lines' fractional
+  plan.sections[0].chains = {{"EofS", "20"}};
+  const TownshipOutcome out = run();
+  EXPECT_EQ(out.exitCode, 0);
+  const std::string summary = TempDir::read(dir.path() / "Township.txt");
+  EXPECT_NE(summary.find("Sections with boxes or notices: 1\r\n  Row 1 (section 7):\r\n"
+                         "    Missing Data: Number of chains is a required field.\r\n"
+                         "    \"W 1/4 mile on N line\" was left empty and taken as 20 chains"),
+            std::string::npos)
+      << summary;
+  plan = readPlanFile(kExamples + "township.plan.json");
+  run();
+  EXPECT_NE(TempDir::read(dir.path() / "Township.txt").find("Sections with boxes or notices: none\r\n"), std::string::npos);
+}
+
 // A county's control file: thousands of points, far beyond the section
 // window's 151; each section is given only the points it names.
 TEST_F(Township, ASourceOfAnySizeRunsAsTheSmallOneDoes) {
