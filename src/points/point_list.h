@@ -3,6 +3,7 @@
 
 #include <vector>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace tervalo {
@@ -13,6 +14,10 @@ struct PointRecord {
   std::string feature;      // feature code as written in the file
   std::string description;  // as written in the file
   std::string name;         // point name or number, compared as text
+  // The evidence found at the point, when the file gives it apart from the
+  // description: the sixth column of a comma-delimited line (Tervalo's own
+  // points write the designation as the description and the evidence after it).
+  std::optional<std::string> evidence{};
 };
 
 struct PointList {

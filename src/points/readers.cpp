@@ -247,8 +247,14 @@ void readCDfile(const std::filesystem::path& file, PointList& points) {
     point.y = strictCoordinate(*y, "Y coordinate", in);
     if (const auto feature = cut(true)) {
       point.feature = *feature;
-      const auto description = cut(true);
-      point.description = description ? *description : rest;
+      if (const auto description = cut(true)) {
+        point.description = *description;
+        // A sixth field is the evidence found, as Tervalo's points write it.
+        const auto evidence = cut(true);
+        point.evidence = evidence ? *evidence : rest;
+      } else {
+        point.description = rest;
+      }
     } else {
       point.feature = rest;
     }

@@ -131,11 +131,16 @@ void frmSecSub::pointNumberChanged(int s) {
     f.yc.text = coordinateText(p.y);
     f.pf.text = p.feature;
     f.pd.text = p.description;
-    lookups[static_cast<std::size_t>(s)] = std::array<std::string, 3>{p.name, f.xc.text, f.yc.text};
+    lookups[static_cast<std::size_t>(s)] = Lookup{p.name, f.xc.text, f.yc.text, p.evidence};
     pointFound = true;
     return;
   }
   sayNotFound();
+}
+
+bool frmSecSub::lookedUp(int s) const {
+  const auto i = static_cast<std::size_t>(s);
+  return lookups[i] && lookups[i]->x == slots[i].xc.text && lookups[i]->y == slots[i].yc.text;
 }
 
 void frmSecSub::pointNumberLeft(int s) {
@@ -312,6 +317,8 @@ bool frmSecSub::getFormValues() {
     c.y = Val(f.yc.text);
     c.pointNumber = upper(f.pn.text);
     c.description = c.evidence = f.pd.text;
+    // The file's own evidence column, where the slot still holds what it gave.
+    if (lookedUp(s) && lookups[static_cast<std::size_t>(s)]->evidence) c.evidence = *lookups[static_cast<std::size_t>(s)]->evidence;
     c.feature = f.pf.text;
   }
   for (std::size_t i = 0; i < chains.size(); ++i) record.chains.*kChainFields[i].text = chains[i].text.text;

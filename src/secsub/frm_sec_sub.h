@@ -94,8 +94,15 @@ class frmSecSub : public FormModel {
   std::array<bool, slot::count> computed{};
   std::array<std::optional<CornerRule>, slot::count> placedBy;  // how the run placed each computed slot
   CornerOrigins origins;  // after a run: where every position came from
-  // Each slot's last lookup in the point file: its name and the X and Y texts it gave.
-  std::array<std::optional<std::array<std::string, 3>>, slot::count> lookups;
+  // Each slot's last lookup in the point file: its name, the X and Y texts
+  // it gave, and the evidence the file gave apart from the description.
+  struct Lookup {
+    std::string point, x, y;
+    std::optional<std::string> evidence;
+  };
+  std::array<std::optional<Lookup>, slot::count> lookups;
+  // Whether slot `s` still holds what its last lookup gave.
+  bool lookedUp(int s) const;
   // Each slot's last restoration: the rule in words and the X and Y texts it gave.
   std::array<std::optional<std::array<std::string, 3>>, slot::count> restorations;
   // The slot the cursor was last in, for Restore Corner.

@@ -173,9 +173,9 @@ void frmSecSub::Main() {
     } else if (restorations[i] && (*restorations[i])[1] == slots[i].xc.text && (*restorations[i])[2] == slots[i].yc.text) {
       o.kind = CornerOrigin::Kind::Restored;
       o.restoredBy = (*restorations[i])[0];
-    } else if (lookups[i] && (*lookups[i])[1] == slots[i].xc.text && (*lookups[i])[2] == slots[i].yc.text) {
+    } else if (lookedUp(s)) {
       o.kind = CornerOrigin::Kind::LookedUp;
-      o.point = (*lookups[i])[0];
+      o.point = lookups[i]->point;
     } else {
       o.kind = CornerOrigin::Kind::Typed;
     }

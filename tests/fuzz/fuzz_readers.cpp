@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;  // the program's own box
   }
   for (const auto& p : points.records)
-    for (const std::string* text : {&p.name, &p.feature, &p.description})
+    for (const std::string* text : {&p.name, &p.feature, &p.description, p.evidence ? &*p.evidence : &p.name})
       if (!tervalo::isValidUtf8(*text)) std::abort();
   return 0;
 }

@@ -81,8 +81,9 @@ TEST_F(Readers, ACommaFileGivesNameCoordinatesFeatureAndDescription) {
        "102,5000.25,3000.75,IP,IRON PIPE\n"
        "\n"
        "103,5000.25,3000.75;IP\n"
-       "104, 1.5 ,2,IP,DESC,IGNORED\n"
-       "105,1,2,IP;IRON PIPE");
+       "104, 1.5 ,2,IP,DESC,FD STONE\n"
+       "105,1,2,IP;IRON PIPE\n"
+       "106,1,2,CM,NE 15-115-22,,36.1,-97.2");
   EXPECT_TRUE(flags.cd);
   EXPECT_EQ(at(0).feature, "IP");
   EXPECT_EQ(at(0).description, "");
@@ -91,9 +92,13 @@ TEST_F(Readers, ACommaFileGivesNameCoordinatesFeatureAndDescription) {
   EXPECT_EQ(at(2).feature, "IP");
   EXPECT_EQ(at(3).x, 1.5);
   EXPECT_EQ(at(3).description, "DESC");
+  // The sixth field is the evidence found, as Tervalo's points write it; none is not an empty one.
+  EXPECT_EQ(at(3).evidence, "FD STONE");
   EXPECT_EQ(at(4).feature, "IP");
   EXPECT_EQ(at(4).description, "IRON PIPE");
-  EXPECT_EQ(points.pointCount, 6);  // five points plus one
+  EXPECT_EQ(at(4).evidence, std::nullopt);
+  EXPECT_EQ(at(5).evidence, "");  // a computed corner: nothing found, latitude and longitude after it
+  EXPECT_EQ(points.pointCount, 7);  // six points plus one
 }
 
 TEST_F(Readers, ACommaFileWithTooFewFieldsOrABadLineIsRefused) {

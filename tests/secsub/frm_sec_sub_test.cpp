@@ -493,6 +493,15 @@ TEST_F(SectionForm, LaterPagesWantACoordinateSystemAndExportsCarryEachCornersEvi
   EXPECT_EQ(points.rfind(expected, 0), 0u) << points;
   const PointList list = readWholeFile(dir.path() / "c.txt");
   EXPECT_EQ(list.records[0].description, "NE 15-115-22");
+  // The next section started from those points keeps the evidence found in the field.
+  main.typeText("txtInFile", (dir.path() / "c.txt").string());
+  main.click("btnContinue");
+  form.click("btnClear");
+  location("14", "115", "22");
+  corners();
+  form.click("btnContinue");
+  EXPECT_EQ(form.record.slots[0].evidence, "NW COR");
+  EXPECT_EQ(form.record.slots[22].evidence, "S1/4");
 }
 
 // Two outputs of one run naming one file (by name, by "..", by a hard link)
