@@ -16,6 +16,8 @@
 #include <cstdio>
 #include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "crs/crs.h"
 
@@ -141,11 +143,23 @@ class ProjGeo : public Geo {
   void writeGis(const GisDocument& d, const std::string& driverName, const std::filesystem::path& file) override {
     GDALDriverH driver = GDALGetDriverByName(driverName.c_str());
     if (!driver) throw CrsError("GDAL has no " + driverName + " driver");
+    // GeoJSON and KML hold WGS 84 longitudes and latitudes: the positions
+    // go there by the operation PROJ chooses, and the file says so. Every
+    // other file holds the system's own coordinates in the system's own unit,
+    // so that what it declares is what it holds.
+    const bool wgs84 = driverName == "GeoJSON" || driverName == "KML";
+    Placing placing = d.crs.none() ? Placing{} : placingFor(d.crs, wgs84);
+    // Every position placed before the first layer: the file names the operations used.
+    std::vector<PlanePosition> cornerAt, lineFrom, lineTo;
+    for (const GisCorner& c : d.corners) cornerAt.push_back(placing.place(c.at));
+    for (const GisLine& l : d.lines) {
+      lineFrom.push_back(placing.place(l.from));
+      lineTo.push_back(placing.place(l.to));
+    }
     OGRSpatialReferenceH srs = nullptr;
     if (!d.crs.none()) {
       srs = OSRNewSpatialReference(nullptr);
-      const std::string text = wkt(d.crs, false);
-      if (OSRSetFromUserInput(srs, text.c_str()) != OGRERR_NONE) {
+      if (OSRSetFromUserInput(srs, placing.declared.c_str()) != OGRERR_NONE) {
         OSRDestroySpatialReference(srs);
         throw CrsError("GDAL cannot take the system " + system(d.crs).description.name);
       }
@@ -161,6 +175,7 @@ class ProjGeo : public Geo {
     const bool one = driverName == "GeoJSON";
     char** options = nullptr;
     if (one) options = CSLSetNameValue(options, "RFC7946", "YES");
+    if (one && !d.crs.none()) options = CSLSetNameValue(options, "DESCRIPTION", placing.said().c_str());
     const char* cornerFields[] = {"name", "point", "other_points", "description", "evidence", "feature", "status", "rule"};
     const char* lineFields[] = {"line", "group"};
     const auto addFields = [&](OGRLayerH layer, const auto& names) {
@@ -185,12 +200,13 @@ class ProjGeo : public Geo {
       addFields(corners, cornerFields);
       if (one) addFields(corners, lineFields);
       transaction([&] {
-      for (const GisCorner& c : d.corners) {
+      for (std::size_t k = 0; k < d.corners.size(); ++k) {
+        const GisCorner& c = d.corners[k];
         OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(corners));
         const std::string* values[] = {&c.name, &c.number, &c.otherNumbers, &c.description, &c.evidence, &c.feature, &c.status, &c.rule};
         for (std::size_t i = 0; i < std::size(values); ++i) OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, cornerFields[i]), values[i]->c_str());
         OGRGeometryH point = OGR_G_CreateGeometry(wkbPoint);
-        OGR_G_SetPoint_2D(point, 0, c.at.x, c.at.y);
+        OGR_G_SetPoint_2D(point, 0, cornerAt[k].x, cornerAt[k].y);
         OGR_F_SetGeometryDirectly(f, point);
         if (OGR_L_CreateFeature(corners, f) != OGRERR_NONE && fault.empty()) fault = CPLGetLastErrorMsg();
         OGR_F_Destroy(f);
@@ -202,13 +218,14 @@ class ProjGeo : public Geo {
     if (lines) {
       if (!one) addFields(lines, lineFields);
       transaction([&] {
-      for (const GisLine& l : d.lines) {
+      for (std::size_t k = 0; k < d.lines.size(); ++k) {
+        const GisLine& l = d.lines[k];
         OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(lines));
         OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "line"), l.name.c_str());
         OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "group"), l.group.c_str());
         OGRGeometryH line = OGR_G_CreateGeometry(wkbLineString);
-        OGR_G_AddPoint_2D(line, l.from.x, l.from.y);
-        OGR_G_AddPoint_2D(line, l.to.x, l.to.y);
+        OGR_G_AddPoint_2D(line, lineFrom[k].x, lineFrom[k].y);
+        OGR_G_AddPoint_2D(line, lineTo[k].x, lineTo[k].y);
         OGR_F_SetGeometryDirectly(f, line);
         if (OGR_L_CreateFeature(lines, f) != OGRERR_NONE && fault.empty()) fault = CPLGetLastErrorMsg();
         OGR_F_Destroy(f);
@@ -223,6 +240,61 @@ class ProjGeo : public Geo {
   }
 
  private:
+  // How a GIS file's positions are taken from the job's coordinates, and
+  // the system the file declares for them.
+  struct Placing {
+    Pj operation;          // none: the job's coordinates as they are
+    std::string declared;  // the system for GDAL: WKT, or "OGC:CRS84"
+    std::string from;      // the job's system by name
+    std::vector<std::string> used;  // the operations PROJ took, each once, with their accuracy
+    PlanePosition place(const PlanePosition& p) {
+      if (!operation) return p;
+      const PJ_COORD c = proj_trans(operation.get(), PJ_FWD, proj_coord(p.x, p.y, 0, 0));
+      if (!std::isfinite(c.xy.x) || !std::isfinite(c.xy.y))
+        throw CrsError("PROJ cannot place " + std::to_string(p.x) + ", " + std::to_string(p.y) + " from " + from);
+      if (Pj last{proj_trans_get_last_used_operation(operation.get())}) {
+        const double accuracy = proj_coordoperation_get_accuracy(nullptr, last.get());
+        char metres[32] = "unknown accuracy";
+        if (accuracy >= 0) std::snprintf(metres, sizeof metres, "accuracy %g m", accuracy);
+        const std::string name = std::string(proj_get_name(last.get())) + " (" + metres + ")";
+        if (std::find(used.begin(), used.end(), name) == used.end()) used.push_back(name);
+      }
+      return {c.xy.x, c.xy.y};
+    }
+    // The file's own word on its positions.
+    std::string said() const {
+      std::string text = "WGS 84 longitudes and latitudes from " + from + " by PROJ's operation";
+      if (used.size() > 1) text += "s";
+      for (std::size_t i = 0; i < used.size(); ++i) text += (i ? "; " : " ") + used[i];
+      return text;
+    }
+  };
+
+  Placing placingFor(const CrsChoice& crs, bool wgs84) {
+    System& s = system(crs);
+    Placing p;
+    p.from = s.description.name;
+    if (wgs84) {
+      p.declared = "OGC:CRS84";
+      Pj target(proj_create(ctx_, "OGC:CRS84"));
+      Pj op(target ? proj_create_crs_to_crs_from_pj(ctx_, s.crs.get(), target.get(), nullptr, nullptr) : nullptr);
+      if (!op) throw CrsError("PROJ finds no way from " + p.from + " to WGS 84");
+      p.operation.reset(proj_normalize_for_visualization(ctx_, op.get()));
+      return p;
+    }
+    Base& b = base(crs.epsg);
+    const char* text = proj_as_wkt(ctx_, b.crs.get(), PJ_WKT2_2019, nullptr);
+    if (!text) throw CrsError("PROJ gives no WKT for " + p.from);
+    p.declared = text;
+    if (s.metresPerJobUnit != b.description.metresPerUnit) {
+      // Feet on a metric system: the file holds the system's metres.
+      Pj op(proj_create_crs_to_crs_from_pj(ctx_, s.crs.get(), b.crs.get(), nullptr, nullptr));
+      if (!op) throw CrsError("PROJ cannot take " + p.from + " from feet to its " + b.description.unit + "s");
+      p.operation.reset(proj_normalize_for_visualization(ctx_, op.get()));
+    }
+    return p;
+  }
+
   struct Base {
     Pj crs;
     CrsDescription description;

@@ -18,6 +18,7 @@ schema=tests/export/LandXML-1.2.xsd
 "$cli" township examples/township.plan.json --data-dir "$out/township/" >/dev/null
 "$cli" township examples/township-restored.plan.json --data-dir "$out/restored/" >/dev/null
 "$cli" run examples/gis.job.json --data-dir "$out/gis/" >/dev/null
+"$cli" run tests/export/utm-foot.job.json --data-dir "$out/utm-foot/" >/dev/null
 # The raw traverse round section 14: 8 stations and 2 side shots, 8 courses.
 "$cli" traverse examples/section14.rw5 --data-dir "$out/traverse/" --export traverse.csv --export traverse.xml \
   --export traverse.dxf --export traverse.gpkg >/dev/null
@@ -97,14 +98,28 @@ case $what in
     grep -q "^group: String" <<<"$lines" || fail "no field group"
     grep -q "^other_points: String" <<<"$corners" || fail "no field other_points"
     grep -q "group (String) = sixteenth" <<<"$lines" || fail "no sixteenth lines"
-    # GeoJSON in longitude and latitude, where cs2cs puts the corner too.
+    # GeoJSON and KML in WGS 84 longitude and latitude, where cs2cs puts the corner too by the
+    # operation PROJ chooses (NAD83 to WGS 84 is a metre here: 1e-7 degrees is a centimetre).
     expect "GeoJSON features" 65 "$(count "$g/Section14.geojson")"
-    read -r lon lat < <(ogrinfo -ro -al -where "name='1001'" "$g/Section14.geojson" | sed -n 's/.*POINT (\([-0-9.]*\) \([-0-9.]*\)).*/\1 \2/p')
-    read -r wlat wlon _ < <(echo "512313.489 289841.989" | cs2cs -f %.12f EPSG:3419 EPSG:4326)
-    python3 -c "import sys; sys.exit(0 if abs($lon - $wlon) < 1e-7 and abs($lat - $wlat) < 1e-7 else 1)" ||
-      fail "GeoJSON puts 1001 at $lon $lat, cs2cs at $wlon $wlat"
-    echo "ok: 1001 at $lon $lat as cs2cs has it"
+    read -r wlon wlat _ < <(echo "512313.489 289841.989" | cs2cs -f %.12f EPSG:3419 OGC:CRS84)
+    for file in Section14.geojson Section14.kml; do
+      read -r lon lat < <(ogrinfo -ro -al -where "name='1001'" "$g/$file" | sed -n 's/.*POINT (\([-0-9.]*\) \([-0-9.]*\)).*/\1 \2/p')
+      python3 -c "import sys; sys.exit(0 if abs($lon - $wlon) < 1.5e-7 and abs($lat - $wlat) < 1.5e-7 else 1)" ||
+        fail "$file puts 1001 at $lon $lat, cs2cs at $wlon $wlat"
+      echo "ok: $file puts 1001 at $lon $lat as cs2cs has it"
+    done
+    grep -q '"description": "WGS 84 longitudes and latitudes from NAD83 \\/ Kansas North (ftUS) by PROJ.s operation .*(accuracy 0.1 m)"' \
+      "$g/Section14.geojson" || fail "the GeoJSON does not name the operation to WGS 84"
     expect "KML corners" 25 "$(ogrinfo -ro -so "$g/Section14.kml" corners | sed -n 's/^Feature Count: //p')"
+    # Feet on a metric system: the GeoPackage holds the system's metres, so ogr2ogr places the
+    # corner where cs2cs puts the feet given.
+    read -r lon lat < <(ogr2ogr -f CSV /vsistdout/ "$out/utm-foot/Section14.gpkg" corners -t_srs EPSG:4269 \
+      -where "name='1001'" -lco GEOMETRY=AS_XY -select name | tail -1 | cut -d, -f1,2 | tr , ' ')
+    read -r wlon wlat _ < <(echo "512313.489 289841.989" | cs2cs -f %.12f +proj=utm +zone=14 +datum=NAD83 +units=us-ft \
+      +to +proj=longlat +datum=NAD83)
+    python3 -c "import sys; sys.exit(0 if abs($lon - $wlon) < 1e-9 and abs($lat - $wlat) < 1e-9 else 1)" ||
+      fail "the GeoPackage in UTM with feet puts 1001 at $lon $lat, cs2cs at $wlon $wlat"
+    echo "ok: the GeoPackage in UTM with feet puts 1001 at $lon $lat as cs2cs has it"
     # The PNEZD CSV with its .prj beside it, and the LandXML naming the system.
     csv=$(ogrinfo -ro -so -al -oo X_POSSIBLE_NAMES=Easting -oo Y_POSSIBLE_NAMES=Northing "$g/Section14.csv")
     grep -q "Kansas North" <<<"$csv" || fail "the CSV's .prj does not name the system"
