@@ -203,7 +203,7 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
     dw->dxfString(9, "$INSUNITS");
     dw->dxfInt(70, map.system.dxfUnits);  // the coordinates' unit, as the LandXML files say
     dw->dxfString(9, "$MEASUREMENT");
-    dw->dxfInt(70, 0);  // imperial
+    dw->dxfInt(70, map.system.dxfUnits == 6 ? 1 : 0);  // metric drawings say so: 1 metric, 0 imperial
     dw->dxfString(9, "$EXTMIN");
     dw->coord(10, extents.minX, extents.minY);
     dw->dxfString(9, "$EXTMAX");

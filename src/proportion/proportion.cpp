@@ -79,7 +79,7 @@ ProportionResult processData(ProportionInput in) {
   }
   const bool single = in.last == 0 && in.increment == 0;
   if (in.between && in.round && in.value == 0 && !single && toLong(in.increment) == 0) {
-    out.refusal = "Stations after the equation are rounded to whole multiples of the increment: it must be 0.5 or more.";
+    out.refusal = "Stations after the equation are rounded to whole multiples of the increment: it must be more than 0.5.";
     return out;
   }
 

@@ -178,8 +178,8 @@ Restored restoreCorner(const LostCorner& c, double basis, double chain) {
       const Cardinal from = cardinal(k);
       const double d = length(k, direction);
       r.at = frame.out({from.e + d * std::sin(azimuth * kDegree), from.n + d * std::cos(azimuth * kDegree)});
-      r.text = "one-point control: " + Format(k.record * c.index, "0.00") + " chains from the " + direction + " control " +
-               named(k, direction) + " at azimuth " + Format(azimuth, "0.0000") + " degrees";
+      r.text = "one-point control: " + Format(k.record * c.index, "0.00") + " chains from the " + direction + " control" +
+               (k.point.empty() ? "" : " " + k.point) + " at azimuth " + Format(azimuth, "0.0000") + " degrees";
       break;
     }
   }

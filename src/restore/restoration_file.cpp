@@ -258,19 +258,21 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
     }
 
     // The report: the corner, its controls, record and measured distances, the ratio, the rule and the result.
+    // One control measures nothing against its record: no measured chains or ratio then.
+    const bool measured = outcome.restored && outcome.restored->method != RestoreMethod::OnePoint;
     run.report.push_back("  " + leftJustify(entry.name, 40) +
                          (outcome.restored ? std::string(methodName(outcome.restored->method)) + " proportion" : "REFUSED"));
     run.report.push_back("     " + leftJustify("Control", 8) + " " + leftJustify("Point", 8) + rightJustify("X", 14) + " " +
-                         rightJustify("Y", 14) + rightJustify("Record ch", 12) + rightJustify("Measured ch", 13) +
-                         rightJustify("Ratio", 9));
+                         rightJustify("Y", 14) + rightJustify("Record ch", 12) +
+                         (measured ? rightJustify("Measured ch", 13) + rightJustify("Ratio", 9) : std::string()));
     for (int k = 0; k < 4; ++k) {
       const auto& c = controlOf(outcome.corner, k);
       if (!c) continue;
       std::string line = "     " + leftJustify(kDirections[k], 8) + " " + leftJustify(c->point, 8) + rightJustify(coordinate(c->at.x), 14) +
                          " " + rightJustify(coordinate(c->at.y), 14) + rightJustify(Format(c->record, "0.00"), 12);
-      if (outcome.restored) {
-        const double measured = std::hypot(c->at.x - outcome.restored->at.x, c->at.y - outcome.restored->at.y) / chain;
-        line += rightJustify(Format(measured, "0.000"), 13) + rightJustify(Format(measured / c->record, "0.00000"), 9);
+      if (measured) {
+        const double retraced = std::hypot(c->at.x - outcome.restored->at.x, c->at.y - outcome.restored->at.y) / chain;
+        line += rightJustify(Format(retraced, "0.000"), 13) + rightJustify(Format(retraced / c->record, "0.00000"), 9);
       }
       run.report.push_back(line);
     }

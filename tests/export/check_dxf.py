@@ -5,10 +5,12 @@ US survey feet, a drawing that opens on itself (its header's extents those
 ezdxf measures, the active view centred on them), texts upright along their
 lines and carrying their alignment point.
 
-usage: check_dxf.py FILE POINTS NAME X Y [LINE_LAYER]
+usage: check_dxf.py FILE POINTS NAME X Y [LINE_LAYER [UNITS]]
 
 LINE_LAYER is the layer the drawing's main lines stand on: SEC for a
 section (with its quarter and dashed sixteenth layers), TRAV for a traverse.
+UNITS is the drawing's $INSUNITS: 21 US survey feet (the default), 6 metres;
+$MEASUREMENT must agree with it (1 metric, 0 imperial).
 """
 import logging
 import sys
@@ -20,6 +22,7 @@ logging.disable(logging.WARNING)  # ezdxf's notes on the fonts it finds
 
 path, points, name, x, y = sys.argv[1], int(sys.argv[2]), sys.argv[3], float(sys.argv[4]), float(sys.argv[5])
 line_layer = sys.argv[6] if len(sys.argv) > 6 else "SEC"
+units = int(sys.argv[7]) if len(sys.argv) > 7 else 21
 doc = ezdxf.readfile(path)
 auditor = doc.audit()
 failures = []
@@ -38,8 +41,10 @@ if name not in labels:
     failures.append("no label " + name)
 if not any(abs(p.dxf.location.x - x) < 1e-6 and abs(p.dxf.location.y - y) < 1e-6 for p in corners):
     failures.append("no point at %s %s" % (x, y))
-if doc.header.get("$INSUNITS") != 21:
-    failures.append("units are not US survey feet")
+if doc.header.get("$INSUNITS") != units:
+    failures.append("$INSUNITS is %s, not %d" % (doc.header.get("$INSUNITS"), units))
+if doc.header.get("$MEASUREMENT") != (1 if units == 6 else 0):
+    failures.append("$MEASUREMENT %s does not agree with $INSUNITS %d" % (doc.header.get("$MEASUREMENT"), units))
 if not msp.query('LINE[layer=="%s"]' % line_layer) or not msp.query('TEXT[layer=="ANNO"]'):
     failures.append("no lines on %s or no annotations" % line_layer)
 for layer in ("EWSX", "NSSX"):

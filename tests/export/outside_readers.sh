@@ -19,6 +19,7 @@ schema=tests/export/LandXML-1.2.xsd
 "$cli" township examples/township-restored.plan.json --data-dir "$out/restored/" >/dev/null
 "$cli" run examples/gis.job.json --data-dir "$out/gis/" >/dev/null
 "$cli" run tests/export/utm-foot.job.json --data-dir "$out/utm-foot/" >/dev/null
+"$cli" run tests/export/utm-metres.job.json --data-dir "$out/utm-metres/" >/dev/null
 # The raw traverse round section 14: 8 stations and 2 side shots, 8 courses.
 "$cli" traverse examples/section14.rw5 --data-dir "$out/traverse/" --export traverse.csv --export traverse.xml \
   --export traverse.dxf --export traverse.gpkg >/dev/null
@@ -36,6 +37,8 @@ case $what in
   dxf)
     /usr/bin/python3 tests/export/check_dxf.py "$out/regular/Section14.dxf" 25 1001 512313.489 289841.989
     /usr/bin/python3 tests/export/check_dxf.py "$out/irregular/irregular.dxf" 25 "S,16" 513660.8 284569.5
+    # Coordinates in a system's metres: a metric drawing.
+    /usr/bin/python3 tests/export/check_dxf.py "$out/utm-metres/Section14.dxf" 25 1001 512313.489 289841.989 SEC 6
     # 25 points, 25 names, 40 lines and their 40 annotations, the text naming the system, and
     # the evidence found at the 8 corners the source describes.
     expect "ogrinfo DXF features" 139 "$(count "$out/regular/Section14.dxf")"

@@ -85,7 +85,7 @@ TEST_F(Proportion, EquationCarriesTheIncrementsSpacingOrRounds) {
   form.typeText("txtIncrement", "0.4");  // rounds to 0: no multiple to round to
   form.click("btnCalc");
   EXPECT_EQ(shell.boxes.back().title, "Input Error!");
-  EXPECT_NE(shell.boxes.back().text.find("0.5 or more"), std::string::npos);
+  EXPECT_NE(shell.boxes.back().text.find("it must be more than 0.5."), std::string::npos);
 }
 
 TEST_F(Proportion, StationFromValueAcrossTheEquation) {

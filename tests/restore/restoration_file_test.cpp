@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "app/output_file.h"
 #include "points/readers.h"
 #include "restore/restoration_file.h"
@@ -44,11 +46,12 @@ TEST(RestorationFile, EveryCornerRestoredOrRefusedAndTheRestoredOnesReadBackAsAS
     "corners":[{"name":"CTR","north":{"point":"1","record":40},"south":{"point":"2","record":40},
                 "east":{"point":"3","record":40},"west":{"x":2360,"y":5000,"record":40}},
                {"name":"GONE","method":"double","north":{"point":"1","record":40}},
-               {"name":"N 1/4","north":{"point":"9","record":40}}]})");
+               {"name":"N 1/4","north":{"point":"9","record":40}},
+               {"name":"LONE","south":{"x":5000,"y":2360,"record":40}}]})");
   const RestorationFile parsed = readRestorationFile(file.string());
   EXPECT_EQ(parsed.source, (dir.path() / "control.csv").string());  // from the file's folder
   const RestorationRun run = runRestoration(parsed, "11/24/2026");
-  ASSERT_EQ(run.corners.size(), 3u);
+  ASSERT_EQ(run.corners.size(), 4u);
   ASSERT_TRUE(run.corners[0].restored);
   EXPECT_NEAR(run.corners[0].restored->at.x, 5000, 1e-9);
   EXPECT_NEAR(run.corners[0].restored->at.y, 5000, 1e-9);
@@ -57,6 +60,15 @@ TEST(RestorationFile, EveryCornerRestoredOrRefusedAndTheRestoredOnesReadBackAsAS
   EXPECT_FALSE(run.allRestored());
   EXPECT_EQ(run.result["refused"].size(), 2u);
   EXPECT_EQ(run.result["corners"][0]["method"], "double");
+  // One control: its rule in words once, and no measured chains or ratio, which one point cannot give.
+  const auto lone = std::find(run.report.begin(), run.report.end(), "  LONE                                    one-point proportion");
+  ASSERT_NE(lone, run.report.end());
+  EXPECT_EQ(lone[1], "     Control  Point                X              Y   Record ch");
+  EXPECT_EQ(lone[2], "     south                 5000.0000      2360.0000       40.00");
+  EXPECT_EQ(lone[4], "     By one-point control: 40.00 chains from the south control at azimuth 0.0000 degrees.");
+  EXPECT_NE(std::find(run.report.begin(), run.report.end(),
+                      "     Control  Point                X              Y   Record ch  Measured ch    Ratio"),
+            run.report.end());
   // The restored corners are a comma-delimited source for the main window.
   const auto points = dir.path() / "restored.txt";
   writeTextFile(points, run.points);
