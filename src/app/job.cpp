@@ -69,7 +69,7 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
   }
   if (json.contains("crs")) {
     try {
-      job.crs = crsFromJson(json["crs"]);
+      job.crs = usableCrsFromJson(json["crs"]);
     } catch (const CrsError& e) {
       throw JobError(std::string("job: ") + e.what());
     }

@@ -32,6 +32,12 @@ CrsChoice crsFromJson(const nlohmann::ordered_json& value) {
   return crs;
 }
 
+CrsChoice usableCrsFromJson(const nlohmann::ordered_json& value) {
+  const CrsChoice crs = crsFromJson(value);
+  if (!crs.none()) geo().geographic(crs, {});  // PROJ takes the system and its foot, or says why not
+  return crs;
+}
+
 nlohmann::ordered_json crsToJson(const CrsChoice& crs) {
   if (crs.none()) return nullptr;
   nlohmann::ordered_json j{{"epsg", crs.epsg}};

@@ -43,6 +43,9 @@ class CrsError : public std::runtime_error {
 inline constexpr double kMostElevation = 100000;
 
 CrsChoice crsFromJson(const nlohmann::ordered_json& value);
+// The same, for a file about to run: the system must also be a projected
+// system in PROJ's database, in the foot given, or nothing runs.
+CrsChoice usableCrsFromJson(const nlohmann::ordered_json& value);
 nlohmann::ordered_json crsToJson(const CrsChoice& crs);  // null for none
 
 // A position in the job's coordinates.

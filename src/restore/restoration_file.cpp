@@ -114,7 +114,7 @@ RestorationFile parseRestoration(const std::string& text) {
   if (json.contains("source")) file.source = Fields::text(json["source"], "the file", "source");
   if (json.contains("crs")) {
     try {
-      file.crs = crsFromJson(json["crs"]);
+      file.crs = usableCrsFromJson(json["crs"]);
     } catch (const CrsError& e) {
       throw RestorationFileError(std::string("the file: ") + e.what());
     }

@@ -59,7 +59,7 @@ TownshipPlan parsePlan(const std::string& text) {
   plan.source = textOf(json.value("source", Json("")), "\"source\"");
   if (json.contains("crs")) {
     try {
-      plan.crs = crsFromJson(json["crs"]);
+      plan.crs = usableCrsFromJson(json["crs"]);
     } catch (const CrsError& e) {
       throw PlanError(std::string("plan: ") + e.what());
     }

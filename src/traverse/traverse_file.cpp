@@ -182,7 +182,7 @@ TraverseInput parseTraverse(const std::string& text) {
   }
   if (json.contains("crs")) {
     try {
-      in.crs = crsFromJson(json["crs"]);
+      in.crs = usableCrsFromJson(json["crs"]);
     } catch (const CrsError& e) {
       throw TraverseFileError(std::string("the file: ") + e.what());
     }

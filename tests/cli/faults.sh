@@ -93,5 +93,22 @@ case $case in
       "$cli" $command big.json >out 2>&1; status=$?
       expect 2 "larger than 64 MB"
     done ;;
+  a_system_that_cannot_hold_corners)
+    # Geographic, geocentric, vertical, or not in PROJ's database: every kind of file is refused
+    # before anything runs, and nothing is written.
+    examples=$(cd "$(dirname "$0")/../../examples" && pwd)
+    for code in 4326 4978 5714 999999; do
+      for pair in "run $examples/secsub.job.json" "township $examples/township.plan.json" \
+                  "restore $examples/section14.restore.json" "traverse $examples/loop.traverse.json"; do
+        read -r command file <<<"$pair"
+        python3 -c 'import json, sys; d = json.load(open(sys.argv[1])); d["crs"] = {"epsg": int(sys.argv[2])}
+if "source" in d: d["source"] = sys.argv[1].rsplit("/", 1)[0] + "/" + d["source"]
+json.dump(d, open(sys.argv[3], "w"))' "$file" $code "in.json"
+        "$cli" $command in.json --data-dir data >out 2>&1; status=$?
+        if [ $code = 999999 ]; then expect 2 "EPSG:999999 is not a coordinate system in PROJ's database"
+        else expect 2 "is not a projected system: corners need plane coordinates"; fi
+        [ -z "$(find data -type f 2>/dev/null)" ] || { echo "case $case: $command wrote into the data folder" >&2; exit 1; }
+      done
+    done ;;
   *) echo "no case $case" >&2; exit 1 ;;
 esac
