@@ -11,6 +11,8 @@
 #include <cstring>
 #include <optional>
 #include <set>
+#include <csignal>
+#include <charconv>
 
 #include "text/errors.h"
 
@@ -127,9 +129,21 @@ Target resolveTarget(const fs::path& file) {
   return {path, st};
 }
 
-// A program killed while writing leaves its hidden temporary file behind;
-// the first write into a folder removes those over a day old (never a
-// fresh one: another Tervalo may be writing it). Once per folder a run.
+// A program killed while writing leaves its hidden temporary files behind.
+// Each is named after the process writing it (".tervalo-PID-XXXXXX"), so
+// the first write into a folder removes at once those whose process is
+// gone, and any other over a day old (the kept old text of a failed
+// rewrite, ".tervalo-XXXXXX"; a name of a process that lives again).
+// Once per folder a run.
+std::optional<pid_t> writerOf(const std::string& name) {
+  const std::size_t dash = name.find('-', 9);
+  if (dash == std::string::npos || dash == 9 || name.size() != dash + 7) return std::nullopt;
+  pid_t pid = 0;
+  const auto [end, fault] = std::from_chars(name.data() + 9, name.data() + dash, pid);
+  if (fault != std::errc() || end != name.data() + dash || pid <= 0) return std::nullopt;
+  return pid;
+}
+
 void sweepLeftovers(const fs::path& folder) {
   static std::set<std::string> swept;
   if (!swept.insert(folder.string()).second) return;
@@ -137,9 +151,13 @@ void sweepLeftovers(const fs::path& folder) {
   const auto dayAgo = fs::file_time_type::clock::now() - std::chrono::hours(24);
   for (fs::directory_iterator it(folder, ec), end; !ec && it != end; it.increment(ec)) {
     const std::string name = it->path().filename().string();
-    if (name.size() != 15 || name.rfind(".tervalo-", 0) != 0) continue;
+    if (name.rfind(".tervalo-", 0) != 0) continue;
+    const auto writer = writerOf(name);
+    if (!writer && name.size() != 15) continue;
     std::error_code statError;
-    if (!it->is_regular_file(statError) || it->last_write_time(statError) >= dayAgo || statError) continue;
+    if (!it->is_regular_file(statError) || statError) continue;
+    const bool writerGone = writer && *writer != ::getpid() && ::kill(*writer, 0) != 0 && errno == ESRCH;
+    if (!writerGone && (it->last_write_time(statError) >= dayAgo || statError)) continue;
     fs::remove(it->path(), statError);
   }
 }
@@ -151,7 +169,7 @@ class PendingFile {
   explicit PendingFile(const fs::path& file) : named_(file), target_(resolveTarget(file)) {
     sweepLeftovers(target_.path.parent_path());
     // A short name of its own, so a target name at the file system's limit stays legal.
-    std::string temp = (target_.path.parent_path() / ".tervalo-XXXXXX").string();
+    std::string temp = (target_.path.parent_path() / (".tervalo-" + std::to_string(::getpid()) + "-XXXXXX")).string();
     const int fd = ::mkstemp(temp.data());
     if (fd < 0) cannotWrite(named_, errno);
     // An existing file keeps its permissions; a new one gets a new file's.
@@ -255,11 +273,7 @@ void commitOrSay(PendingFile& pending) {
 // an input/output error.
 int libraryWriteError(const fs::path& temp, int errorAfter) {
   if (errorAfter == ENOSPC || errorAfter == EDQUOT || errorAfter == EFBIG) return errorAfter;
-  struct statvfs fsInfo {};
-  if (::statvfs(temp.parent_path().c_str(), &fsInfo) == 0 &&
-      static_cast<unsigned long long>(fsInfo.f_bavail) * fsInfo.f_frsize < 64 * 1024)
-    return ENOSPC;
-  return EIO;
+  return diskFullAt(temp) ? ENOSPC : EIO;
 }
 
 // Each file written whole to its temporary file, durable when asked; none
@@ -318,6 +332,12 @@ bool sameFile(const fs::path& a, const fs::path& b) {
   if (!ea && !eb && ca == cb) return true;
   std::error_code ec;
   return fs::equivalent(a, b, ec) && !ec;
+}
+
+bool diskFullAt(const fs::path& temp) {
+  struct statvfs fsInfo {};
+  return ::statvfs(temp.parent_path().c_str(), &fsInfo) == 0 &&
+         static_cast<unsigned long long>(fsInfo.f_bavail) * fsInfo.f_frsize < 64 * 1024;
 }
 
 void writeFileWith(const fs::path& file, const std::function<bool(const fs::path&)>& write) {

@@ -30,6 +30,10 @@ void writeTextFile(const std::filesystem::path& file, const std::vector<std::str
 // only then does it replace the target. Anything it throws, or false, leaves
 // the target untouched.
 void writeFileWith(const std::filesystem::path& file, const std::function<bool(const std::filesystem::path&)>& write);
+// Whether the disk that holds `temp` is full: a library that failed there
+// (returning false from `write` then) failed for want of space, whatever
+// its own words were.
+bool diskFullAt(const std::filesystem::path& temp);
 
 // Writes `bytes` as they stand (no line-end changes), whole or not at all,
 // with the same respect for the target.

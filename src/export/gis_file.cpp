@@ -41,7 +41,13 @@ void writeGisFile(const CornerMap& map, const std::filesystem::path& file, const
   try {
     writeFileWith(file, [&](const std::filesystem::path& temp) {
       std::filesystem::remove(temp);  // GDAL makes the file itself
-      geo().writeGis(d, driver, temp);
+      try {
+        geo().writeGis(d, driver, temp);
+      } catch (const CrsError&) {
+        // GDAL names the SQL that failed; the surveyor is told the disk is full.
+        if (diskFullAt(temp)) return false;
+        throw;
+      }
       return true;
     });
   } catch (const CrsError& e) {

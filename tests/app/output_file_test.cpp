@@ -232,16 +232,24 @@ TEST(OutputFile, AHardLinkedFileOnAFullDiskKeepsItsOldTextUnderEveryName) {
   EXPECT_EQ(filesIn(dir.path()), 2u);  // nothing aside left behind
 }
 
-TEST(OutputFile, TemporaryFilesAKilledRunLeftOverADayAgoAreSweptByTheNextWrite) {
+TEST(OutputFile, TemporaryFilesOfAKilledRunGoAtTheNextWriteAndOthersOverADayOld) {
   namespace fs = std::filesystem;
   TempDir dir;
   const auto stale = dir.write(".tervalo-Ab12Cd", "half a file");
   fs::last_write_time(stale, fs::file_time_type::clock::now() - std::chrono::hours(25));
-  const auto fresh = dir.write(".tervalo-Ef34Gh", "another run's file in progress");
+  const auto fresh = dir.write(".tervalo-Ef34Gh", "kept old text of a failed rewrite");
   const auto kept = dir.write(".tervalo-notes.txt", "the user's own");
+  // A run killed a moment ago: its process is gone, so its files go at once.
+  const pid_t killed = ::fork();
+  if (killed == 0) ::_exit(0);
+  ::waitpid(killed, nullptr, 0);
+  const auto killedRuns = dir.write(".tervalo-" + std::to_string(killed) + "-Ij56Kl", "half a file");
+  const auto living = dir.write(".tervalo-1-Mn78Op", "another program's file in progress");  // init lives
   writeTextFile(dir.path() / "out.txt", {"x"});
   EXPECT_FALSE(fs::exists(stale));
+  EXPECT_FALSE(fs::exists(killedRuns));
   EXPECT_TRUE(fs::exists(fresh));
+  EXPECT_TRUE(fs::exists(living));
   EXPECT_TRUE(fs::exists(kept));
 }
 
