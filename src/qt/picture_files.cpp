@@ -2,13 +2,15 @@
 
 #include <QImage>
 #include <QPageSize>
+#include <QFont>
 #include <QPainter>
+#include <QPalette>
 #include <QPdfWriter>
 #include <cctype>
 
 #include "app/output_file.h"
 #include "qt/paper.h"
-#include "qt/picture_view.h"
+#include "qt/picture_paint.h"
 #include "text/errors.h"
 
 namespace tervalo {
