@@ -5,6 +5,18 @@
 
 namespace tervalo {
 
+PictureMark cornerMark(PicturePoint at, CornerKind kind) {
+  PictureMark m = markAt(at, kind == CornerKind::Restored ? Ink::Accent : kind == CornerKind::Computed ? Ink::Quiet : Ink::Main);
+  m.shape = kind == CornerKind::Restored ? Shape::Diamond : kind == CornerKind::Computed ? Shape::Circle : Shape::Square;
+  m.filled = kind != CornerKind::Computed;
+  m.radius = 4.5;
+  return m;
+}
+
+std::string cornerLegend(bool restored) {
+  return restored ? "\u25A0 entered   \u25CB computed   \u25C6 restored" : "\u25A0 entered   \u25CB computed";
+}
+
 double verticalExaggeration(double run, double rise) {
   const double wanted = run / 2.5 / std::max(rise, 1e-6);
   double f = 1;

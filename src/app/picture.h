@@ -45,8 +45,18 @@ inline PictureMark markAt(PicturePoint at, Ink ink = Ink::Main) {
   return m;
 }
 
+// A corner, by what the surveyor knows of it, in one symbol in every
+// picture: entered (found and typed or looked up) a filled square,
+// computed an open circle, restored a filled diamond.
+enum class CornerKind { Entered, Computed, Restored };
+PictureMark cornerMark(PicturePoint at, CornerKind kind);
+// The symbols in words, for a picture's caption.
+std::string cornerLegend(bool restored = true);
+
 // Where a label stands from its anchor.
-enum class Place { Above, Below, Right, Left, AboveRight };
+// Centre: over the anchor itself, in a clear space (a section's number in
+// the middle of a quarter-quarter).
+enum class Place { Above, Below, Right, Left, AboveRight, Centre };
 
 struct PictureText {
   PicturePoint at;  // the label's anchor, beside which it is written
@@ -59,6 +69,9 @@ struct PictureText {
   // Written only where it has room of its own beside its anchor, clear of
   // the drawing, else left out: a map's many names come as it is zoomed in.
   bool ifRoom = false;
+  // Other anchors a Centre label may stand on, in turn, where its own is
+  // not clear of the marks and the other labels.
+  std::vector<PicturePoint> elsewhere{};
 };
 
 struct Picture {

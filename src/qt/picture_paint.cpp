@@ -134,9 +134,13 @@ std::vector<PlacedLabel> placeLabels(const Picture& picture, const PictureFrame&
     const QPointF p = frame.at(m.at);
     markRooms.emplace_back(p.x() - m.radius, p.y() - m.radius, 2 * m.radius, 2 * m.radius);
   }
+  const auto clearOfMarks = [&](const QRectF& room) {
+    const QRectF r = room.adjusted(-1, -1, 1, 1);
+    return std::none_of(markRooms.begin(), markRooms.end(), [&](const QRectF& m) { return m.intersects(r); });
+  };
   const auto clearOfDrawing = [&](const QRectF& room) {
     const QRectF r = room.adjusted(-1, -1, 1, 1);
-    if (std::any_of(markRooms.begin(), markRooms.end(), [&](const QRectF& m) { return m.intersects(r); })) return false;
+    if (!clearOfMarks(room)) return false;
     const QLineF edges[] = {{r.topLeft(), r.topRight()}, {r.topRight(), r.bottomRight()},
                             {r.bottomRight(), r.bottomLeft()}, {r.bottomLeft(), r.topLeft()}};
     return std::none_of(strokes.begin(), strokes.end(), [&](const QLineF& s) {
@@ -176,13 +180,31 @@ std::vector<PlacedLabel> placeLabels(const Picture& picture, const PictureFrame&
       }
       continue;  // a length with no free room is left out rather than written over a name
     }
+    if (t.place == Place::Centre) {
+      // Over its anchor, or the first of its other anchors where it is clear
+      // of the drawing, else of the marks alone; where none is, over its own.
+      const auto centred = [&](const PicturePoint& at) {
+        const QPointF q = frame.at(at);
+        return QRectF(q.x() - width / 2, q.y() - height / 2, width, height);
+      };
+      std::vector<PicturePoint> anchors{t.at};
+      anchors.insert(anchors.end(), t.elsewhere.begin(), t.elsewhere.end());
+      std::optional<QRectF> chosen;
+      for (const bool clear : {true, false})
+        for (const PicturePoint& a : anchors)
+          if (!chosen && free(centred(a)) && (clear ? clearOfDrawing(centred(a)) : clearOfMarks(centred(a)))) chosen = centred(a);
+      if (!chosen && t.ifRoom) continue;
+      taken.push_back(chosen.value_or(centred(t.at)));
+      placed.push_back({i, taken.back(), 0});
+      continue;
+    }
     auto box = [&](Place place, double gap) {
       switch (place) {
         case Place::Above: return QRectF(p.x() - width / 2, p.y() - gap - height, width, height);
         case Place::Below: return QRectF(p.x() - width / 2, p.y() + gap, width, height);
         case Place::Left: return QRectF(p.x() - gap - width, p.y() - height / 2, width, height);
         case Place::AboveRight: return QRectF(p.x() + gap * 0.7, p.y() - gap * 0.7 - height, width, height);
-        case Place::Right: break;
+        case Place::Right: case Place::Centre: break;
       }
       return QRectF(p.x() + gap, p.y() - height / 2, width, height);
     };

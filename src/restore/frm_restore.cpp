@@ -22,6 +22,10 @@ std::optional<GivenControl>& controlOf(CornerEntry& c, std::size_t k) {
   return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west;
 }
 
+std::optional<Control>& controlOf(LostCorner& c, std::size_t k) {
+  return k == 0 ? c.north : k == 1 ? c.south : k == 2 ? c.east : c.west;
+}
+
 std::string shown(double v) { return CStr(v); }
 
 }  // namespace
@@ -135,6 +139,7 @@ void frmRestore::selectCorner(int row) {
     const auto& given = controlOf(const_cast<CornerEntry&>(c), k);
     ControlFields& f = controlFields[k];
     f.point.text = given ? given->point : "";
+    f.x.enabled = f.y.enabled = true;
     f.x.text = given && given->at ? shown(given->at->x) : "";
     f.y.text = given && given->at ? shown(given->at->y) : "";
     f.record.text = given ? shown(given->record) : "";
@@ -153,14 +158,21 @@ void frmRestore::fieldsToCorner() {
   c.index = Val(txtIndex.text);
   c.azimuth = txtAzimuth.text.empty() ? std::nullopt : angleFromText(txtAzimuth.text);
   for (std::size_t k = 0; k < controlFields.size(); ++k) {
-    const ControlFields& f = controlFields[k];
+    ControlFields& f = controlFields[k];
     auto& control = controlOf(c, k);
+    // X and Y shown greyed are what the last Restore looked up for the point:
+    // another point number makes them stale, and they are never typed ones.
+    if (!f.x.enabled && f.point.text != (control ? control->point : "")) {
+      f.x.text.clear();
+      f.y.text.clear();
+      f.x.enabled = f.y.enabled = true;
+    }
     if (f.point.text.empty() && f.x.text.empty() && f.y.text.empty() && f.record.text.empty()) {
       control.reset();
       continue;
     }
     control = GivenControl{f.point.text, std::nullopt, Val(f.record.text)};
-    if (!f.x.text.empty() || !f.y.text.empty()) control->at = Position{Val(f.x.text), Val(f.y.text)};
+    if (f.x.enabled && (!f.x.text.empty() || !f.y.text.empty())) control->at = Position{Val(f.x.text), Val(f.y.text)};
   }
   showCornerList();
 }
@@ -215,6 +227,18 @@ void frmRestore::showResult() {
                                        Format(o.restored->at.y, "0.0000") + "\nBy " + o.restored->text + "." +
                                        (file_.basisTrueNorth ? "\nBasis " + decimalToDmsCarried(o.basis) + " to true north at its controls." : "")
                                  : "Not restored: " + o.refused + ".";
+  // A control given by point number shows the X and Y the source file gave it, greyed.
+  CornerEntry& entry = file_.corners[static_cast<std::size_t>(current)];
+  LostCorner used = o.corner;
+  for (std::size_t k = 0; k < controlFields.size(); ++k) {
+    const auto& given = controlOf(entry, k);
+    const auto& found = controlOf(used, k);
+    if (!given || given->point.empty() || given->at || !found) continue;
+    ControlFields& f = controlFields[k];
+    f.x.text = Format(found->at.x, "0.0000");
+    f.y.text = Format(found->at.y, "0.0000");
+    f.x.enabled = f.y.enabled = false;
+  }
 }
 
 std::optional<Restored> frmRestore::restoredCorner() const {
@@ -293,9 +317,7 @@ Picture frmRestore::sketch() const {
       {&c.north, "N", Place::Above}, {&c.south, "S", Place::Below}, {&c.east, "E", Place::Below}, {&c.west, "W", Place::Above}};
   for (const auto& [control, direction, place] : controls) {
     if (!*control) continue;
-    PictureMark m = markAt(at((*control)->at));
-    m.shape = Shape::Square;
-    m.filled = true;
+    PictureMark m = cornerMark(at((*control)->at), CornerKind::Entered);
     m.tip = std::string("Found corner, ") + direction + " control, " + Format((*control)->record, "0.00") + " chains of record";
     p.marks.push_back(m);
     p.texts.push_back({at((*control)->at), std::string(direction) + ((*control)->point.empty() ? "" : " " + (*control)->point),
@@ -309,14 +331,14 @@ Picture frmRestore::sketch() const {
       m.tip = "Temporary point " + t.name;
       p.marks.push_back(m);
     }
-    PictureMark restored = markAt(at(o.restored->at), Ink::Accent);
-    restored.radius = 5;
+    PictureMark restored = cornerMark(at(o.restored->at), CornerKind::Restored);
     restored.tip = "Restored corner: " + o.restored->text;
     p.marks.push_back(restored);
     p.texts.push_back({at(o.restored->at), c.name, Ink::Accent, Place::AboveRight});
   }
   p.mapUnits = file_.units == "m" ? "m" : "ft";
-  p.caption = c.name + (o.restored ? std::string(", ") + methodName(o.restored->method) + " proportion" : ", not restored");
+  p.caption = c.name + (o.restored ? std::string(", ") + methodName(o.restored->method) + " proportion" : ", not restored") +
+              "\n\u25A0 control   \u25C6 restored   \u25CB temporary point";
   return p;
 }
 

@@ -42,7 +42,7 @@ class frmRestore : public FormModel {
   TextBox txtName;
   Label lblMethod{"Method"};
   ComboBox cmbMethod{"auto", {"auto", "single", "double", "three-point", "two-point", "one-point"}};
-  Label lblIndex{"Index"};
+  Label lblIndex{"Chain index"};
   TextBox txtIndex{"1"};
   Label lblAzimuth{"Record azimuth (one-point)"};
   TextBox txtAzimuth;

@@ -84,7 +84,10 @@ class RestoreView : public FormDialog {
     field("lblName", edit("txtName", corner), 0);
     field("lblMethod", combo("cmbMethod", false, corner), 3);
     ++row;
-    field("lblIndex", edit("txtIndex", corner), 0);
+    QLineEdit* index = edit("txtIndex", corner);
+    index->setToolTip("Scales the record chains used as lengths (three-, two- and one-point control), "
+                      "for a known chain-length correction; 1 for none.");
+    field("lblIndex", index, 0);
     field("lblAzimuth", edit("txtAzimuth", corner), 3);
     ++row;
     const char* captions[] = {"lblPointCaption", "lblXCaption", "lblYCaption", "lblRecordCaption"};
@@ -102,6 +105,7 @@ class RestoreView : public FormDialog {
       }
       ++row;
     }
+    grid->setRowStretch(row, 1);  // the rows stay under their column headers, the room below them
     cornersRow->addWidget(corner, 3);
     left->addLayout(cornersRow, 1);
 

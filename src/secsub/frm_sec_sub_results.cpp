@@ -101,8 +101,11 @@ Picture frmSecSub::drawing() const {
     tips[i] = labels[i] + " (" + kSlotTitles[i] + ")\nX " + coordinateText(record.slots[i].x) + "  Y " +
               coordinateText(record.slots[i].y) + "\n" + why(s);
   }
+  std::array<bool, slot::count> restored{};
+  for (std::size_t i = 0; i < restored.size(); ++i) restored[i] = origins[i].kind == CornerOrigin::Kind::Restored;
   return sectionDrawing({.record = record,
                          .computed = computed,
+                         .restored = restored,
                          .labels = labels,
                          .tips = tips,
                          .coincidences = notices.coincidences,

@@ -1,5 +1,6 @@
 #include "secsub_out/drawing.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -41,8 +42,11 @@ Picture sectionDrawing(const DrawingInput& in) {
   for (int s = 0; s < slot::count; ++s) {
     if (!present(s)) continue;
     const auto i = static_cast<std::size_t>(s);
-    d.marks.push_back({at(s), in.computed[i] ? Ink::Alert : Ink::Main, in.computed[i] ? Shape::Circle : Shape::Square,
-                       !in.computed[i], 4.5, in.tips[i]});
+    PictureMark mark = cornerMark(at(s), in.restored[i]   ? CornerKind::Restored
+                                         : in.computed[i] ? CornerKind::Computed
+                                                          : CornerKind::Entered);
+    mark.tip = in.tips[i];
+    d.marks.push_back(std::move(mark));
     if (named[i]) continue;
     std::string label = in.labels[i];
     for (int other = s + 1; other < slot::count; ++other) {
@@ -61,7 +65,7 @@ Picture sectionDrawing(const DrawingInput& in) {
     d.marks.push_back({at(c.slot), Ink::Alert, Shape::Circle, false, 11, {}});
     on += (on.empty() ? "" : ", ") + std::to_string(c.slot) + (c.computed ? " on " : " = ") + std::to_string(c.onSlot);
   }
-  d.caption = in.title + "    \u25A0 entered   \u25CB computed";
+  d.caption = in.title + "    " + cornerLegend(std::find(in.restored.begin(), in.restored.end(), true) != in.restored.end());
   if (!on.empty()) d.caption += "\nCoincident corners: " + on;
   return d;
 }

@@ -1,7 +1,8 @@
 #pragma once
 // A picture of the subdivided section: its section, quarter and sixteenth
 // lines between the present corners, each corner marked (entered ones
-// filled squares, computed ones open circles) and labelled with its point
+// filled squares, computed ones open circles, restored ones filled
+// diamonds) and labelled with its point
 // number; north up, true to scale, in feet.
 
 #include <array>
@@ -17,6 +18,7 @@ namespace tervalo {
 struct DrawingInput {
   const SectionRecord& record;
   const std::array<bool, slot::count>& computed;
+  std::array<bool, slot::count> restored{};  // held as restored by proportion
   const std::array<std::string, slot::count>& labels;  // each corner's name
   std::array<std::string, slot::count> tips;            // what each mark is, for its tooltip
   std::vector<Coincidence> coincidences;                 // ringed, named under the title

@@ -287,12 +287,20 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       sumX += c.x, sumY += c.y;
     }
     if (outline.boundary.empty()) continue;
-    const double n = static_cast<double>(outline.boundary.size());
-    outline.labelAt = {sumX / n, sumY / n};
-    // In the middle of the north-west quarter-quarter where its corners are there, clear of the center's corner.
+    // The middle of each quarter-quarter whose four corners are there (the
+    // slots run west to east, north to south, five to a row): the four round
+    // the center, then the others from the north-west.
     const auto& sl = run.record.slots;
-    if (sl[0].x != 0 && sl[1].x != 0 && sl[5].x != 0 && sl[6].x != 0)
-      outline.labelAt = {(sl[0].x + sl[1].x + sl[5].x + sl[6].x) / 4, (sl[0].y + sl[1].y + sl[5].y + sl[6].y) / 4};
+    constexpr int kQuarterQuarters[] = {6, 7, 11, 12, 0, 3, 15, 18, 1, 2, 5, 8, 10, 13, 16, 17};
+    for (int nw : kQuarterQuarters) {
+      const int four[] = {nw, nw + 1, nw + 5, nw + 6};
+      if (std::any_of(std::begin(four), std::end(four), [&sl](int s) { return sl[static_cast<std::size_t>(s)].x == 0; })) continue;
+      double x = 0, y = 0;
+      for (int s : four) x += sl[static_cast<std::size_t>(s)].x / 4, y += sl[static_cast<std::size_t>(s)].y / 4;
+      outline.labelSpots.emplace_back(x, y);
+    }
+    const double n = static_cast<double>(outline.boundary.size());
+    outline.labelSpots.emplace_back(sumX / n, sumY / n);  // no quarter-quarter whole: the middle of its corners
     out.outlines.push_back(std::move(outline));
   }
   for (const char* group : kFeatureGroups)

@@ -43,12 +43,14 @@ struct StoppedSection {
 };
 
 // A completed section's boundary, for the township's map: its present
-// boundary corners in order round it, and where its number is written.
+// boundary corners in order round it, and where its number may be written,
+// best first: the middles of its quarter-quarters, those round its center
+// first, clear of every corner.
 struct SectionOutline {
   int row = 0;  // 0-based row of the plan
   std::string section;
   std::vector<std::pair<double, double>> boundary;  // x, y
-  std::pair<double, double> labelAt;
+  std::vector<std::pair<double, double>> labelSpots;
 };
 
 struct TownshipOutcome {

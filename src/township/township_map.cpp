@@ -46,16 +46,19 @@ Picture townshipMap(const TownshipOutcome& out, int selectedRow) {
     for (const auto& [x, y] : o.boundary) outline.points.push_back({x, y});
     outline.points.push_back(outline.points.front());
     p.lines.push_back(std::move(outline));
-    p.texts.push_back({{o.labelAt.first, o.labelAt.second}, "SEC " + o.section, o.row == selectedRow ? Ink::Accent : Ink::Main,
-                       Place::Above});
+    // Its number inside it, as a plat writes it, clear of every corner.
+    PictureText number{{o.labelSpots[0].first, o.labelSpots[0].second}, o.section, o.row == selectedRow ? Ink::Accent : Ink::Main,
+                       Place::Centre};
+    for (std::size_t i = 1; i < o.labelSpots.size(); ++i) number.elsewhere.push_back({o.labelSpots[i].first, o.labelSpots[i].second});
+    p.texts.push_back(std::move(number));
   }
   std::map<std::string, double> apart;  // the disagreeing corners by name
   for (const Disagreement& d : out.disagreements) apart[d.name] = d.difference;
   // Each corner by its status, its number beside it where there is room.
   for (const MapPoint& c : out.map.points) {
-    PictureMark m = markAt(at(c), c.status == "restored" ? Ink::Accent : c.status == "computed" ? Ink::Quiet : Ink::Main);
-    m.shape = c.status == "restored" ? Shape::Diamond : c.status == "computed" ? Shape::Circle : Shape::Square;
-    m.filled = c.status != "computed";
+    PictureMark m = cornerMark(at(c), c.status == "restored"   ? CornerKind::Restored
+                                      : c.status == "computed" ? CornerKind::Computed
+                                                               : CornerKind::Entered);
     m.tip = c.name + (c.number.empty() ? "" : "  point " + c.number);
     for (std::size_t i = 0; i < c.otherNumbers.size(); ++i) m.tip += (i == 0 ? " (also " : " ") + c.otherNumbers[i];
     if (!c.otherNumbers.empty()) m.tip += ")";
@@ -78,7 +81,7 @@ Picture townshipMap(const TownshipOutcome& out, int selectedRow) {
     p.marks.push_back(std::move(ring));
     p.texts.insert(p.texts.begin(), {at(c), Format(d.difference, "0.000") + " ft", Ink::Alert, Place::Right});
   }
-  p.caption = out.map.title + "\n\u25A0 entered   \u25CB computed   \u25C6 restored   \u25EF apart by more than " +
+  p.caption = out.map.title + "\n" + cornerLegend() + "   \u25EF apart by more than " +
               Format(kAgreement, "0.00") + " ft";
   return p;
 }

@@ -16,14 +16,23 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string coordinate(double v) { return Format(v, "0.0000"); }
-std::string length(double v) { return Format(v, "0.000"); }
-std::string signedLength(double v) { return (v >= 0 ? "+" : "") + Format(v, "0.000"); }
-std::string seconds(double v) { return (v >= 0 ? "+" : "") + Format(v, "0.0") + "\""; }
+// A number to its places, and no sign where those places show nothing:
+// a residual of -0.00004 is 0.000, not -0.000.
+std::string fixed(double v, const char* pattern) {
+  std::string text = Format(v, pattern);
+  if (text.size() > 1 && text[0] == '-' && text.find_first_not_of("0.", 1) == std::string::npos) text.erase(0, 1);
+  return text;
+}
+
+std::string coordinate(double v) { return fixed(v, "0.0000"); }
+std::string length(double v) { return fixed(v, "0.000"); }
+std::string withSign(const std::string& text) { return text[0] == '-' ? text : "+" + text; }
+std::string signedLength(double v) { return withSign(fixed(v, "0.000")); }
+std::string seconds(double v) { return withSign(fixed(v, "0.0")) + "\""; }
 
 // 12045 as "12,045".
 std::string grouped(double v) {
-  const std::string digits = Format(v, "0");
+  const std::string digits = fixed(v, "0");
   std::string out;
   for (std::size_t i = 0; i < digits.size(); ++i) {
     if (i > 0 && (digits.size() - i) % 3 == 0) out += ',';
@@ -112,7 +121,7 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
   out.emplace_back("");
   if (in.ground) {
     out.push_back("  GRID AND GROUND: ground distances reduced to the grid of " + crsTitle(in.crs));
-    out.push_back(in.crs.elevation ? "  Project elevation " + Format(*in.crs.elevation, "0.0") + " " + unit +
+    out.push_back(in.crs.elevation ? "  Project elevation " + fixed(*in.crs.elevation, "0.0") + " " + unit +
                                          " (ellipsoid height); each course's combined factor from its ends and middle, 1:4:1"
                                    : "  No project elevation: the grid scale factor alone; each course's from its ends and middle, 1:4:1");
     out.push_back("  " + leftJustify("From", name) + leftJustify("To", name) + rightJustify("Ground", 12) + rightJustify("Combined", 13) +
@@ -120,7 +129,7 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
     for (std::size_t k = 0; k < r.courses.size(); ++k) {
       const CourseResult& x = r.courses[k];
       out.push_back("  " + leftJustify(x.from, name) + leftJustify(x.to, name) + rightJustify(length(x.distance / in.courses[k].factor), 12) +
-                    rightJustify(Format(in.courses[k].factor, "0.00000000"), 13) + rightJustify(length(x.distance), 12));
+                    rightJustify(fixed(in.courses[k].factor, "0.00000000"), 13) + rightJustify(length(x.distance), 12));
     }
     out.emplace_back("");
   }
@@ -137,7 +146,7 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
     out.push_back("  Angular misclosure: none found (no direction known at the end)");
   }
   out.push_back("  Misclosure (computed end less known end): latitude " + signedLength(c.lat) + "  departure " + signedLength(c.dep));
-  out.push_back("  Linear misclosure " + Format(c.length, "0.0000") + " " + unit + " toward " +
+  out.push_back("  Linear misclosure " + fixed(c.length, "0.0000") + " " + unit + " toward " +
                 (c.length > 0 ? bearingText(c.direction) : std::string("nowhere")));
   out.push_back("  Precision " + (c.precision ? "1:" + grouped(*c.precision) : std::string("exact (no misclosure)")));
   out.emplace_back("");
@@ -164,8 +173,8 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
                        rightJustify(coordinate(s.unadjusted.y), 15) + rightJustify(coordinate(s.adjusted.x), 15) +
                        rightJustify(coordinate(s.adjusted.y), 15);
     if (s.ellipse)
-      line += rightJustify(Format(s.ellipse->sigmaX, "0.000"), 8) + rightJustify(Format(s.ellipse->sigmaY, "0.000"), 8) +
-              rightJustify(Format(s.ellipse->major, "0.000"), 8) + rightJustify(Format(s.ellipse->minor, "0.000"), 8) +
+      line += rightJustify(fixed(s.ellipse->sigmaX, "0.000"), 8) + rightJustify(fixed(s.ellipse->sigmaY, "0.000"), 8) +
+              rightJustify(fixed(s.ellipse->major, "0.000"), 8) + rightJustify(fixed(s.ellipse->minor, "0.000"), 8) +
               rightJustify(decimalToDmsCarried(s.ellipse->azimuth), 15);
     else if (ellipses)
       line += "    held";
@@ -176,10 +185,10 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
     out.emplace_back("");
     out.push_back("  LEAST SQUARES: " + std::to_string(ls.residuals.size()) + " observations, redundancy " +
                   std::to_string(ls.redundancy) + ", " + std::to_string(ls.iterations) + " iterations");
-    out.push_back("  Standard errors given: angles " + Format(in.sigmaAngle, "0.0") + "\", distances " +
-                  Format(in.sigmaDistance, "0.000") + " " + unit + " + " + Format(in.ppm, "0.0") + " ppm");
-    out.push_back(ls.redundancy > 0 ? "  Reference variance " + Format(ls.referenceVariance, "0.000") + " (standard error of unit weight " +
-                                          Format(std::sqrt(ls.referenceVariance), "0.000") + ")"
+    out.push_back("  Standard errors given: angles " + fixed(in.sigmaAngle, "0.0") + "\", distances " +
+                  fixed(in.sigmaDistance, "0.000") + " " + unit + " + " + fixed(in.ppm, "0.0") + " ppm");
+    out.push_back(ls.redundancy > 0 ? "  Reference variance " + fixed(ls.referenceVariance, "0.000") + " (standard error of unit weight " +
+                                          fixed(std::sqrt(ls.referenceVariance), "0.000") + ")"
                                     : "  No redundancy: the errors are those given, the residuals zero");
     int label = 12;
     for (const Residual& v : ls.residuals) label = std::max(label, static_cast<int>(textLength(v.observation)) + 2);
@@ -287,9 +296,9 @@ std::pair<std::filesystem::path, std::filesystem::path> traverseOutputs(const st
 
 std::string closureSummary(const TraverseInput& in, const TraverseResult& r) {
   const Closure& c = r.closure;
-  return "Misclosure " + Format(c.length, "0.0000") + " " + (in.units == "m" ? "m" : "ft") + ", precision " +
+  return "Misclosure " + fixed(c.length, "0.0000") + " " + (in.units == "m" ? "m" : "ft") + ", precision " +
          (c.precision ? "1:" + grouped(*c.precision) : std::string("exact")) +
-         (c.angular ? ", angular " + Format(*c.angular, "0.0") + "\"" : std::string()) + "; " +
+         (c.angular ? ", angular " + fixed(*c.angular, "0.0") + "\"" : std::string()) + "; " +
          (r.rule == AdjustRule::None ? std::string("not adjusted.") : std::string("adjusted by ") + ruleTitle(r.rule) + ".");
 }
 
@@ -330,9 +339,7 @@ Picture traverseSketch(const TraverseInput& in, const TraverseResult& r) {
   PictureLine courses{path, Ink::Main, false, true, "the traverse as adjusted"};
   p.lines.push_back(courses);
   for (const StationResult& s : r.stations) {
-    PictureMark m = markAt({s.adjusted.x, s.adjusted.y}, s.known ? Ink::Main : Ink::Accent);
-    m.shape = s.known ? Shape::Square : Shape::Circle;
-    m.filled = s.known;
+    PictureMark m = cornerMark({s.adjusted.x, s.adjusted.y}, s.known ? CornerKind::Entered : CornerKind::Computed);
     m.tip = s.name + (s.known ? " (held)" : "") + "\nX " + coordinate(s.adjusted.x) + "  Y " + coordinate(s.adjusted.y);
     p.marks.push_back(m);
     p.texts.push_back({{s.adjusted.x, s.adjusted.y}, s.name, Ink::Main, Place::AboveRight});
@@ -364,12 +371,12 @@ Picture traverseSketch(const TraverseInput& in, const TraverseResult& r) {
     const StationResult& end = r.stations.back().known && !c.loop ? r.stations.back() : r.stations.front();
     const PicturePoint from{end.adjusted.x, end.adjusted.y};
     const PicturePoint to{from.x + c.dep * enlarge, from.y + c.lat * enlarge};
-    p.lines.push_back({{from, to}, Ink::Alert, false, true, "misclosure " + Format(c.length, "0.000") + " " + p.mapUnits});
+    p.lines.push_back({{from, to}, Ink::Alert, false, true, "misclosure " + fixed(c.length, "0.000") + " " + p.mapUnits});
     PictureMark tip = markAt(to, Ink::Alert);
     tip.radius = 3;
     tip.filled = true;
     p.marks.push_back(tip);
-    p.texts.insert(p.texts.begin(), {to, "misclosure " + Format(c.length, "0.000") + " " + p.mapUnits + " (x" + Format(enlarge, "0") + ")",
+    p.texts.insert(p.texts.begin(), {to, "misclosure " + fixed(c.length, "0.000") + " " + p.mapUnits + " (x" + fixed(enlarge, "0") + ")",
                                      Ink::Alert, Place::Right});
   }
   p.caption = "Traverse from " + in.start.point + ", " + ruleTitle(r.rule) +

@@ -9,6 +9,7 @@
 #include <QRadioButton>
 #include <QApplication>
 #include <QLineF>
+#include <QPolygonF>
 #include <algorithm>
 #include <cmath>
 #include <QImage>
@@ -16,6 +17,8 @@
 #include <QTest>
 
 #include "app/frm_main.h"
+#include "township/township.h"
+#include "township/township_map.h"
 #include "hcurve/curve_sketch.h"
 #include "vcurve/profile_sketch.h"
 #include "app/program.h"
@@ -87,6 +90,41 @@ class CurveWindow : public QObject {
                                  stroke.intersects({r.topRight(), r.bottomLeft()}, nullptr) == QLineF::BoundedIntersection;
             QVERIFY2(!crosses, text.c_str());
           }
+      }
+    }
+  }
+
+  // A township map as the window shows it: every section's number inside
+  // its section, clear of every corner's symbol; no label over another,
+  // nor over a corner the sections put apart.
+  void aTownshipsNumbersStandInsideTheirSectionsClearOfCornersAndLabels() {
+    for (const char* plan : {"township.plan.json", "township-restored.plan.json"}) {
+      TempDir dir;
+      const TownshipOutcome out = runTownship(readPlanFile(std::string(TERVALO_SOURCE_DIR) + "/examples/" + plan),
+                                              RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+      const Picture map = townshipMap(out, 1);
+      for (const QRectF area : {QRectF(0, 0, 620, 320), QRectF(0, 0, 1200, 700)}) {
+        const QFontMetricsF metrics(QApplication::font());
+        const PictureFrame frame = pictureFrame(map, area, QApplication::font());
+        const std::vector<PlacedLabel> placed = placeLabels(map, frame, area, metrics);
+        int numbers = 0;
+        for (const PlacedLabel& label : placed) {
+          const PictureText& text = map.texts[label.index];
+          for (const PlacedLabel& other : placed)
+            QVERIFY2(&other == &label || !other.box.intersects(label.box), (text.text + " over " + map.texts[other.index].text).c_str());
+          if (text.place != Place::Centre) continue;
+          ++numbers;
+          for (const PictureMark& m : map.marks) {
+            const QPointF c = frame.at(m.at);
+            QVERIFY2(!label.box.intersects(QRectF(c.x() - m.radius, c.y() - m.radius, 2 * m.radius, 2 * m.radius)),
+                     (std::string(plan) + ": section " + text.text + " over a corner: " + m.tip).c_str());
+          }
+          const auto outline = std::find_if(out.outlines.begin(), out.outlines.end(), [&](const SectionOutline& o) { return o.section == text.text; });
+          QPolygonF boundary;
+          for (const auto& [x, y] : outline->boundary) boundary << frame.at({x, y});
+          QVERIFY2(boundary.containsPoint(label.box.center(), Qt::OddEvenFill), text.text.c_str());
+        }
+        QCOMPARE(numbers, 4);
       }
     }
   }

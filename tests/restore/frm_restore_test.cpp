@@ -27,6 +27,10 @@ TEST(RestoreWindow, TheExampleIsRestoredEditedSavedAndReported) {
   EXPECT_EQ(form.lblResult.caption.rfind("Restored at X 517623.5350  Y 284593.4750\nBy double proportion", 0), 0u)
       << form.lblResult.caption;
   EXPECT_EQ(form.sketch().marks.size(), 4u + 2u + 1u);  // four controls, two temporary points, the restored corner
+  // A control given by point number shows what the source gave it, greyed: never taken as typed.
+  EXPECT_EQ(form.controlFields[3].x.text, "514981.4890");
+  EXPECT_FALSE(form.controlFields[3].x.enabled);
+  EXPECT_FALSE(form.file().corners[0].west->at);
 
   // The west control typed as X and Y, 40.5 chains of record: the result moves with it.
   form.typeText("txtWestPoint", "");

@@ -98,7 +98,7 @@ TEST_F(Township, AChainThatDiffersAcrossASharedLineIsReported) {
   const Picture map = townshipMap(out, 1);
   EXPECT_EQ(std::count_if(map.lines.begin(), map.lines.end(), [](const PictureLine& l) { return l.tip.rfind("Section ", 0) == 0; }), 4);
   EXPECT_EQ(std::count_if(map.lines.begin(), map.lines.end(), [](const PictureLine& l) { return l.ink == Ink::Accent && l.heavy; }), 1);
-  EXPECT_EQ(std::count_if(map.texts.begin(), map.texts.end(), [](const PictureText& t) { return t.text.rfind("SEC ", 0) == 0; }), 4);
+  EXPECT_EQ(std::count_if(map.texts.begin(), map.texts.end(), [](const PictureText& t) { return t.place == Place::Centre; }), 4);
   const auto rings = std::count_if(map.marks.begin(), map.marks.end(), [](const PictureMark& m) { return m.ink == Ink::Alert; });
   EXPECT_EQ(rings, 1);
   EXPECT_EQ(map.marks.size() - static_cast<std::size_t>(rings), out.map.points.size());

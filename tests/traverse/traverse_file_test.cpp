@@ -94,6 +94,11 @@ TEST(RawFile, TheAdjustedPointsAreASourceFile) {
   EXPECT_EQ(points.records[0].name, "1001");
   EXPECT_EQ(points.records[9].name, "102");  // the side shots after the stations
   EXPECT_NE(std::find(run.report.begin(), run.report.end(), "  Raw file: line 6: a GPS record, not used"), run.report.end());
+  // Corrections that round to nothing carry no sign.
+  for (const std::string& line : run.report) EXPECT_EQ(line.find("-0.000 "), std::string::npos) << line;
+  EXPECT_NE(std::find(run.report.begin(), run.report.end(),
+                      "  1001  1002       +0.000     +0.002      +9.714   +2639.939    2639.957   89\u00B047'21.02\""),
+            run.report.end());
 }
 
 }  // namespace
