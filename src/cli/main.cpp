@@ -142,6 +142,15 @@ int run(int argc, char** argv) {
   auto* traverseCmd = addCommand("traverse", "Close and adjust a traverse from a traverse file or a data collector's raw file (.rw5).",
                                  "file", "The traverse file (JSON) or raw file (.rw5)", traverse, "the report",
                                  "The data folder the report and the adjusted points go to");
+  tervalo::RawCommandOptions rawOptions;
+  int rawEpsg = 0;
+  std::string rawFoot;
+  traverseCmd->add_option("--tolerance", rawOptions.tolerance,
+                          "A raw file's tolerance in seconds for a set's spread, a check shot and a second backsight (10)")
+      ->check(CLI::PositiveNumber);
+  traverseCmd->add_option("--epsg", rawEpsg, "A raw file's coordinate system, by EPSG code: its GNSS points are placed on its grid");
+  traverseCmd->add_option("--foot", rawFoot, "With --epsg on a system in metres: the coordinates' foot, us or international")
+      ->check(CLI::IsMember({"us", "international"}));
   traverseCmd->add_option("--export", traverse.exports,
                           "Also export the adjusted traverse to FILE, its kind by the ending (.csv .txt .xml .dxf .gpkg .geojson .kml); "
                           "a name without a folder lies in the data folder");
@@ -180,10 +189,21 @@ int run(int argc, char** argv) {
     return fileCommand(restore, [&](const std::string& folder, const tervalo::Date& today) {
       return tervalo::restoreCommand(restore.job, restore.json, folder, today, std::cout, std::cerr);
     });
-  if (traverseCmd->parsed())
+  if (traverseCmd->parsed()) {
+    if (rawEpsg != 0) {
+      try {
+        nlohmann::ordered_json crs{{"epsg", rawEpsg}};
+        if (!rawFoot.empty()) crs["foot"] = rawFoot;
+        rawOptions.crs = tervalo::usableCrsFromJson(crs);
+      } catch (const tervalo::CrsError& e) {
+        std::cerr << "tervalo-cli: --epsg: " << e.what() << "\n";
+        return kUsage;
+      }
+    }
     return fileCommand(traverse, [&](const std::string& folder, const tervalo::Date& today) {
-      return tervalo::traverseCommand(traverse.job, traverse.exports, traverse.json, folder, today, std::cout, std::cerr);
+      return tervalo::traverseCommand(traverse.job, traverse.exports, traverse.json, folder, today, std::cout, std::cerr, rawOptions);
     });
+  }
   return kUsage;
 }
 

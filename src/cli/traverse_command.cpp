@@ -1,5 +1,6 @@
 #include "cli/traverse_command.h"
 
+#include <cmath>
 #include <filesystem>
 #include <ostream>
 
@@ -12,24 +13,115 @@
 #include "text/errors.h"
 #include "traverse/traverse_file.h"
 #include "traverse/traverse_report.h"
+#include "export/section_points.h"
+#include "text/format.h"
+#include "text/input_file.h"
+#include "traverse/raw_survey.h"
+#include "traverse/rw5.h"
 
 namespace tervalo {
+namespace {
+
+constexpr double kAllowablePrecision = 5000;  // 1:5,000
+
+bool isRawFile(const std::string& name) {
+  std::string ending = std::filesystem::path(name).extension().string();
+  for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return ending == ".rw5";
+}
+
+void exportTo(const CornerMap& map, const std::vector<std::string>& exports, const std::string& dataFolder, const Date& today,
+              nlohmann::ordered_json& files) {
+  for (const std::string& wanted : exports) {
+    std::filesystem::path file(wanted);
+    if (!file.has_parent_path()) file = std::filesystem::path(dataFolder) / file;
+    writeMapFile(map, file, today);
+    files.push_back(std::filesystem::absolute(file).lexically_normal().string());
+  }
+}
+
+// A raw file with no traverse in it: every setup and shot reduced radially.
+int radialCommand(const std::string& name, const RawRecords& records, const std::vector<std::string>& exports, bool json,
+                  const std::string& dataFolder, const Date& today, std::ostream& out, std::ostream& err, const RawCommandOptions& raw) {
+  nlohmann::ordered_json messages = nlohmann::ordered_json::array(), files = nlohmann::ordered_json::array();
+  RawSurvey survey;
+  try {
+    for (const std::string& wanted : exports) checkMapFileName(wanted);
+    survey = reduceRadial(records, {raw.tolerance, raw.crs, std::filesystem::path(name).filename().string()});
+    // "job.rw5" writes "job-raw.rpt", "job-points.txt" (the program's points) and "job-points.csv" (PNEZD, with elevations).
+    const std::string stem = std::filesystem::path(name).stem().string();
+    const std::filesystem::path folder(dataFolder);
+    CornerMap map = rawMap(survey, records.job.empty() ? stem : records.job);
+    map.system = mapSystem(raw.crs);
+    std::vector<std::string> points;
+    for (const RawPoint& p : survey.points)
+      points.push_back(p.name + "," + Format(p.at.x, "0.0000") + "," + Format(p.at.y, "0.0000") + ",," + p.description);
+    const std::vector<std::pair<std::filesystem::path, std::vector<std::string>>> written{
+        {folder / (stem + "-raw.rpt"), survey.report}, {folder / (stem + "-points.txt"), points}, {folder / (stem + "-points.csv"), pnezdLines(map)}};
+    writeTextFiles(written);
+    for (const auto& [path, lines] : written) files.push_back(std::filesystem::absolute(path).lexically_normal().string());
+    exportTo(map, exports, dataFolder, today, files);
+  } catch (const ExportError& e) {
+    messages.push_back(e.what());
+  } catch (const CrsError& e) {
+    messages.push_back(e.what());
+  } catch (const RunTimeError& e) {
+    messages.push_back(std::string("Run-time Error: ") + e.what());
+  }
+  for (const std::string& r : survey.refused) messages.push_back("Not reduced: " + r + ".");
+  for (const std::string& f : survey.flagged) messages.push_back("Beyond tolerance: " + f + ".");
+  printFileAnswer(out, err, json, survey.json, survey.report, messages, files);
+  if (!files.empty() && (!survey.refused.empty() || !survey.flagged.empty())) return kExitCriticalBox;
+  return messages.empty() ? 0 : kExitEnded;
+}
+
+}  // namespace
 
 int traverseCommand(const std::string& name, const std::vector<std::string>& exports, bool json, const std::string& dataFolder,
-                    const Date& today, std::ostream& out, std::ostream& err) {
+                    const Date& today, std::ostream& out, std::ostream& err, const RawCommandOptions& raw) {
   TraverseInput input;
+  std::vector<std::string> setLines, flagged;
   try {
-    input = readTraverseFile(name);
+    if (isRawFile(name)) {
+      RawRecords records;
+      try {
+        records = readRawRecords(readInputFile(name));
+      } catch (const InputFileError& e) {
+        throw TraverseFileError("\"" + name + "\" " + e.what());
+      }
+      if (records.recognised == 0)
+        throw TraverseFileError("it is not a data collector's raw file: none of its " + std::to_string(records.records) +
+                                " lines is a raw record (JB, MO, SP, OC, BK, LS, TR, SS, BD, BR, FD, FR, GPS)");
+      if (records.setups.empty() && !records.gnss.empty() && raw.crs.none())
+        throw TraverseFileError("the raw file holds only GNSS points (" + std::to_string(records.gnss.size()) +
+                                (records.gnss.size() == 1 ? " GPS record" : " GPS records") + ") and no coordinate system to place them on: give one with --epsg");
+      if (!recordsATraverse(records))
+        return radialCommand(name, records, exports, json, dataFolder, today, out, err, raw);
+      input = traverseOfRecords(records);
+      setLines = setChecks(records, raw.tolerance, flagged);
+    } else {
+      input = readTraverseFile(name);
+    }
   } catch (const TraverseFileError& e) {
     err << "tervalo-cli: " << name << ": " << e.what() << "\n";
     return kExitUsage;
   }
   nlohmann::ordered_json messages = nlohmann::ordered_json::array(), files = nlohmann::ordered_json::array();
   TraverseRun run;
+  std::string failing;
   try {
     // A misnamed export is refused before anything is written.
     for (const std::string& wanted : exports) checkMapFileName(wanted);
     run = runTraverse(input, formatShortDate(today));
+    // A raw file's sets and, beyond the allowable misclosure, a blunder said, never adjusted silently.
+    for (const std::string& l : setLines) run.report.push_back("  " + l);
+    const auto& precision = run.result.closure.precision;
+    if (isRawFile(name) && precision && *precision < kAllowablePrecision) {
+      failing = "The traverse misclosure of 1:" + std::to_string(std::llround(*precision)) + " is worse than the allowable 1:5,000: a blunder "
+                "is likely (a wrong backsight, a bust shot); the adjusted points are written, marked as failing.";
+      run.report.push_back("  ** FAILING: " + failing + " **");
+      run.json["failing"] = failing;
+    }
     // "loop.traverse.json" writes "loop-traverse.rpt" and "loop-adjusted.txt".
     std::string stem = std::filesystem::path(name).stem().string();
     if (stem.ends_with(".traverse")) stem.erase(stem.size() - 9);
@@ -40,12 +132,7 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
     if (!exports.empty()) {
       CornerMap map = traverseMap(input, run.result);
       map.system = mapSystem(input.crs);
-      for (const std::string& wanted : exports) {
-        std::filesystem::path file(wanted);
-        if (!file.has_parent_path()) file = std::filesystem::path(dataFolder) / file;
-        writeMapFile(map, file, today);
-        files.push_back(std::filesystem::absolute(file).lexically_normal().string());
-      }
+      exportTo(map, exports, dataFolder, today, files);
     }
   } catch (const ExportError& e) {
     messages.push_back(e.what());
@@ -58,7 +145,10 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
   } catch (const RunTimeError& e) {
     messages.push_back(std::string("Run-time Error: ") + e.what());
   }
+  if (!failing.empty()) messages.push_back(failing);
+  for (const std::string& f : flagged) messages.push_back("Beyond tolerance: " + f + ".");
   printFileAnswer(out, err, json, run.json, run.report, messages, files);
+  if (!files.empty() && (!failing.empty() || !flagged.empty())) return kExitCriticalBox;
   return messages.empty() ? 0 : kExitEnded;
 }
 

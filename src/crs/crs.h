@@ -104,6 +104,8 @@ class Geo {
   // (State Plane zones, UTM), at most `most`, not deprecated.
   virtual std::vector<CrsListEntry> search(const std::string& text, std::size_t most) = 0;
   virtual std::vector<GeographicPosition> geographic(const CrsChoice& crs, const std::vector<PlanePosition>& at) = 0;
+  // Latitudes and longitudes on the system's own datum to its grid.
+  virtual std::vector<PlanePosition> plane(const CrsChoice& crs, const std::vector<GeographicPosition>& at) = 0;
   virtual std::vector<GridFactors> factors(const CrsChoice& crs, const std::vector<PlanePosition>& at) = 0;
   // The system's WKT: ESRI's dialect for a .prj beside a CSV, else WKT2.
   virtual std::string wkt(const CrsChoice& crs, bool esri) = 0;

@@ -96,6 +96,19 @@ class ProjGeo : public Geo {
     return out;
   }
 
+  std::vector<PlanePosition> plane(const CrsChoice& crs, const std::vector<GeographicPosition>& at) override {
+    System& s = system(crs);
+    std::vector<PlanePosition> out;
+    for (const GeographicPosition& g : at) {
+      const PJ_COORD c = proj_trans(s.toGeographic.get(), PJ_INV, proj_coord(g.longitude, g.latitude, 0, 0));
+      if (!std::isfinite(c.xy.x) || !std::isfinite(c.xy.y))
+        throw CrsError("PROJ cannot place latitude " + std::to_string(g.latitude) + ", longitude " + std::to_string(g.longitude) +
+                       " in " + s.description.name);
+      out.push_back({c.xy.x, c.xy.y});
+    }
+    return out;
+  }
+
   std::vector<GridFactors> factors(const CrsChoice& crs, const std::vector<PlanePosition>& at) override {
     System& s = system(crs);
     std::vector<GridFactors> out;

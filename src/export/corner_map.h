@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <stdexcept>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,7 @@ struct MapPoint {
   std::string evidence{};  // what was found in the field ("FD STONE NW COR SEC 14")
   // In a township: the other numbers sections gave this corner, in the order met.
   std::vector<std::string> otherNumbers{};
+  std::optional<double> z{};  // an elevation, where one is known (a raw file's shots)
 };
 
 // A name that two different positions of one map would be written under.

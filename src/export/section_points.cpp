@@ -29,7 +29,8 @@ std::vector<std::string> pnezdLines(const CornerMap& map) {
   // A township's corners, named uniquely, carry the surveyor's numbers in columns of their own.
   std::vector<std::string> lines{std::string(kPnezdHeader) + (map.uniqueNames ? ",Number,Other Numbers" : "")};
   for (const MapPoint& c : map.points) {
-    lines.push_back(csvField(c.name) + "," + coordinate(c.y) + "," + coordinate(c.x) + ",," + csvField(describedAsFound(c)));
+    lines.push_back(csvField(c.name) + "," + coordinate(c.y) + "," + coordinate(c.x) + "," + (c.z ? coordinate(*c.z) : "") + "," +
+                    csvField(describedAsFound(c)));
     if (map.uniqueNames) lines.back() += "," + csvField(c.number) + "," + csvField(joined(c.otherNumbers, " "));
   }
   return lines;

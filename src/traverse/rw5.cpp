@@ -6,6 +6,7 @@
 #include <map>
 #include <sstream>
 
+#include "text/encoding.h"
 #include "text/input_file.h"
 #include "text/justify.h"
 #include "text/number.h"
@@ -17,11 +18,11 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 
 // The records a traverse is made of, and those it reads for nothing.
-const char* const kRecordsRead[] = {"JB", "MO", "SP", "OC", "BK", "LS", "TR", "SS", "BD", "BR", "FD", "FR"};
+const char* const kRecordsRead[] = {"JB", "MO", "SP", "OC", "BK", "LS", "TR", "SS", "BD", "BR", "FD", "FR", "GPS"};
 
 // The field codes, longest first: a code, then its value ("N 5000.00", "OP12").
 const char* const kCodes[] = {"OP", "FP", "BP", "BS", "BC", "AR", "AL", "AZ", "BR", "DR", "DL", "ZE", "VA", "CE", "SD", "HD", "HI",
-                              "HR", "PN", "EL", "NM", "DT", "TM", "AD", "UN", "SF", "EC", "EO", "AU", "N",  "E"};
+                              "HR", "PN", "EL", "NM", "DT", "TM", "AD", "UN", "SF", "EC", "EO", "AU", "LA", "LN", "N",  "E"};
 
 struct Record {
   int line = 0;
@@ -36,53 +37,43 @@ double wrap360(double degrees) {
   return degrees < 0 ? degrees + 360 : degrees;
 }
 
-// One observation from an occupied station.
-struct Shot {
-  int line = 0;
-  std::string type;  // TR, SS, or a set's foresight
-  std::string at, to;
-  double angleRight = 0;  // from the backsight
-  bool angleGiven = false;
-  std::optional<double> azimuth{};
-  double horizontal = 0;
-  // As measured, where the record gives a slope distance: the window shows the field's values.
-  std::optional<double> slope{}, zenith{};
-  std::string note;
-};
-
-// A setup: the occupied point, its backsight, and the shots from it.
-struct Setup {
-  int line = 0;
-  std::string at;
-  std::string backPoint;
-  std::optional<double> backAzimuth{};
-  double backCircle = 0;
-  std::vector<Shot> shots;
-  // Direct and reverse sets, by foresight point: circle readings, zeniths, slope distances.
-  struct Sets {
-    int line = 0;
-    std::vector<double> backDirect, backReverse, foreDirect, foreReverse, zenith, slope;
-  };
-  std::map<std::string, Sets> sets;
-  std::vector<std::string> setOrder;
-};
+bool sameName(const std::string& a, const std::string& b) { return upper(a) == upper(b); }
 
 class RawReader {
  public:
   explicit RawReader(const std::string& text) : text_(text) {}
 
-  TraverseInput read() {
-    std::istringstream lines(text_);
+  RawRecords read() {
+    // LF, CRLF, CR and CR CR LF all end a line.
+    std::string text;
+    text.reserve(text_.size());
+    for (std::size_t i = 0; i < text_.size(); ++i) {
+      if (text_[i] != '\r') {
+        text += text_[i];
+        continue;
+      }
+      if (i + 1 < text_.size() && text_[i + 1] == '\n') continue;
+      if (i + 2 < text_.size() && text_[i + 1] == '\r' && text_[i + 2] == '\n') {
+        ++i;
+        continue;
+      }
+      text += '\n';
+    }
+    std::istringstream lines(text);
     std::string line;
     int number = 0;
     while (std::getline(lines, line)) {
       ++number;
-      if (!line.empty() && line.back() == '\r') line.pop_back();
       const std::string t = trim(line);
       if (t.empty() || t.rfind("--", 0) == 0) continue;  // a blank line, a comment
-      take(parse(t, number));
+      ++out_.records;
+      try {
+        take(parse(t, number));
+      } catch (const TraverseFileError& e) {
+        out_.refused.push_back(e.what());
+      }
     }
-    return traverse();
+    return std::move(out_);
   }
 
  private:
@@ -94,6 +85,11 @@ class RawReader {
 
   [[noreturn]] static void broken(int line, const std::string& why) {
     throw TraverseFileError("line " + std::to_string(line) + ": " + why);
+  }
+
+  void unused(const std::string& kind, int line) {
+    UnusedKind& u = out_.unused[kind];
+    if (u.count++ == 0) u.firstLine = line;
   }
 
   Record parse(const std::string& text, int line) {
@@ -124,7 +120,7 @@ class RawReader {
         matched = true;
         break;
       }
-      if (!matched && known(r.type)) notes_.push_back("line " + std::to_string(line) + ": the field \"" + f + "\" of a " + r.type + " record, not used");
+      if (!matched && known(r.type)) unused("the field " + upper(f.substr(0, 2)) + " of a " + r.type + " record", line);
     }
     return r;
   }
@@ -141,6 +137,10 @@ class RawReader {
     return *v;
   }
 
+  std::optional<double> numberIf(const Record& r, const char* code) const {
+    return r.has(code) && !r.fields.at(code).empty() ? std::optional<double>(number(r, code)) : std::nullopt;
+  }
+
   double angle(const Record& r, const char* code) const {
     const std::string& text = r.fields.at(code);
     std::optional<double> v = gon_ ? strictNumber(text) : packedAngle(text);
@@ -152,100 +152,129 @@ class RawReader {
   double azimuth(const Record& r, const char* code) const { return wrap360(angle(r, code) + (fromSouth_ ? 180 : 0)); }
 
   void take(const Record& r) {
+    if (known(r.type)) ++out_.recognised;
     if (r.type == "JB") {
-      if (r.has("NM")) job_ = r.fields.at("NM");
+      if (r.has("NM")) out_.job = r.fields.at("NM");
     } else if (r.type == "MO") {
       if (r.has("UN")) {
         const double u = number(r, "UN");
         if (u != 0 && u != 1 && u != 2) broken(r.line, "the distance unit UN is 0 (feet), 1 (metres) or 2 (US feet)");
-        units_ = u == 1 ? "m" : "ft";
+        out_.units = u == 1 ? "m" : "ft";
       }
-      if (r.has("SF")) scale_ = number(r, "SF");
+      if (r.has("SF")) out_.scale = number(r, "SF");
       if (r.has("AU")) gon_ = number(r, "AU") == 1;
       if (r.has("AD")) fromSouth_ = number(r, "AD") == 1;
-    } else if (r.type == "SP" || r.type == "OC") {
-      const char* name = r.type == "SP" ? "PN" : "OP";
-      if (!r.has(name)) broken(r.line, std::string("a ") + r.type + " record names its point with " + name);
-      const std::string point = r.fields.at(name);
-      if (r.has("N") && r.has("E")) known_[upper(point)] = {number(r, "E"), number(r, "N")};
-      if (r.type == "OC") {
-        setups_.push_back({});
-        setups_.back().line = r.line;
-        setups_.back().at = point;
-      }
+    } else if (r.type == "SP") {
+      if (!r.has("PN")) broken(r.line, "a SP record names its point with PN");
+      if (!r.has("N") || !r.has("E")) broken(r.line, "the SP record of " + r.fields.at("PN") + " gives no N and E");
+      out_.stored[upper(r.fields.at("PN"))] = {r.line, {number(r, "E"), number(r, "N")}, numberIf(r, "EL"), r.note};
+    } else if (r.type == "OC") {
+      if (!r.has("OP")) broken(r.line, "an OC record names its point with OP");
+      RawSetup s;
+      s.line = r.line;
+      s.at = r.fields.at("OP");
+      if (r.has("N") && r.has("E")) s.given = PlanePosition{number(r, "E"), number(r, "N")};
+      s.elevation = numberIf(r, "EL");
+      out_.setups.push_back(std::move(s));
+      hi_.reset();
     } else if (r.type == "BK") {
-      Setup& s = current(r);
-      if (r.has("BP")) s.backPoint = r.fields.at("BP");
-      if (r.has("BS")) s.backAzimuth = azimuth(r, "BS");
-      if (r.has("BC")) s.backCircle = angle(r, "BC");
+      RawSetup& s = current(r);
+      RawBacksight b;
+      b.line = r.line;
+      if (r.has("BP")) b.point = r.fields.at("BP");
+      if (r.has("BS") && !r.fields.at("BS").empty()) b.azimuth = azimuth(r, "BS");
+      if (r.has("BC") && !r.fields.at("BC").empty()) b.circle = angle(r, "BC");
+      s.backsights.push_back(b);
     } else if (r.type == "LS") {
-      // Heights of instrument and rod: the traverse is horizontal.
+      if (const auto hi = numberIf(r, "HI")) hi_ = *hi * out_.scale;
+      if (const auto hr = numberIf(r, "HR")) hr_ = *hr * out_.scale;
     } else if (r.type == "TR" || r.type == "SS") {
-      Setup& s = current(r);
+      RawSetup& s = current(r);
       s.shots.push_back(shot(r, s));
     } else if (r.type == "BD" || r.type == "BR" || r.type == "FD" || r.type == "FR") {
-      Setup& s = current(r);
+      RawSetup& s = current(r);
       if (!r.has("FP")) broken(r.line, "a " + r.type + " record names its point with FP");
       if (!r.has("AR")) broken(r.line, "a " + r.type + " record of a set gives its circle reading with AR");
-      const double circle = angle(r, "AR");
-      if (r.type == "BD") {
-        s.sets[""].backDirect.push_back(circle);
-      } else if (r.type == "BR") {
-        s.sets[""].backReverse.push_back(circle);
-      } else {
-        const std::string to = r.fields.at("FP");
-        if (!s.sets.count(to)) s.setOrder.push_back(to);
-        Setup::Sets& set = s.sets[to];
-        set.line = set.line ? set.line : r.line;
-        (r.type == "FD" ? set.foreDirect : set.foreReverse).push_back(circle);
-        if (r.has("ZE")) {
-          const double z = angle(r, "ZE");
-          set.zenith.push_back(r.type == "FD" ? z : 360 - z);
-        }
-        if (r.has("SD")) set.slope.push_back(number(r, "SD") * scale_);
-        if (r.has("HD")) set.slope.push_back(number(r, "HD") * scale_), set.zenith.push_back(90);
+      SetReading reading;
+      reading.line = r.line;
+      reading.direct = r.type == "BD" || r.type == "FD";
+      reading.circle = angle(r, "AR");
+      if (r.has("ZE")) reading.zenith = angle(r, "ZE");
+      if (r.has("SD")) reading.slope = number(r, "SD") * out_.scale;
+      if (r.has("HD")) reading.slope = number(r, "HD") * out_.scale, reading.zenith = reading.direct ? 90 : 270;
+      if (r.type[0] == 'B') {
+        s.backReadings.push_back(reading);
+        return;
       }
+      // Every reading to one foresight from this backsight is one set.
+      const std::string to = r.fields.at("FP");
+      auto set = std::find_if(s.shots.begin(), s.shots.end(), [&](const RawShot& x) {
+        return x.type == "SET" && sameName(x.to, to) && x.backsight == static_cast<int>(s.backsights.size()) - 1;
+      });
+      if (set == s.shots.end()) {
+        RawShot shot = inForce(r, s);
+        shot.type = "SET";
+        shot.to = to;
+        s.shots.push_back(shot);
+        set = s.shots.end() - 1;
+      }
+      if (set->note.empty()) set->note = r.note;
+      set->foresight.push_back(reading);
+    } else if (r.type == "GPS") {
+      if (!r.has("PN") || !r.has("LA") || !r.has("LN")) broken(r.line, "a GPS record names its point with PN and gives LA and LN");
+      const auto la = strictNumber(r.fields.at("LA")), ln = strictNumber(r.fields.at("LN"));
+      if (!la || !ln || std::fabs(*la) > 90 || std::fabs(*ln) > 360)
+        broken(r.line, "the GPS record of " + r.fields.at("PN") + " gives no latitude and longitude in degrees");
+      out_.gnss.push_back({r.line, r.fields.at("PN"), *la, *ln > 180 ? *ln - 360 : *ln, numberIf(r, "EL"), r.note});
     } else {
-      notes_.push_back("line " + std::to_string(r.line) + ": a " + r.type + " record, not used");
+      unused("a " + r.type + " record", r.line);
     }
   }
 
-  Setup& current(const Record& r) {
-    if (setups_.empty()) broken(r.line, "a " + r.type + " record before any occupied point (OC)");
-    Setup& s = setups_.back();
+  RawSetup& current(const Record& r) {
+    if (out_.setups.empty()) broken(r.line, "a " + r.type + " record before any occupied point (OC)");
+    RawSetup& s = out_.setups.back();
     if (r.has("OP") && !sameName(r.fields.at("OP"), s.at))
       broken(r.line, "the " + r.type + " record is taken at " + r.fields.at("OP") + ", but the instrument is on " + s.at);
     return s;
   }
 
-  static bool sameName(const std::string& a, const std::string& b) { return upper(a) == upper(b); }
-
-  Shot shot(const Record& r, const Setup& s) {
-    Shot shot;
+  // A shot with the heights and backsight in force at its setup.
+  RawShot inForce(const Record& r, const RawSetup& s) const {
+    RawShot shot;
     shot.line = r.line;
     shot.type = r.type;
-    shot.at = s.at;
+    shot.note = r.note;
+    shot.hi = hi_.value_or(0);
+    shot.hiKnown = hi_.has_value();
+    shot.hr = hr_;
+    shot.backsight = static_cast<int>(s.backsights.size()) - 1;
+    return shot;
+  }
+
+  RawShot shot(const Record& r, const RawSetup& s) {
+    RawShot shot = inForce(r, s);
     if (!r.has("FP")) broken(r.line, "a " + r.type + " record names its point with FP");
     shot.to = r.fields.at("FP");
-    shot.note = r.note;
+    const double circle = s.backsights.empty() ? 0 : s.backsights.back().circle;
     if (r.has("AR")) {
-      shot.angleRight = wrap360(angle(r, "AR") - s.backCircle), shot.angleGiven = true;
+      shot.angleRight = wrap360(angle(r, "AR") - circle);
     } else if (r.has("AL")) {
-      shot.angleRight = wrap360(360 - (angle(r, "AL") - s.backCircle)), shot.angleGiven = true;
+      shot.angleRight = wrap360(360 - (angle(r, "AL") - circle));
     } else if (r.has("DR") || r.has("DL")) {
       // A deflection from the line produced: as an angle right from the backsight.
       const double d = r.has("DR") ? angle(r, "DR") : -angle(r, "DL");
-      shot.angleRight = wrap360(180 + d), shot.angleGiven = true;
+      shot.angleRight = wrap360(180 + d);
     } else if (r.has("AZ")) {
       shot.azimuth = azimuth(r, "AZ");
     } else {
       broken(r.line, "a " + r.type + " record gives its direction with AR, AL, DR, DL or AZ");
     }
     if (r.has("HD")) {
-      shot.horizontal = number(r, "HD") * scale_;
+      shot.horizontal = number(r, "HD") * out_.scale;
     } else if (r.has("SD") && (r.has("ZE") || r.has("VA"))) {
       shot.zenith = r.has("ZE") ? angle(r, "ZE") : 90 - angle(r, "VA");
-      shot.slope = number(r, "SD") * scale_;
+      shot.slope = number(r, "SD") * out_.scale;
       shot.horizontal = *shot.slope * std::sin(*shot.zenith * kPi / 180);
     } else {
       broken(r.line, "a " + r.type + " record gives its distance with HD, or SD with ZE or VA");
@@ -253,63 +282,44 @@ class RawReader {
     return shot;
   }
 
-  // A set's averaged angle right, zenith and horizontal distance, as one shot.
-  Shot averaged(const Setup& s, const std::string& to) const {
-    const Setup::Sets& back = s.sets.at("");
-    const Setup::Sets& fore = s.sets.at(to);
-    const auto mean = [](const std::vector<double>& v) {
-      double sum = 0;
-      for (double x : v) sum += x;
-      return sum / static_cast<double>(v.size());
-    };
-    // Direct less direct and reverse less reverse, each brought to one turn, then their mean.
-    std::vector<double> angles;
-    if (!back.backDirect.empty() && !fore.foreDirect.empty()) angles.push_back(wrap360(mean(fore.foreDirect) - mean(back.backDirect)));
-    if (!back.backReverse.empty() && !fore.foreReverse.empty()) angles.push_back(wrap360(mean(fore.foreReverse) - mean(back.backReverse)));
-    if (angles.empty()) broken(fore.line, "the set to " + to + " has no backsight of its face (BD before FD, BR before FR)");
-    if (angles.size() == 2 && std::abs(angles[1] - angles[0]) > 180) angles[1] += angles[1] < angles[0] ? 360 : -360;
-    if (fore.slope.empty()) broken(fore.line, "the set to " + to + " has no distance");
-    Shot shot;
-    shot.line = fore.line;
-    shot.type = "set";
-    shot.at = s.at;
-    shot.to = to;
-    shot.angleRight = wrap360(mean(angles));
-    shot.angleGiven = true;
-    const double zenith = fore.zenith.empty() ? 90 : mean(fore.zenith);
-    shot.horizontal = mean(fore.slope) * std::sin(zenith * kPi / 180);
-    if (zenith != 90) shot.slope = mean(fore.slope), shot.zenith = zenith;
-    return shot;
-  }
+  const std::string& text_;
+  RawRecords out_;
+  std::optional<double> hi_;
+  double hr_ = 0;
+  bool gon_ = false, fromSouth_ = false;
+};
 
-  std::optional<PlanePosition> knownPoint(const std::string& name) const {
-    const auto found = known_.find(upper(name));
-    return found == known_.end() ? std::nullopt : std::optional<PlanePosition>(found->second);
-  }
+// The traverse a raw file records: from the first setup, each setup's shot
+// to the next, closing on the start or a known point; every other shot a
+// side shot.
+class TraverseOfRecords {
+ public:
+  explicit TraverseOfRecords(const RawRecords& records) : r_(records) {}
 
   TraverseInput traverse() {
+    const auto& setups_ = r_.setups;
     if (setups_.empty()) throw TraverseFileError("the raw file occupies no point (no OC record): it holds no traverse");
     TraverseInput in;
-    in.units = units_;
-    // Each setup's shots, its averaged sets among them.
-    for (Setup& s : setups_)
-      for (const std::string& to : s.setOrder) s.shots.push_back(averaged(s, to));
-    const Setup& first = setups_.front();
+    in.units = r_.units;
+    std::vector<std::vector<Shot>> shots;
+    for (const RawSetup& s : setups_) shots.push_back(shotsOf(s));
+    const RawSetup& first = setups_.front();
     const auto startAt = knownPoint(first.at);
     if (!startAt) broken(first.line, "the traverse starts on " + first.at + ", whose coordinates no SP or OC record gives");
     in.start = {first.at, startAt};
-    if (!first.backPoint.empty() || first.backAzimuth) {
-      in.backsightAzimuth = first.backAzimuth;
-      if (!first.backPoint.empty()) in.backsightPoint = KnownStation{first.backPoint, knownPoint(first.backPoint)};
+    if (!first.backsights.empty()) {
+      const RawBacksight& b = first.backsights.front();
+      in.backsightAzimuth = b.azimuth;
+      if (!b.point.empty()) in.backsightPoint = KnownStation{b.point, knownPoint(b.point)};
       if (in.backsightPoint && !in.backsightPoint->at && !in.backsightAzimuth)
-        broken(first.line, "the backsight at the start, " + first.backPoint + ", has no coordinates and no azimuth (BS)");
+        broken(first.line, "the backsight at the start, " + b.point + ", has no coordinates and no azimuth (BS)");
     }
     // The course from each setup is its shot to the next occupied point; the
     // last setup's to the closing point, unless it is the closing point itself.
     std::vector<const Shot*> used;
-    const auto shotTo = [&](const Setup& s, const std::string& to) -> const Shot* {
+    const auto shotTo = [&](std::size_t i, const std::string& to) -> const Shot* {
       const Shot* found = nullptr;
-      for (const Shot& shot : s.shots)
+      for (const Shot& shot : shots[i])
         if (sameName(shot.to, to) && (shot.type != "SS" || !found)) found = &shot;  // a traverse shot before a side shot
       return found;
     };
@@ -327,23 +337,22 @@ class RawReader {
       return c;
     };
     for (std::size_t i = 0; i + 1 < setups_.size(); ++i) {
-      const Setup& s = setups_[i];
-      const Setup& next = setups_[i + 1];
-      const Shot* shot = shotTo(s, next.at);
-      if (!shot) broken(next.line, "the instrument moves to " + next.at + ", but no shot from " + s.at + " reaches it");
-      if (!next.backPoint.empty() && !sameName(next.backPoint, s.at))
-        broken(next.line, "the backsight at " + next.at + " is " + next.backPoint + ", not " + s.at +
-                              ", the station the traverse came from");
+      const RawSetup& next = setups_[i + 1];
+      const Shot* shot = shotTo(i, next.at);
+      if (!shot) broken(next.line, "the instrument moves to " + next.at + ", but no shot from " + setups_[i].at + " reaches it");
+      const std::string back = next.backsights.empty() ? "" : next.backsights.front().point;
+      if (!back.empty() && !sameName(back, setups_[i].at))
+        broken(next.line, "the backsight at " + next.at + " is " + back + ", not " + setups_[i].at + ", the station the traverse came from");
       in.courses.push_back(course(*shot));
       used.push_back(shot);
     }
-    const Setup& last = setups_.back();
+    const RawSetup& last = setups_.back();
     const auto closesOn = [&](const std::string& point) { return sameName(point, first.at) || knownPoint(point).has_value(); };
     if (setups_.size() > 1 && closesOn(last.at)) {
       // The instrument on the closing point: its shot to a known direction is the closing angle.
       in.close = {last.at, sameName(last.at, first.at) ? std::nullopt : knownPoint(last.at)};
-      for (const Shot& shot : last.shots) {
-        const bool toFirst = sameName(last.at, first.at) && in.courses.size() > 0 && sameName(shot.to, in.courses.front().to);
+      for (const Shot& shot : shots.back()) {
+        const bool toFirst = sameName(last.at, first.at) && !in.courses.empty() && sameName(shot.to, in.courses.front().to);
         const auto mark = knownPoint(shot.to);
         if (shot.angleGiven && (toFirst || (mark && !sameName(shot.to, last.at)))) {
           in.closeAngle = shot.angleRight;
@@ -355,7 +364,7 @@ class RawReader {
     } else {
       // The last shot of the last setup that reaches the start or a known point closes it.
       const Shot* closing = nullptr;
-      for (const Shot& shot : last.shots)
+      for (const Shot& shot : shots.back())
         if (shot.type != "SS" && closesOn(shot.to)) closing = &shot;
       if (!closing) broken(last.line, "the traverse does not close: from " + last.at + " no traverse shot reaches the start or a known point");
       in.courses.push_back(course(*closing));
@@ -364,28 +373,69 @@ class RawReader {
     }
     if (in.courses.empty()) broken(last.line, "the raw file holds no course");
     // Every other shot is a side shot: a point off the traverse.
-    for (const Setup& s : setups_)
-      for (const Shot& shot : s.shots) {
+    for (std::size_t i = 0; i < setups_.size(); ++i)
+      for (const Shot& shot : shots[i]) {
         if (std::find(used.begin(), used.end(), &shot) != used.end()) continue;
         if (!shot.angleGiven) {
           notes_.push_back("line " + std::to_string(shot.line) + ": a shot to " + shot.to + " by azimuth, not used as a side shot");
           continue;
         }
-        in.sideShots.push_back({s.at, shot.to, shot.angleRight, shot.horizontal, shot.note});
+        in.sideShots.push_back({setups_[i].at, shot.to, shot.angleRight, shot.horizontal, shot.note});
       }
-    if (scale_ != 1) notes_.push_back("distances multiplied by the scale factor " + CStr(scale_) + " of the mode record");
-    if (!job_.empty()) notes_.insert(notes_.begin(), "job " + job_);
+    if (r_.scale != 1) notes_.push_back("distances multiplied by the scale factor " + CStr(r_.scale) + " of the mode record");
+    if (!r_.job.empty()) notes_.insert(notes_.begin(), "job " + r_.job);
+    for (const auto& [kind, u] : r_.unused)
+      notes_.push_back(kind + (u.count > 1 ? ", " + std::to_string(u.count) + " of them from line " : " on line ") +
+                       std::to_string(u.firstLine) + ", not used");
+    for (const GnssRecord& g : r_.gnss) notes_.push_back("line " + std::to_string(g.line) + ": a GPS record, not used");
     in.notes = notes_;
     return in;
   }
 
-  const std::string& text_;
+ private:
+  // One shot as the traverse takes it: a set averaged, a plain shot as read.
+  struct Shot {
+    int line = 0;
+    std::string type, to, note;
+    double angleRight = 0;
+    bool angleGiven = false;
+    std::optional<double> azimuth{};
+    double horizontal = 0;
+    std::optional<double> slope{}, zenith{};
+  };
+
+  std::vector<Shot> shotsOf(const RawSetup& s) const {
+    std::vector<Shot> out;
+    for (const RawShot& raw : s.shots) {
+      Shot shot{raw.line, raw.type, raw.to, raw.note, 0, false, raw.azimuth, raw.horizontal.value_or(0), raw.slope, raw.zenith};
+      if (raw.type == "SET") {
+        const SetMean m = meanOfSet(s, raw);
+        if (!m.fault.empty()) broken(raw.line, m.fault);
+        shot.angleRight = m.angleRight;
+        shot.horizontal = m.horizontal;
+        if (m.zenith != 90) shot.slope = m.slope, shot.zenith = m.zenith;
+      } else if (raw.angleRight) {
+        shot.angleRight = *raw.angleRight;
+      }
+      shot.angleGiven = raw.type == "SET" || raw.angleRight.has_value();
+      out.push_back(shot);
+    }
+    return out;
+  }
+
+  [[noreturn]] static void broken(int line, const std::string& why) {
+    throw TraverseFileError("line " + std::to_string(line) + ": " + why);
+  }
+
+  std::optional<PlanePosition> knownPoint(const std::string& name) const {
+    for (const RawSetup& s : r_.setups)
+      if (s.given && sameName(s.at, name)) return s.given;
+    const auto found = r_.stored.find(upper(name));
+    return found == r_.stored.end() ? std::nullopt : std::optional<PlanePosition>(found->second.at);
+  }
+
+  const RawRecords& r_;
   std::vector<std::string> notes_;
-  std::vector<Setup> setups_;
-  std::map<std::string, PlanePosition> known_;  // by upper-case name
-  std::string units_ = "ft", job_;
-  double scale_ = 1;
-  bool gon_ = false, fromSouth_ = false;
 };
 
 }  // namespace
@@ -409,7 +459,74 @@ std::optional<double> packedAngle(const std::string& text) {
   return negative ? -degrees : degrees;
 }
 
-TraverseInput parseRaw(const std::string& text) { return RawReader(text).read(); }
+RawRecords readRawRecords(const std::string& text) {
+  // Notes typed on a data collector come in its code page as often as in UTF-8.
+  const std::string decoded = decodeText(text);
+  return RawReader(decoded).read();
+}
+
+TraverseInput traverseOfRecords(const RawRecords& records) {
+  if (!records.refused.empty()) throw TraverseFileError(records.refused.front());
+  return TraverseOfRecords(records).traverse();
+}
+
+TraverseInput parseRaw(const std::string& text) { return traverseOfRecords(readRawRecords(text)); }
+
+SetMean meanOfSet(const RawSetup& setup, const RawShot& set) {
+  SetMean m;
+  // Each foresight reading less the backsight reading of its face and round
+  // (the k-th direct with the k-th direct), brought to one turn.
+  std::vector<double> angles, direct, reverse, zeniths, slopes;
+  int faces[2] = {0, 0};
+  for (const SetReading& f : set.foresight) {
+    std::vector<const SetReading*> back;
+    for (const SetReading& b : setup.backReadings)
+      if (b.direct == f.direct) back.push_back(&b);
+    if (back.empty()) {
+      m.fault = "the set to " + set.to + " has no backsight reading of its face (BD for FD, BR for FR)";
+      return m;
+    }
+    int& k = faces[f.direct ? 0 : 1];
+    const SetReading& b = *back[std::min<std::size_t>(static_cast<std::size_t>(k), back.size() - 1)];
+    ++k;
+    angles.push_back(wrap360(f.circle - b.circle));
+    (f.direct ? direct : reverse).push_back(angles.back());
+    if (f.zenith) zeniths.push_back(f.direct ? *f.zenith : 360 - *f.zenith);
+    if (f.slope) slopes.push_back(*f.slope);
+  }
+  if (angles.empty() || slopes.empty()) {
+    m.fault = "the set to " + set.to + " has " + (angles.empty() ? "no reading" : "no distance");
+    return m;
+  }
+  // Averaged on the circle: each reading as its difference from the first,
+  // so 359 59 58 and 0 00 02 average to 0 00 00, not 180.
+  const auto around = [&](double a) {
+    double d = std::fmod(a - angles.front(), 360.0);
+    if (d > 180) d -= 360;
+    if (d <= -180) d += 360;
+    return d;
+  };
+  const auto mean = [](const std::vector<double>& v) {
+    double sum = 0;
+    for (double x : v) sum += x;
+    return sum / static_cast<double>(v.size());
+  };
+  std::vector<double> d;
+  for (double a : angles) d.push_back(around(a));
+  m.angleRight = wrap360(angles.front() + mean(d));
+  m.spread = (*std::max_element(d.begin(), d.end()) - *std::min_element(d.begin(), d.end())) * 3600;
+  if (!direct.empty() && !reverse.empty()) {
+    std::vector<double> dd, rr;
+    for (double a : direct) dd.push_back(around(a));
+    for (double a : reverse) rr.push_back(around(a));
+    m.directLessReverse = (mean(dd) - mean(rr)) * 3600;
+  }
+  m.angles = angles;
+  m.zenith = zeniths.empty() ? 90 : mean(zeniths);
+  m.slope = mean(slopes);
+  m.horizontal = m.slope * std::sin(m.zenith * kPi / 180);
+  return m;
+}
 
 TraverseInput readRawFile(const std::string& file) { return parseRaw(readInputFile(file)); }
 

@@ -10,6 +10,7 @@
 
 #include <string>
 
+#include "traverse/raw_records.h"
 #include "traverse/traverse.h"
 
 namespace tervalo {
@@ -17,6 +18,20 @@ namespace tervalo {
 // TraverseFileError naming the line for a broken record or a raw file that
 // is not a traverse.
 TraverseInput parseRaw(const std::string& text);
+TraverseInput traverseOfRecords(const RawRecords& records);
+
+// A direct and reverse set reduced: each reading less its face's backsight
+// reading, averaged on the circle (across 0 and 360), reverse zeniths from
+// 360, distances averaged; the spread of the readings and the direct less
+// the reverse mean, in seconds. `fault` says why it cannot be reduced.
+struct SetMean {
+  double angleRight = 0, zenith = 90, slope = 0, horizontal = 0;
+  double spread = 0;
+  std::optional<double> directLessReverse{};
+  std::vector<double> angles;  // each reading reduced to the backsight, degrees
+  std::string fault;
+};
+SetMean meanOfSet(const RawSetup& setup, const RawShot& set);
 TraverseInput readRawFile(const std::string& file);
 
 // Degrees of a packed angle ("90.3333" is 90 degrees 33 minutes 33 seconds); nothing for another text.
