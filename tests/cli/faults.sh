@@ -110,5 +110,31 @@ json.dump(d, open(sys.argv[3], "w"))' "$file" $code "in.json"
         [ -z "$(find data -type f 2>/dev/null)" ] || { echo "case $case: $command wrote into the data folder" >&2; exit 1; }
       done
     done ;;
+  raw_files_as_they_come_from_the_field)
+    examples=$(cd "$(dirname "$0")/../../examples" && pwd)
+    # A radial survey with one broken shot: every other point, the line named, exit 4.
+    printf 'SP,PN1,N 5000,E 3000,EL100\r\nOC,OP1,N 5000,E 3000,EL100\r\nBK,OP1,BS0.0000,BC0\r\nLS,HI5,HR5\r\n%s\r\n%s\r\n%s\r\n' \
+      'SS,OP1,FP2,AR90,ZE90,SD100' 'SS,OP1,FP3,AR90,ZE90' 'SS,OP1,FP4,AR180,ZE90,SD50' >radial.rw5
+    "$cli" traverse radial.rw5 --data-dir data >out 2>&1; status=$?
+    expect 4 "Not reduced: line 6: a SS record gives its distance with HD, or SD with ZE or VA."
+    grep -q '^4,4950.0000,3000.0000,100.0000,' data/radial-points.csv || { echo "case $case: point 4 not written" >&2; exit 1; }
+    # A traverse with its backsight circle recorded wrongly: the blunder said, its points written, exit 4.
+    sed 's/BK,OP1003,BP1002,BC0.0000/BK,OP1003,BP1002,BC10.0000/' "$examples/section14.rw5" >blunder.rw5
+    "$cli" traverse blunder.rw5 --data-dir data >out 2>&1; status=$?
+    expect 4 "is worse than the allowable 1:5,000"
+    [ -s data/blunder-adjusted.txt ] || { echo "case $case: the failing traverse's points were not written" >&2; exit 1; }
+    # Not a raw file at all, and GNSS alone with no system: refused, exit 2.
+    printf 'hello\nworld\n' >letter.rw5
+    "$cli" traverse letter.rw5 --data-dir data >out 2>&1; status=$?
+    expect 2 "it is not a data collector's raw file"
+    printf 'GPS,PN7,LA39.0949512,LN-100.8192595,EL1250.0\n' >gnss.rw5
+    "$cli" traverse gnss.rw5 --data-dir data >out 2>&1; status=$?
+    expect 2 "holds only GNSS points (1 GPS record) and no coordinate system"
+    # With a system, PROJ places it where cs2cs does; its height as given.
+    "$cli" traverse gnss.rw5 --epsg 3419 --data-dir data >out 2>&1; status=$?
+    expect 0 "N 289841.9874  E 512313.4812"
+    grep -q '^7,289841.9874,512313.4812,1250.0000,' data/gnss-points.csv || { echo "case $case: the GNSS point is not on the grid" >&2; exit 1; }
+    read -r e n _ < <(echo "-100.8192595 39.0949512" | cs2cs -f %.4f OGC:CRS83 EPSG:3419)
+    [ "$n $e" = "289841.9874 512313.4812" ] || { echo "case $case: cs2cs puts it at N $n E $e" >&2; exit 1; } ;;
   *) echo "no case $case" >&2; exit 1 ;;
 esac
