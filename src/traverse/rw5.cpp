@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "text/encoding.h"
+#include "text/errors.h"
 #include "text/input_file.h"
 #include "text/justify.h"
 #include "text/number.h"
@@ -71,6 +72,8 @@ class RawReader {
         take(parse(t, number));
       } catch (const TraverseFileError& e) {
         out_.refused.push_back(e.what());
+      } catch (const RunTimeError& e) {  // a number past a double's range
+        out_.refused.push_back("line " + std::to_string(number) + ": " + e.what() + ": a number too large to hold");
       }
     }
     return std::move(out_);
@@ -120,7 +123,7 @@ class RawReader {
         matched = true;
         break;
       }
-      if (!matched && known(r.type)) unused("the field " + upper(f.substr(0, 2)) + " of a " + r.type + " record", line);
+      if (!matched && known(r.type)) unused("the field " + upper(std::string(textPrefix(f, 2))) + " of a " + r.type + " record", line);
     }
     return r;
   }
@@ -382,6 +385,7 @@ class TraverseOfRecords {
         }
         in.sideShots.push_back({setups_[i].at, shot.to, shot.angleRight, shot.horizontal, shot.note});
       }
+    levels(in, shots, used);
     if (r_.scale != 1) notes_.push_back("distances multiplied by the scale factor " + CStr(r_.scale) + " of the mode record");
     if (!r_.job.empty()) notes_.insert(notes_.begin(), "job " + r_.job);
     for (const auto& [kind, u] : r_.unused)
@@ -402,18 +406,27 @@ class TraverseOfRecords {
     std::optional<double> azimuth{};
     double horizontal = 0;
     std::optional<double> slope{}, zenith{};
+    double hi = 0, hr = 0;
+    bool hiKnown = false;
+    // The elevation of the shot point from its setup's.
+    std::optional<double> rise() const {
+      if (!hiKnown || !slope || !zenith) return std::nullopt;
+      return hi + *slope * std::cos(*zenith * kPi / 180) - hr;
+    }
   };
 
   std::vector<Shot> shotsOf(const RawSetup& s) const {
     std::vector<Shot> out;
     for (const RawShot& raw : s.shots) {
-      Shot shot{raw.line, raw.type, raw.to, raw.note, 0, false, raw.azimuth, raw.horizontal.value_or(0), raw.slope, raw.zenith};
+      Shot shot{raw.line, raw.type, raw.to, raw.note, 0, false, raw.azimuth, raw.horizontal.value_or(0), raw.slope, raw.zenith,
+                raw.hi, raw.hr, raw.hiKnown};
       if (raw.type == "SET") {
         const SetMean m = meanOfSet(s, raw);
         if (!m.fault.empty()) broken(raw.line, m.fault);
         shot.angleRight = m.angleRight;
         shot.horizontal = m.horizontal;
         if (m.zenith != 90) shot.slope = m.slope, shot.zenith = m.zenith;
+        if (!m.angles.empty() && raw.foresight.front().zenith) shot.slope = m.slope, shot.zenith = m.zenith;
       } else if (raw.angleRight) {
         shot.angleRight = *raw.angleRight;
       }
@@ -425,6 +438,37 @@ class TraverseOfRecords {
 
   [[noreturn]] static void broken(int line, const std::string& why) {
     throw TraverseFileError("line " + std::to_string(line) + ": " + why);
+  }
+
+  // Elevations along the traverse from the start's (its OC or SP EL), each
+  // course's rise added in turn, and every side shot's from its station.
+  void levels(TraverseInput& in, const std::vector<std::vector<Shot>>& shots, const std::vector<const Shot*>& used) const {
+    std::optional<double> z = r_.setups.front().elevation;
+    if (!z) {
+      const auto sp = r_.stored.find(upper(r_.setups.front().at));
+      if (sp != r_.stored.end()) z = sp->second.elevation;
+    }
+    for (std::size_t i = 0; i < r_.setups.size() && z; ++i) {
+      const RawSetup& s = r_.setups[i];
+      // An elevation the file gives (on the OC or a stored point) holds.
+      const auto sp = r_.stored.find(upper(s.at));
+      if (s.elevation) {
+        z = s.elevation;
+      } else if (sp != r_.stored.end() && sp->second.elevation) {
+        z = sp->second.elevation;
+      }
+      in.elevations[upper(s.at)] = *z;
+      for (const Shot& shot : shots[i]) {
+        const auto rise = shot.rise();
+        const bool course = i < used.size() && used[i] == &shot;
+        if (rise && !in.elevations.count(upper(shot.to)) && (course || std::find(used.begin(), used.end(), &shot) == used.end()))
+          in.elevations[upper(shot.to)] = *z + *rise;
+      }
+      if (i + 1 < r_.setups.size()) {
+        const auto next = in.elevations.find(upper(r_.setups[i + 1].at));
+        z = next == in.elevations.end() ? std::nullopt : std::optional<double>(next->second);
+      }
+    }
   }
 
   std::optional<PlanePosition> knownPoint(const std::string& name) const {

@@ -8,6 +8,7 @@
 // transit rule or Crandall's method, or the whole traverse by least squares.
 // X east, Y north; azimuths in degrees clockwise from north.
 
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -88,6 +89,10 @@ struct TraverseInput {
   // What reading a raw file met and did not use ("line 12: a GPS record,
   // not used"), for the report.
   std::vector<std::string> notes{};
+  // A raw file's elevations by trigonometric levelling from the start's:
+  // each station and side shot with a zenith, a slope distance and the
+  // heights of instrument and rod; by upper-case name.
+  std::map<std::string, double> elevations{};
 };
 
 struct CourseResult {

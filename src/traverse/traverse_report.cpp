@@ -258,13 +258,19 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
   for (const StationResult& s : r.stations) {
     Json p{{"name", s.name}, {"x", s.adjusted.x}, {"y", s.adjusted.y}, {"unadjusted_x", s.unadjusted.x},
            {"unadjusted_y", s.unadjusted.y}, {"held", s.known}};
+    if (const auto z = in.elevations.find(upper(s.name)); z != in.elevations.end()) p["z"] = z->second;
     if (s.ellipse)
       p["ellipse"] = Json{{"sigma_x", s.ellipse->sigmaX}, {"sigma_y", s.ellipse->sigmaY}, {"major", s.ellipse->major},
                           {"minor", s.ellipse->minor}, {"azimuth", s.ellipse->azimuth}};
     points_.push_back(p);
   }
-  for (const StationResult& s : r.sideShots)
-    points_.push_back(Json{{"name", s.name}, {"x", s.adjusted.x}, {"y", s.adjusted.y}, {"side_shot", true}, {"note", s.note}});
+  for (const StationResult& s : r.sideShots) {
+    Json p{{"name", s.name}, {"x", s.adjusted.x}, {"y", s.adjusted.y}};
+    if (const auto z = in.elevations.find(upper(s.name)); z != in.elevations.end()) p["z"] = z->second;
+    p["side_shot"] = true;
+    p["note"] = s.note;
+    points_.push_back(p);
+  }
   const Closure& c = r.closure;
   Json closure{{"loop", c.loop}};
   if (c.angular) closure["angular"] = *c.angular, closure["angles"] = c.angles;
@@ -310,6 +316,7 @@ CornerMap traverseMap(const TraverseInput& in, const TraverseResult& r) {
                s.known ? "entered" : "computed"};
     p.number = s.name;
     p.rule = s.known ? "held" : std::string("adjusted by ") + ruleName(r.rule);
+    if (const auto z = in.elevations.find(upper(s.name)); z != in.elevations.end()) p.z = z->second;
     map.points.push_back(p);
   }
   for (std::size_t i = 0; i < r.sideShots.size(); ++i) {
@@ -318,6 +325,7 @@ CornerMap traverseMap(const TraverseInput& in, const TraverseResult& r) {
     p.number = s.name;
     p.rule = s.note;
     if (i < in.sideShots.size()) p.evidence = in.sideShots[i].note;  // what the field notes say was shot
+    if (const auto z = in.elevations.find(upper(s.name)); z != in.elevations.end()) p.z = z->second;
     map.points.push_back(p);
   }
   const auto index = [&map](const std::string& name) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "app/output_file.h"
 #include "points/readers.h"
 #include "support/temp_dir.h"
@@ -94,6 +96,13 @@ TEST(RawFile, TheAdjustedPointsAreASourceFile) {
   EXPECT_EQ(points.records[0].name, "1001");
   EXPECT_EQ(points.records[9].name, "102");  // the side shots after the stations
   EXPECT_NE(std::find(run.report.begin(), run.report.end(), "  Raw file: line 6: a GPS record, not used"), run.report.end());
+  // Elevations by trigonometric levelling from the start's 1250.000: 1002 by its course, the
+  // side shot 101 from 1002, and 1004 as its stored point gives it.
+  const double rad = 3.14159265358979323846 / 180;
+  const double z1002 = 1250 + 5.25 + 2639.964 * std::cos((90 + 9 / 60.0 + 11 / 3600.0) * rad) - 5.5;
+  EXPECT_NEAR(run.json["points"][1]["z"].get<double>(), z1002, 1e-9);
+  EXPECT_NEAR(run.json["points"][8]["z"].get<double>(), z1002 + 5.25 + 35.420 * std::cos((90 + 6 / 60.0) * rad) - 5.5, 1e-9);
+  EXPECT_EQ(run.json["points"][7]["z"], 1251.0);
   // Corrections that round to nothing carry no sign.
   for (const std::string& line : run.report) EXPECT_EQ(line.find("-0.000 "), std::string::npos) << line;
   EXPECT_NE(std::find(run.report.begin(), run.report.end(),
