@@ -1,5 +1,6 @@
 #include "cli/traverse_command.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <ostream>
@@ -15,6 +16,7 @@
 #include "traverse/traverse_report.h"
 #include "export/section_points.h"
 #include "text/format.h"
+#include "text/justify.h"
 #include "text/input_file.h"
 #include "traverse/raw_survey.h"
 #include "traverse/rw5.h"
@@ -81,6 +83,7 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
                     const Date& today, std::ostream& out, std::ostream& err, const RawCommandOptions& raw) {
   TraverseInput input;
   std::vector<std::string> setLines, flagged;
+  RawRecords gnss;  // a raw traverse's GNSS records, placed apart from it
   try {
     if (isRawFile(name)) {
       RawRecords records;
@@ -99,6 +102,8 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
         return radialCommand(name, records, exports, json, dataFolder, today, out, err, raw);
       input = traverseOfRecords(records);
       setLines = setChecks(records, raw.tolerance, flagged);
+      gnss.units = records.units;
+      gnss.gnss = records.gnss;
     } else {
       input = readTraverseFile(name);
     }
@@ -115,6 +120,28 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
     run = runTraverse(input, formatShortDate(today));
     // A raw file's sets and, beyond the allowable misclosure, a blunder said, never adjusted silently.
     for (const std::string& l : setLines) run.report.push_back("  " + l);
+    if (!gnss.gnss.empty()) {
+      // The GNSS points beside the traverse: listed, and on the grid where a system is given.
+      const RawSurvey placed = reduceRadial(gnss, {raw.tolerance, raw.crs, std::filesystem::path(name).filename().string()});
+      run.report.emplace_back("");
+      run.report.insert(run.report.end(), placed.report.begin() + 5, placed.report.end() - 1);
+      for (const RawPoint& p : placed.points) {
+        // A GNSS point of a traverse point's name checks it; it is not a second position for the name.
+        const auto same = std::find_if(run.json["points"].begin(), run.json["points"].end(),
+                                       [&](const nlohmann::ordered_json& q) { return upper(q["name"].get<std::string>()) == upper(p.name); });
+        if (same != run.json["points"].end()) {
+          run.report.push_back("    " + p.name + " by GNSS less the traverse's " + p.name + ": N " +
+                               Format(p.at.y - (*same)["y"].get<double>(), "0.000") + "  E " +
+                               Format(p.at.x - (*same)["x"].get<double>(), "0.000") + "; the traverse's is kept");
+          continue;
+        }
+        run.points.push_back(p.name + "," + Format(p.at.x, "0.0000") + "," + Format(p.at.y, "0.0000") + ",GNSS," + p.description);
+        nlohmann::ordered_json j{{"name", p.name}, {"x", p.at.x}, {"y", p.at.y}};
+        if (p.z) j["z"] = *p.z;
+        j["gnss"] = true;
+        run.json["points"].push_back(j);
+      }
+    }
     const auto& precision = run.result.closure.precision;
     if (isRawFile(name) && precision && *precision < kAllowablePrecision) {
       failing = "The traverse misclosure of 1:" + std::to_string(std::llround(*precision)) + " is worse than the allowable 1:5,000: a blunder "

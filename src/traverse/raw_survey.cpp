@@ -251,7 +251,9 @@ std::vector<std::string> setChecks(const RawRecords& records, double tolerance, 
       if (shot.type != "SET") continue;
       const SetMean m = meanOfSet(records.setups[i], shot);
       if (!m.fault.empty()) continue;
-      std::string text = line(shot.line) + ": set at " + records.setups[i].at + " to " + shot.to + ": mean " +
+      std::string readings;
+      for (double a : m.angles) readings += " " + decimalToDmsCarried(a);
+      std::string text = line(shot.line) + ": set at " + records.setups[i].at + " to " + shot.to + ", readings" + readings + ": mean " +
                          decimalToDmsCarried(m.angleRight) + ", spread " + seconds(m.spread);
       if (m.directLessReverse) text += ", direct less reverse " + seconds(*m.directLessReverse);
       if (m.spread > tolerance) {

@@ -391,7 +391,8 @@ class TraverseOfRecords {
     for (const auto& [kind, u] : r_.unused)
       notes_.push_back(kind + (u.count > 1 ? ", " + std::to_string(u.count) + " of them from line " : " on line ") +
                        std::to_string(u.firstLine) + ", not used");
-    for (const GnssRecord& g : r_.gnss) notes_.push_back("line " + std::to_string(g.line) + ": a GPS record, not used");
+    for (const GnssRecord& g : r_.gnss)
+      notes_.push_back("line " + std::to_string(g.line) + ": a GPS record: a GNSS point, not part of the traverse");
     in.notes = notes_;
     return in;
   }

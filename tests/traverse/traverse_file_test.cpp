@@ -70,7 +70,7 @@ TEST(RawFile, ASetIsAveragedTheClosingAngleTakenAndUnusedRecordsListed) {
   EXPECT_TRUE(raw.close.point == "1001" && raw.closeAngle && !raw.closeAzimuth);  // a loop closing on its first course
   EXPECT_EQ(raw.sideShots.size(), 2u);
   EXPECT_EQ(raw.sideShots[0].note, "FENCE CORNER");
-  EXPECT_EQ(raw.notes, (std::vector<std::string>{"job SECTION 14 TRAVERSE", "line 6: a GPS record, not used"}));
+  EXPECT_EQ(raw.notes, (std::vector<std::string>{"job SECTION 14 TRAVERSE", "line 6: a GPS record: a GNSS point, not part of the traverse"}));
   EXPECT_EQ(packedAngle("90.3333"), 90 + 33.0 / 60 + 33.0 / 3600);
   EXPECT_FALSE(packedAngle("90.6000"));
 
@@ -95,7 +95,7 @@ TEST(RawFile, TheAdjustedPointsAreASourceFile) {
   const PointList points = readWholeFile(file);
   EXPECT_EQ(points.records[0].name, "1001");
   EXPECT_EQ(points.records[9].name, "102");  // the side shots after the stations
-  EXPECT_NE(std::find(run.report.begin(), run.report.end(), "  Raw file: line 6: a GPS record, not used"), run.report.end());
+  EXPECT_NE(std::find(run.report.begin(), run.report.end(), "  Raw file: line 6: a GPS record: a GNSS point, not part of the traverse"), run.report.end());
   // Elevations by trigonometric levelling from the start's 1250.000: 1002 by its course, the
   // side shot 101 from 1002, and 1004 as its stored point gives it.
   const double rad = 3.14159265358979323846 / 180;
