@@ -13,6 +13,7 @@
 #include "app/program.h"
 #include "app/runner.h"
 #include "cli/points_command.h"
+#include "cli/project_command.h"
 #include "cli/restore_command.h"
 #include "cli/traverse_command.h"
 #include "township/township.h"
@@ -155,6 +156,37 @@ int run(int argc, char** argv) {
                           "Also export the adjusted traverse to FILE, its kind by the ending (.csv .txt .xml .dxf .gpkg .geojson .kml); "
                           "a name without a folder lies in the data folder");
 
+  // The survey project: new, import, export, list.
+  auto* projectCmd = app.add_subcommand("project", "Make a survey project (a GeoPackage) and import, export and list its points.");
+  projectCmd->require_subcommand(1);
+  std::string projectFile, projectOther, projectColumns, projectUnit = "ft", projectFoot, projectDuplicate = "skip";
+  int projectEpsg = 0;
+  bool projectJson = false;
+  auto* projectNewCmd = projectCmd->add_subcommand("new", "Make a new project");
+  projectNewCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectNewCmd->add_option("--epsg", projectEpsg, "The coordinate system by its EPSG code; none: local coordinates");
+  projectNewCmd->add_option("--foot", projectFoot, "On a system in metres: the coordinates' foot, us or international")
+      ->check(CLI::IsMember({"us", "international"}));
+  projectNewCmd->add_option("--unit", projectUnit, "Local coordinates' unit, ft or m (ft)")->check(CLI::IsMember({"ft", "m"}));
+  auto* projectImportCmd = projectCmd->add_subcommand("import", "Import the points of a file into the project");
+  projectImportCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectImportCmd->add_option("file", projectOther,
+                               "A coordinate file (the four formats the program reads, a CSV by its header or --columns), "
+                               "LandXML (.xml) or a raw file (.rw5)")
+      ->required();
+  projectImportCmd->add_option("--columns", projectColumns, "The file's column order: P, N, E, Z and D, such as PNEZD");
+  projectImportCmd->add_option("--on-duplicate", projectDuplicate,
+                               "A number the project holds already: skip it, replace the point, or renumber from the next free number")
+      ->check(CLI::IsMember({"skip", "replace", "renumber"}));
+  projectImportCmd->add_flag("--json", projectJson, "Print the counts as JSON");
+  auto* projectExportCmd = projectCmd->add_subcommand("export", "Export the project's points to a file, its kind by its ending");
+  projectExportCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectExportCmd->add_option("file", projectOther, "The file (.csv .txt .xml .dxf .gpkg .geojson .kml)")->required();
+  projectExportCmd->add_flag("--json", projectJson, "Print the result as JSON");
+  auto* projectListCmd = projectCmd->add_subcommand("list", "List the project's points");
+  projectListCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectListCmd->add_flag("--json", projectJson, "Print the project and its points as JSON");
+
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
   pointsCmd->add_option("file", pointsFile, "The coordinate file")->required();
@@ -179,6 +211,29 @@ int run(int argc, char** argv) {
   if (runCmd->parsed()) return runCommand(run);
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
+  if (projectNewCmd->parsed()) {
+    tervalo::ProjectSettings settings;
+    settings.unit = projectUnit;
+    if (projectEpsg != 0) {
+      try {
+        nlohmann::ordered_json crs{{"epsg", projectEpsg}};
+        if (!projectFoot.empty()) crs["foot"] = projectFoot;
+        settings.crs = tervalo::usableCrsFromJson(crs);
+      } catch (const tervalo::CrsError& e) {
+        std::cerr << "tervalo-cli: --epsg: " << e.what() << "\n";
+        return kUsage;
+      }
+    }
+    return tervalo::projectNew(projectFile, settings, std::cout, std::cerr);
+  }
+  if (projectImportCmd->parsed())
+    return tervalo::projectImport(projectFile, projectOther, projectColumns,
+                                  projectDuplicate == "replace"    ? tervalo::OnDuplicate::Replace
+                                  : projectDuplicate == "renumber" ? tervalo::OnDuplicate::Renumber
+                                                                   : tervalo::OnDuplicate::Skip,
+                                  projectJson, std::cout, std::cerr);
+  if (projectListCmd->parsed()) return tervalo::projectList(projectFile, projectJson, std::cout, std::cerr);
+  if (projectExportCmd->parsed()) return tervalo::projectExport(projectFile, projectOther, projectJson, tervalo::localToday(), std::cout, std::cerr);
   // restore and traverse: a file, its data folder and date, then the command itself.
   const auto fileCommand = [](const RunOptionsCli& options, auto act) {
     int status = 0;

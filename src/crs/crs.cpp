@@ -1,4 +1,5 @@
 #include "crs/crs.h"
+#include "crs/project_store.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -87,6 +88,32 @@ std::string crsTitle(const CrsChoice& crs) {
   }
   if (!crs.foot.empty()) title += crs.foot == "us" ? ", coordinates in US survey feet" : ", coordinates in international feet";
   return title;
+}
+
+}  // namespace tervalo
+
+namespace tervalo {
+
+std::unique_ptr<ProjectFile> createProject(const std::filesystem::path& file, const ProjectSettings& settings) {
+  try {
+    ProjectSettings s = settings;
+    if (!s.crs.none()) {
+      // The coordinates' unit is the system's, or the foot given on a metric one.
+      const CrsDescription d = geo().describe(s.crs.epsg);
+      s.unit = std::fabs(d.metresPerUnit - 1) < 1e-12 && s.crs.foot.empty() ? "m" : "ft";
+    }
+    return geo().project(file, &s);
+  } catch (const CrsError& e) {
+    throw ProjectError(e.what());
+  }
+}
+
+std::unique_ptr<ProjectFile> openProject(const std::filesystem::path& file) {
+  try {
+    return geo().project(file, nullptr);
+  } catch (const CrsError& e) {
+    throw ProjectError(e.what());
+  }
 }
 
 }  // namespace tervalo

@@ -6,6 +6,7 @@
 // Nothing geodetic is computed here; every transformation is PROJ's.
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -94,6 +95,9 @@ struct GisDocument {
   std::vector<GisLine> lines;
 };
 
+class ProjectFile;
+struct ProjectSettings;
+
 // The module's work, behind the loader.
 class Geo {
  public:
@@ -115,6 +119,9 @@ class Geo {
   // A GIS file by GDAL's driver "GPKG", "GeoJSON" or "KML", written to `file`
   // (the caller puts it in place): RunTimeError-like CrsError on a fault.
   virtual void writeGis(const GisDocument& document, const std::string& driver, const std::filesystem::path& file) = 0;
+  // A survey project's GeoPackage: made new with `create`'s settings, or
+  // opened. ProjectError saying why not.
+  virtual std::unique_ptr<ProjectFile> project(const std::filesystem::path& file, const ProjectSettings* create) = 0;
 };
 
 // The module, loaded on first use. CrsError when it cannot be loaded.

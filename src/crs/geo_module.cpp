@@ -20,8 +20,12 @@
 #include <vector>
 
 #include "crs/crs.h"
+#include "crs/project_store.h"
 
 namespace tervalo {
+
+std::unique_ptr<ProjectFile> gpkgProject(const std::filesystem::path& file, const ProjectSettings* create, const std::string& wkt);
+
 namespace {
 
 constexpr double kUsFootMetres = 1200.0 / 3937.0;
@@ -250,6 +254,28 @@ class ProjGeo : public Geo {
     if (CPLGetLastErrorType() >= CE_Failure && fault.empty()) fault = CPLGetLastErrorMsg();
     if (srs) OSRDestroySpatialReference(srs);
     if (!fault.empty()) throw CrsError("GDAL could not write the " + driverName + " file: " + fault);
+  }
+
+  std::unique_ptr<ProjectFile> project(const std::filesystem::path& file, const ProjectSettings* create) override {
+    std::string wkt;
+    if (create && create->crs.none()) {
+      // No system: a local engineering system in the project's unit, so that nothing puts it on the earth.
+      const std::string unit = create->unit == "m" ? "LENGTHUNIT[\"metre\",1]" : "LENGTHUNIT[\"US survey foot\",0.304800609601219]";
+      wkt = "ENGCRS[\"Tervalo local coordinates\",EDATUM[\"Tervalo local datum\"],CS[Cartesian,2],AXIS[\"easting (E)\",east,ORDER[1]," +
+            unit + "],AXIS[\"northing (N)\",north,ORDER[2]," + unit + "]]";
+    } else if (create) {
+      System& s = system(create->crs);
+      const bool altered = s.metresPerJobUnit != base(create->crs.epsg).description.metresPerUnit;
+      // A metric system in feet is the project's own, named so, that no GIS takes it for EPSG's in metres.
+      Pj named(altered ? proj_alter_name(ctx_, s.crs.get(), (s.description.name + " (" + (create->crs.foot == "us" ? "US survey foot" : "foot") + ")").c_str())
+                       : proj_clone(ctx_, s.crs.get()));
+      // An identifier of the project's own, or GDAL would take the UTM zone for EPSG's by its parameters alone.
+      if (altered && named) named.reset(proj_alter_id(ctx_, named.get(), "TERVALO", std::to_string(create->crs.epsg).c_str()));
+      const char* text = named ? proj_as_wkt(ctx_, named.get(), PJ_WKT2_2019, nullptr) : nullptr;
+      if (!text) throw CrsError("PROJ gives no WKT for " + s.description.name);
+      wkt = text;
+    }
+    return gpkgProject(file, create, wkt);
   }
 
  private:

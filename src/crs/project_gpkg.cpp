@@ -1,0 +1,340 @@
+// A survey project as a GeoPackage, through GDAL's driver alone: the
+// `points` layer in the project's system, and two attribute tables of its
+// own, `tervalo_project` (what the project is) and `tervalo_journal` (one
+// row a change). Built into the coordinate system module.
+
+#include <cpl_error.h>
+#include <cpl_string.h>
+#include <gdal.h>
+#include <ogr_api.h>
+#include <ogr_srs_api.h>
+
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <ctime>
+#include <map>
+#include <set>
+
+#include "crs/project_store.h"
+
+namespace tervalo {
+
+constexpr int kProjectSchema = 1;
+
+namespace {
+
+const char* const kTextFields[] = {"number", "description", "feature", "evidence", "source", "modified"};
+
+std::string now() {
+  const std::time_t t = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  std::tm utc{};
+  gmtime_r(&t, &utc);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+  return text;
+}
+
+// A text as an SQL string literal for GDAL's attribute filter.
+std::string literal(const std::string& text) {
+  std::string out = "'";
+  for (char c : text) out += c == '\'' ? std::string("''") : std::string(1, c);
+  return out + "'";
+}
+
+std::string lastError() {
+  const std::string text = CPLGetLastErrorMsg();
+  return text.empty() ? "GDAL gave no reason" : text;
+}
+
+class GpkgProject : public ProjectFile {
+ public:
+  GpkgProject(const std::filesystem::path& file, GDALDatasetH ds) : file_(file), ds_(ds) {}
+  ~GpkgProject() override {
+    if (ds_) GDALClose(ds_);
+  }
+
+  static std::unique_ptr<ProjectFile> create(const std::filesystem::path& file, const ProjectSettings& settings, const std::string& wkt) {
+    std::error_code ec;
+    if (std::filesystem::exists(file, ec)) throw ProjectError("\"" + file.string() + "\" exists already: open it, or name a new project");
+    GDALDriverH driver = GDALGetDriverByName("GPKG");
+    if (!driver) throw ProjectError("GDAL has no GeoPackage driver");
+    CPLErrorReset();
+    GDALDatasetH ds = GDALCreate(driver, file.c_str(), 0, 0, 0, GDT_Unknown, nullptr);
+    if (!ds) throw ProjectError("\"" + file.string() + "\" cannot be made: " + lastError());
+    auto project = std::make_unique<GpkgProject>(file, ds);
+    try {
+      project->lay(settings, wkt);
+    } catch (...) {
+      project.reset();
+      std::filesystem::remove(file, ec);  // a project is made whole or not at all
+      throw;
+    }
+    return project;
+  }
+
+  static std::unique_ptr<ProjectFile> open(const std::filesystem::path& file) {
+    std::error_code ec;
+    if (!std::filesystem::exists(file, ec)) throw ProjectError("\"" + file.string() + "\" does not exist");
+    const char* drivers[] = {"GPKG", nullptr};
+    CPLErrorReset();
+    GDALDatasetH ds = GDALOpenEx(file.c_str(), GDAL_OF_VECTOR | GDAL_OF_UPDATE, drivers, nullptr, nullptr);
+    if (!ds) {
+      // Read-only folders and files still open, to be read.
+      ds = GDALOpenEx(file.c_str(), GDAL_OF_VECTOR, drivers, nullptr, nullptr);
+      if (!ds) throw ProjectError("\"" + file.string() + "\" is not a GeoPackage GDAL can open: " + lastError());
+    }
+    auto project = std::make_unique<GpkgProject>(file, ds);
+    project->readSettings();
+    return project;
+  }
+
+  const ProjectSettings& settings() const override { return settings_; }
+
+  std::vector<ProjectPoint> points() override {
+    std::vector<ProjectPoint> out;
+    OGRLayerH layer = pointsLayer();
+    OGR_L_SetAttributeFilter(layer, nullptr);
+    OGR_L_ResetReading(layer);
+    while (OGRFeatureH f = OGR_L_GetNextFeature(layer)) {
+      out.push_back(point(f));
+      OGR_F_Destroy(f);
+    }
+    return out;
+  }
+
+  std::optional<ProjectPoint> find(const std::string& number) override {
+    OGRFeatureH f = feature(number);
+    if (!f) return std::nullopt;
+    ProjectPoint p = point(f);
+    OGR_F_Destroy(f);
+    return p;
+  }
+
+  StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source) override {
+    StoreCounts counts;
+    counts.read = static_cast<int>(points.size());
+    OGRLayerH layer = pointsLayer();
+    begin();
+    try {
+      std::set<std::string> numbers;
+      for (const ProjectPoint& p : existing()) numbers.insert(p.number);
+      long next = nextFree(numbers);
+      const std::string when = now();
+      for (ProjectPoint& p : points) {
+        if (p.number.empty()) throw ProjectError("a point has no number");
+        p.modified = when;
+        if (p.source.empty()) p.source = source;
+        OGRFeatureH old = numbers.count(p.number) ? feature(p.number) : nullptr;
+        if (old && onDuplicate == OnDuplicate::Skip) {
+          OGR_F_Destroy(old);
+          ++counts.skipped;
+          continue;
+        }
+        if (old && onDuplicate == OnDuplicate::Renumber) {
+          OGR_F_Destroy(old);
+          old = nullptr;
+          p.number = std::to_string(next++);
+          ++counts.renumbered;
+        }
+        OGRFeatureH f = old ? old : OGR_F_Create(OGR_L_GetLayerDefn(layer));
+        fill(f, p);
+        const OGRErr e = old ? OGR_L_SetFeature(layer, f) : OGR_L_CreateFeature(layer, f);
+        OGR_F_Destroy(f);
+        if (e != OGRERR_NONE) throw ProjectError("point " + p.number + " cannot be stored: " + lastError());
+        if (old) ++counts.replaced;
+        numbers.insert(p.number);
+        ++counts.stored;
+      }
+      journal(source, std::to_string(counts.stored) + " stored, " + std::to_string(counts.skipped) + " skipped, " +
+                          std::to_string(counts.replaced) + " replaced, " + std::to_string(counts.renumbered) + " renumbered");
+      commit();
+    } catch (...) {
+      GDALDatasetRollbackTransaction(ds_);
+      throw;
+    }
+    return counts;
+  }
+
+ private:
+  OGRLayerH pointsLayer() const {
+    OGRLayerH layer = GDALDatasetGetLayerByName(ds_, "points");
+    if (!layer) throw ProjectError("\"" + file_.string() + "\" is a GeoPackage but not a Tervalo project: it has no points layer");
+    return layer;
+  }
+
+  std::vector<ProjectPoint> existing() { return points(); }
+
+  static long nextFree(const std::set<std::string>& numbers) {
+    long most = 0;
+    for (const std::string& n : numbers)
+      if (!n.empty() && n.size() < 10 && std::all_of(n.begin(), n.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); }))
+        most = std::max(most, std::stol(n));
+    return most + 1;
+  }
+
+  OGRFeatureH feature(const std::string& number) {
+    OGRLayerH layer = pointsLayer();
+    OGR_L_SetAttributeFilter(layer, ("number = " + literal(number)).c_str());
+    OGR_L_ResetReading(layer);
+    OGRFeatureH f = OGR_L_GetNextFeature(layer);
+    OGR_L_SetAttributeFilter(layer, nullptr);
+    return f;
+  }
+
+  static ProjectPoint point(OGRFeatureH f) {
+    ProjectPoint p;
+    const auto text = [f](const char* name) {
+      const int i = OGR_F_GetFieldIndex(f, name);
+      return i >= 0 && OGR_F_IsFieldSetAndNotNull(f, i) ? std::string(OGR_F_GetFieldAsString(f, i)) : std::string();
+    };
+    const auto number = [f](const char* name) -> std::optional<double> {
+      const int i = OGR_F_GetFieldIndex(f, name);
+      if (i < 0 || !OGR_F_IsFieldSetAndNotNull(f, i)) return std::nullopt;
+      return OGR_F_GetFieldAsDouble(f, i);
+    };
+    p.number = text("number");
+    p.northing = number("northing").value_or(0);
+    p.easting = number("easting").value_or(0);
+    p.elevation = number("elevation");
+    p.description = text("description");
+    p.feature = text("feature");
+    p.evidence = text("evidence");
+    p.source = text("source");
+    p.modified = text("modified");
+    return p;
+  }
+
+  static void fill(OGRFeatureH f, const ProjectPoint& p) {
+    const std::pair<const char*, const std::string*> texts[] = {{"number", &p.number},   {"description", &p.description},
+                                                               {"feature", &p.feature}, {"evidence", &p.evidence},
+                                                               {"source", &p.source},   {"modified", &p.modified}};
+    for (const auto& [name, value] : texts) OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, name), value->c_str());
+    OGR_F_SetFieldDouble(f, OGR_F_GetFieldIndex(f, "northing"), p.northing);
+    OGR_F_SetFieldDouble(f, OGR_F_GetFieldIndex(f, "easting"), p.easting);
+    const int z = OGR_F_GetFieldIndex(f, "elevation");
+    if (p.elevation)
+      OGR_F_SetFieldDouble(f, z, *p.elevation);
+    else
+      OGR_F_SetFieldNull(f, z);
+    OGRGeometryH g = OGR_G_CreateGeometry(wkbPoint);
+    OGR_G_SetPoint_2D(g, 0, p.easting, p.northing);
+    OGR_F_SetGeometryDirectly(f, g);
+  }
+
+  void begin() {
+    CPLErrorReset();
+    if (GDALDatasetStartTransaction(ds_, FALSE) != OGRERR_NONE) fail("cannot be changed");
+  }
+
+  void commit() {
+    if (GDALDatasetCommitTransaction(ds_) != OGRERR_NONE) fail("cannot be changed");
+  }
+
+  // A fault of the file: a second writer, a read-only file, a full disk, in the program's words.
+  [[noreturn]] void fail(const std::string& what) const {
+    const std::string why = lastError();
+    if (why.find("locked") != std::string::npos || why.find("busy") != std::string::npos)
+      throw ProjectError("\"" + file_.string() + "\" " + what + ": another program (another Tervalo?) is changing it; try again when it is done");
+    if (why.find("readonly") != std::string::npos || why.find("read-only") != std::string::npos)
+      throw ProjectError("\"" + file_.string() + "\" " + what + ": it is read-only");
+    if (why.find("disk is full") != std::string::npos)
+      throw ProjectError("\"" + file_.string() + "\" " + what + ": No space left on device");
+    throw ProjectError("\"" + file_.string() + "\" " + what + ": " + why);
+  }
+
+  void journal(const std::string& source, const std::string& what) {
+    OGRLayerH layer = GDALDatasetGetLayerByName(ds_, "tervalo_journal");
+    if (!layer) return;
+    OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(layer));
+    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "changed"), now().c_str());
+    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "source"), source.c_str());
+    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "what"), what.c_str());
+    const OGRErr e = OGR_L_CreateFeature(layer, f);
+    OGR_F_Destroy(f);
+    if (e != OGRERR_NONE) fail("cannot be changed");
+  }
+
+  void lay(const ProjectSettings& settings, const std::string& wkt) {
+    settings_ = settings;
+    OGRSpatialReferenceH srs = OSRNewSpatialReference(nullptr);
+    if (OSRSetFromUserInput(srs, wkt.c_str()) != OGRERR_NONE) {
+      OSRDestroySpatialReference(srs);
+      throw ProjectError("GDAL cannot take the project's coordinate system");
+    }
+    OSRSetAxisMappingStrategy(srs, OAMS_TRADITIONAL_GIS_ORDER);
+    begin();
+    char** options = CSLSetNameValue(nullptr, "GEOMETRY_NAME", "geom");
+    OGRLayerH points = GDALDatasetCreateLayer(ds_, "points", srs, wkbPoint, options);
+    CSLDestroy(options);
+    OSRDestroySpatialReference(srs);
+    if (!points) fail("cannot be made");
+    const auto field = [this](OGRLayerH layer, const char* name, OGRFieldType type) {
+      OGRFieldDefnH d = OGR_Fld_Create(name, type);
+      const OGRErr e = OGR_L_CreateField(layer, d, TRUE);
+      OGR_Fld_Destroy(d);
+      if (e != OGRERR_NONE) fail("cannot be made");
+    };
+    field(points, "number", OFTString);
+    field(points, "northing", OFTReal);
+    field(points, "easting", OFTReal);
+    field(points, "elevation", OFTReal);
+    for (const char* name : kTextFields)
+      if (std::string(name) != "number") field(points, name, OFTString);
+    OGRLayerH about = GDALDatasetCreateLayer(ds_, "tervalo_project", nullptr, wkbNone, nullptr);
+    OGRLayerH journalLayer = GDALDatasetCreateLayer(ds_, "tervalo_journal", nullptr, wkbNone, nullptr);
+    if (!about || !journalLayer) fail("cannot be made");
+    field(about, "key", OFTString);
+    field(about, "value", OFTString);
+    for (const char* name : {"changed", "source", "what"}) field(journalLayer, name, OFTString);
+    const std::pair<std::string, std::string> rows[] = {{"schema", std::to_string(kProjectSchema)},
+                                                        {"unit", settings.unit},
+                                                        {"epsg", settings.crs.none() ? "" : std::to_string(settings.crs.epsg)},
+                                                        {"foot", settings.crs.foot}};
+    for (const auto& [key, value] : rows) {
+      OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(about));
+      OGR_F_SetFieldString(f, 0, key.c_str());
+      OGR_F_SetFieldString(f, 1, value.c_str());
+      const OGRErr e = OGR_L_CreateFeature(about, f);
+      OGR_F_Destroy(f);
+      if (e != OGRERR_NONE) fail("cannot be made");
+    }
+    journal("project new", "made");
+    commit();
+    // Numbers are unique and found by an index, as the section form finds them.
+    OGRLayerH made = GDALDatasetExecuteSQL(ds_, "CREATE UNIQUE INDEX points_number ON points(number)", nullptr, nullptr);
+    if (made) GDALDatasetReleaseResultSet(ds_, made);
+    if (CPLGetLastErrorType() >= CE_Failure) fail("cannot be made");
+  }
+
+  void readSettings() {
+    OGRLayerH about = GDALDatasetGetLayerByName(ds_, "tervalo_project");
+    pointsLayer();
+    if (!about) throw ProjectError("\"" + file_.string() + "\" is a GeoPackage but not a Tervalo project: it has no tervalo_project table");
+    std::map<std::string, std::string> values;
+    OGR_L_ResetReading(about);
+    while (OGRFeatureH f = OGR_L_GetNextFeature(about)) {
+      values[OGR_F_GetFieldAsString(f, 0)] = OGR_F_GetFieldAsString(f, 1);
+      OGR_F_Destroy(f);
+    }
+    const int schema = std::atoi(values["schema"].c_str());
+    if (schema > kProjectSchema)
+      throw ProjectError("\"" + file_.string() + "\" comes from a newer Tervalo (project version " + values["schema"] + ")");
+    if (schema < 1) throw ProjectError("\"" + file_.string() + "\" is not a Tervalo project: its version is missing");
+    settings_.unit = values["unit"] == "m" ? "m" : "ft";
+    settings_.crs.epsg = std::atoi(values["epsg"].c_str());
+    settings_.crs.foot = values["foot"];
+  }
+
+  std::filesystem::path file_;
+  GDALDatasetH ds_;
+  ProjectSettings settings_;
+};
+
+}  // namespace
+
+std::unique_ptr<ProjectFile> gpkgProject(const std::filesystem::path& file, const ProjectSettings* create, const std::string& wkt) {
+  return create ? GpkgProject::create(file, *create, wkt) : GpkgProject::open(file);
+}
+
+}  // namespace tervalo
