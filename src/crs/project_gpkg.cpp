@@ -10,6 +10,7 @@
 #include <ogr_srs_api.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <chrono>
 #include <ctime>
@@ -25,6 +26,7 @@ constexpr int kProjectSchema = 1;
 namespace {
 
 const char* const kTextFields[] = {"number", "description", "feature", "evidence", "source", "modified"};
+const char* const kFields[] = {"number", "northing", "easting", "elevation", "description", "feature", "evidence", "source", "modified"};
 
 std::string now() {
   const std::time_t t = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
@@ -117,9 +119,11 @@ class GpkgProject : public ProjectFile {
     OGRLayerH layer = pointsLayer();
     begin();
     try {
-      std::set<std::string> numbers;
-      for (const ProjectPoint& p : existing()) numbers.insert(p.number);
+      std::set<std::string> numbers = this->numbers();
       long next = nextFree(numbers);
+      // Many points at once: the index on numbers is made again after them, in the same transaction.
+      const bool bulk = points.size() > 10000;
+      if (bulk) sql("DROP INDEX IF EXISTS points_number");
       const std::string when = now();
       for (ProjectPoint& p : points) {
         if (p.number.empty()) throw ProjectError("a point has no number");
@@ -146,6 +150,7 @@ class GpkgProject : public ProjectFile {
         numbers.insert(p.number);
         ++counts.stored;
       }
+      if (bulk) sql("CREATE UNIQUE INDEX points_number ON points(number)");
       journal(source, std::to_string(counts.stored) + " stored, " + std::to_string(counts.skipped) + " skipped, " +
                           std::to_string(counts.replaced) + " replaced, " + std::to_string(counts.renumbered) + " renumbered");
       commit();
@@ -163,7 +168,22 @@ class GpkgProject : public ProjectFile {
     return layer;
   }
 
-  std::vector<ProjectPoint> existing() { return points(); }
+  // The numbers the project holds, read without the rest of each point.
+  std::set<std::string> numbers() {
+    OGRLayerH layer = pointsLayer();
+    const char* ignored[] = {"northing", "easting", "elevation", "description", "feature", "evidence", "source", "modified", "OGR_GEOMETRY", nullptr};
+    OGR_L_SetIgnoredFields(layer, ignored);
+    OGR_L_SetAttributeFilter(layer, nullptr);
+    OGR_L_ResetReading(layer);
+    std::set<std::string> out;
+    const int field = OGR_FD_GetFieldIndex(OGR_L_GetLayerDefn(layer), "number");
+    while (OGRFeatureH f = OGR_L_GetNextFeature(layer)) {
+      out.insert(OGR_F_GetFieldAsString(f, field));
+      OGR_F_Destroy(f);
+    }
+    OGR_L_SetIgnoredFields(layer, nullptr);
+    return out;
+  }
 
   static long nextFree(const std::set<std::string>& numbers) {
     long most = 0;
@@ -205,14 +225,23 @@ class GpkgProject : public ProjectFile {
     return p;
   }
 
-  static void fill(OGRFeatureH f, const ProjectPoint& p) {
-    const std::pair<const char*, const std::string*> texts[] = {{"number", &p.number},   {"description", &p.description},
-                                                               {"feature", &p.feature}, {"evidence", &p.evidence},
-                                                               {"source", &p.source},   {"modified", &p.modified}};
-    for (const auto& [name, value] : texts) OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, name), value->c_str());
-    OGR_F_SetFieldDouble(f, OGR_F_GetFieldIndex(f, "northing"), p.northing);
-    OGR_F_SetFieldDouble(f, OGR_F_GetFieldIndex(f, "easting"), p.easting);
-    const int z = OGR_F_GetFieldIndex(f, "elevation");
+  // The points layer's fields by name, found once: every one must be there.
+  void resolve() {
+    OGRFeatureDefnH defn = OGR_L_GetLayerDefn(pointsLayer());
+    for (std::size_t i = 0; i < std::size(kFields); ++i) {
+      fields_[i] = OGR_FD_GetFieldIndex(defn, kFields[i]);
+      if (fields_[i] < 0)
+        throw ProjectError("\"" + file_.string() + "\" is not a Tervalo project: its points have no field " + kFields[i]);
+    }
+  }
+
+  void fill(OGRFeatureH f, const ProjectPoint& p) const {
+    const std::string* texts[] = {&p.number, &p.description, &p.feature, &p.evidence, &p.source, &p.modified};
+    const int textIndex[] = {fields_[0], fields_[4], fields_[5], fields_[6], fields_[7], fields_[8]};
+    for (std::size_t i = 0; i < std::size(texts); ++i) OGR_F_SetFieldString(f, textIndex[i], texts[i]->c_str());
+    OGR_F_SetFieldDouble(f, fields_[1], p.northing);
+    OGR_F_SetFieldDouble(f, fields_[2], p.easting);
+    const int z = fields_[3];
     if (p.elevation)
       OGR_F_SetFieldDouble(f, z, *p.elevation);
     else
@@ -241,6 +270,13 @@ class GpkgProject : public ProjectFile {
     if (why.find("disk is full") != std::string::npos)
       throw ProjectError("\"" + file_.string() + "\" " + what + ": No space left on device");
     throw ProjectError("\"" + file_.string() + "\" " + what + ": " + why);
+  }
+
+  void sql(const char* statement) {
+    CPLErrorReset();
+    OGRLayerH result = GDALDatasetExecuteSQL(ds_, statement, nullptr, nullptr);
+    if (result) GDALDatasetReleaseResultSet(ds_, result);
+    if (CPLGetLastErrorType() >= CE_Failure) fail("cannot be changed");
   }
 
   void journal(const std::string& source, const std::string& what) {
@@ -299,12 +335,11 @@ class GpkgProject : public ProjectFile {
       OGR_F_Destroy(f);
       if (e != OGRERR_NONE) fail("cannot be made");
     }
+    resolve();
     journal("project new", "made");
     commit();
     // Numbers are unique and found by an index, as the section form finds them.
-    OGRLayerH made = GDALDatasetExecuteSQL(ds_, "CREATE UNIQUE INDEX points_number ON points(number)", nullptr, nullptr);
-    if (made) GDALDatasetReleaseResultSet(ds_, made);
-    if (CPLGetLastErrorType() >= CE_Failure) fail("cannot be made");
+    sql("CREATE UNIQUE INDEX points_number ON points(number)");
   }
 
   void readSettings() {
@@ -321,6 +356,7 @@ class GpkgProject : public ProjectFile {
     if (schema > kProjectSchema)
       throw ProjectError("\"" + file_.string() + "\" comes from a newer Tervalo (project version " + values["schema"] + ")");
     if (schema < 1) throw ProjectError("\"" + file_.string() + "\" is not a Tervalo project: its version is missing");
+    resolve();
     settings_.unit = values["unit"] == "m" ? "m" : "ft";
     settings_.crs.epsg = std::atoi(values["epsg"].c_str());
     settings_.crs.foot = values["foot"];
@@ -329,6 +365,7 @@ class GpkgProject : public ProjectFile {
   std::filesystem::path file_;
   GDALDatasetH ds_;
   ProjectSettings settings_;
+  std::array<int, 9> fields_{};
 };
 
 }  // namespace
