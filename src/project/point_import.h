@@ -1,0 +1,25 @@
+#pragma once
+// The points of a file for a survey project: the program's four coordinate
+// formats (by content), a delimited file by its header or a column order,
+// LandXML CgPoints, and raw files reduced as the traverse command reduces
+// them. Faults are ProjectError naming the file and the line.
+
+#include <string>
+#include <vector>
+
+#include "crs/project_store.h"
+
+namespace tervalo {
+
+// A delimited text by its column order (P, N, E, Z and D, such as "PNEZD";
+// "" for the order its header line names): comma (with quotes), tab or
+// blank separated, a header line passed over. `name` names the file in
+// messages.
+std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string& text, std::string order);
+
+// The points of the file `name`, by its ending or its content; `columns`
+// as above overrides both; one number given twice is refused. GNSS points
+// of a raw file go onto `crs`'s grid.
+std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::string& columns, const CrsChoice& crs);
+
+}  // namespace tervalo
