@@ -28,6 +28,16 @@ std::string lowerEnding(const std::filesystem::path& file) {
   return e;
 }
 
+// A number, or nothing for a text or a number past a double's range.
+std::optional<double> numberIn(const std::string& text) {
+  try {
+    const auto v = strictNumber(text);
+    return v && std::isfinite(*v) ? v : std::nullopt;
+  } catch (const RunTimeError&) {
+    return std::nullopt;
+  }
+}
+
 [[noreturn]] void bad(const std::string& file, int line, const std::string& why) {
   throw ProjectError("\"" + file + "\" line " + std::to_string(line) + ": " + why);
 }
@@ -124,13 +134,8 @@ std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string
       if (column == 'P') p.number = value;
       if (column == 'D') p.description = value;
       if (column == 'N' || column == 'E' || (column == 'Z' && !value.empty())) {
-        std::optional<double> v;
-        try {
-          v = strictNumber(value);
-        } catch (const RunTimeError&) {  // past a double's range
-          v.reset();
-        }
-        if (!v || !std::isfinite(*v))
+        const std::optional<double> v = numberIn(value);
+        if (!v)
           bad(name, line, std::string(column == 'N' ? "the northing" : column == 'E' ? "the easting" : "the elevation") + " is not a number: \"" +
                               value + "\"");
         (column == 'N' ? p.northing : column == 'E' ? p.easting : p.elevation.emplace()) = *v;
@@ -158,13 +163,8 @@ std::vector<ProjectPoint> landXmlFile(const std::string& name, const std::string
     std::istringstream values(c.child_value());
     std::vector<double> v;
     for (std::string t; values >> t;) {
-      std::optional<double> d;
-      try {
-        d = strictNumber(t);
-      } catch (const RunTimeError&) {
-        d.reset();
-      }
-      if (!d || !std::isfinite(*d)) throw ProjectError("\"" + name + "\": the CgPoint " + p.number + " holds \"" + t + "\", not a coordinate");
+      const std::optional<double> d = numberIn(t);
+      if (!d) throw ProjectError("\"" + name + "\": the CgPoint " + p.number + " holds \"" + t + "\", not a coordinate");
       v.push_back(*d);
     }
     if (p.number.empty() || v.size() < 2) continue;  // a reference to another point, not a point
