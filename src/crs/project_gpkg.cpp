@@ -84,6 +84,8 @@ class GpkgProject : public ProjectFile {
     if (!ds) {
       // Read-only folders and files still open, to be read.
       ds = GDALOpenEx(file.c_str(), GDAL_OF_VECTOR, drivers, nullptr, nullptr);
+      if (!ds && lastError().find("locked") != std::string::npos)
+        throw ProjectError("\"" + file.string() + "\" is being changed by another program (another Tervalo?): try again when it is done");
       if (!ds) throw ProjectError("\"" + file.string() + "\" is not a GeoPackage GDAL can open: " + lastError());
     }
     auto project = std::make_unique<GpkgProject>(file, ds);

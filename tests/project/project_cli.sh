@@ -68,6 +68,19 @@ ogr2ogr -f GPKG foreign.gpkg "$examples/section14.csv" 2>/dev/null
 printf 'not a database' >damaged.gpkg
 "$cli" project list damaged.gpkg >out 2>&1; [ $? -eq 2 ] && grep -q "is not a GeoPackage" out || fail "a damaged file: $(cat out)"
 
+# A project from a newer Tervalo is refused; a second writer holding the file is said as one.
+cp local.gpkg newer.gpkg
+ogrinfo -update newer.gpkg -sql "UPDATE tervalo_project SET value='9' WHERE key='schema'" >/dev/null 2>&1
+"$cli" project list newer.gpkg >out 2>&1; [ $? -eq 2 ] && grep -q "comes from a newer Tervalo (project version 9)" out || fail "a newer project: $(cat out)"
+python3 -c 'import sqlite3, sys, time
+c = sqlite3.connect(sys.argv[1], isolation_level=None)
+c.execute("BEGIN EXCLUSIVE")
+time.sleep(14)' local.gpkg &
+sleep 0.5
+"$cli" project import local.gpkg blank.txt --columns PNEZD >out 2>&1; [ $? -eq 2 ] && grep -q "is being changed by another program" out ||
+  fail "a second writer: $(cat out)"
+wait
+
 # An import killed midway: the project holds what it held before, whole.
 python3 -c '
 for i in range(300000): print("%d,%d.5,%d.25,,SHOT" % (100000 + i, 200000 + i, 300000 + i))' >big.txt
