@@ -18,6 +18,7 @@
 #include "text/format.h"
 #include "text/justify.h"
 #include "text/input_file.h"
+#include "crs/project_store.h"
 #include "traverse/raw_survey.h"
 #include "traverse/rw5.h"
 
@@ -160,6 +161,25 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
       CornerMap map = traverseMap(input, run.result);
       map.system = mapSystem(input.crs);
       exportTo(map, exports, dataFolder, today, files);
+    }
+    if (!input.project.empty()) {
+      // The adjusted stations and side shots into the project; the held ones stay as the project holds them.
+      std::vector<ProjectPoint> adjusted;
+      for (const auto& p : run.json["points"]) {
+        if (p.value("held", false)) continue;
+        ProjectPoint q{p["name"], p["y"], p["x"], std::nullopt, p.value("note", std::string()), p.value("side_shot", false) ? "SS" : "TRAV", "",
+                       "", ""};
+        if (p.contains("z")) q.elevation = p["z"].get<double>();
+        adjusted.push_back(q);
+      }
+      const std::string source = "traverse " + std::filesystem::path(name).filename().string() + " adjusted by " + run.json["rule"].get<std::string>();
+      try {
+        const StoreCounts stored = openProject(input.project)->store(adjusted, OnDuplicate::Replace, source);
+        run.json["stored"] = stored.stored;
+        if (!json) out << "Stored " << stored.stored << " adjusted points in " << input.project << "\n";
+      } catch (const ProjectError& e) {
+        messages.push_back(std::string("The adjusted points are not stored: ") + e.what() + ".");
+      }
     }
   } catch (const ExportError& e) {
     messages.push_back(e.what());

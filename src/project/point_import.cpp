@@ -247,4 +247,19 @@ std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::strin
   return points;
 }
 
+PointList pointListOf(ProjectFile& project) {
+  PointList list = PointList::unbounded();
+  for (const ProjectPoint& p : project.points()) {
+    PointRecord r;
+    r.name = p.number;
+    r.x = p.easting;
+    r.y = p.northing;
+    r.feature = p.feature;
+    r.description = p.description;
+    if (!p.evidence.empty()) r.evidence = p.evidence;
+    list.records.push_back(std::move(r));
+  }
+  return list;
+}
+
 }  // namespace tervalo

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "crs/project_store.h"
+#include "points/point_list.h"
 
 namespace tervalo {
 
@@ -21,5 +22,8 @@ std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string
 // as above overrides both; one number given twice is refused. GNSS points
 // of a raw file go onto `crs`'s grid.
 std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::string& columns, const CrsChoice& crs);
+
+// The project's points as a list the tools look point numbers up in.
+PointList pointListOf(ProjectFile& project);
 
 }  // namespace tervalo

@@ -66,6 +66,7 @@ std::optional<AdjustRule> ruleNamed(const std::string& name);
 struct TraverseInput {
   std::string units = "ft";  // "ft" or "m"
   std::string source;        // a coordinate file for points given by number
+  std::string project{};     // or a survey project (NAME.gpkg): points read from it, the adjusted ones stored in it
   KnownStation start;
   // The backsight: a known point, a direction, or both (a traverse station
   // whose direction from the start is known: the loop's last station).

@@ -113,7 +113,7 @@ TraverseInput parseTraverse(const std::string& text) {
     throw TraverseFileError(std::string("not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw TraverseFileError("a traverse file is a JSON object");
-  Fields::refuseUnknown(json, {"version", "units", "source", "adjust", "start", "backsight", "courses", "close", "sigma_angle",
+  Fields::refuseUnknown(json, {"version", "units", "source", "project", "adjust", "start", "backsight", "courses", "close", "sigma_angle",
                                "sigma_distance", "ppm", "side_shots", "crs", "ground"},
                         "the file");
   const Json version = json.value("version", Json(std::uint64_t{kTraverseVersion}));
@@ -124,6 +124,9 @@ TraverseInput parseTraverse(const std::string& text) {
   in.units = Fields::text(json.value("units", Json("ft")), "the file", "units");
   if (in.units != "ft" && in.units != "m") throw TraverseFileError("\"units\" is \"ft\" or \"m\"");
   if (json.contains("source")) in.source = Fields::text(json["source"], "the file", "source");
+  if (json.contains("project")) in.project = Fields::text(json["project"], "the file", "project");
+  if (!in.source.empty() && !in.project.empty())
+    throw TraverseFileError("\"source\" and \"project\" both name where the points are: give one");
   if (json.contains("adjust")) {
     const std::string rule = Fields::text(json["adjust"], "the file", "adjust");
     const auto named = ruleNamed(rule);
@@ -208,6 +211,8 @@ TraverseInput readTraverseFile(const std::string& name) {
   }
   if (!in.source.empty() && std::filesystem::path(in.source).is_relative())
     in.source = (file.parent_path() / in.source).lexically_normal().string();
+  if (!in.project.empty() && std::filesystem::path(in.project).is_relative())
+    in.project = (file.parent_path() / in.project).lexically_normal().string();
   return in;
 }
 
@@ -220,6 +225,7 @@ std::string traverseText(const TraverseInput& in) {
   };
   Json json{{"version", kTraverseVersion}, {"units", in.units}};
   if (!in.source.empty()) json["source"] = in.source;
+  if (!in.project.empty()) json["project"] = in.project;
   json["adjust"] = ruleName(in.adjust);
   if (in.adjust == AdjustRule::LeastSquares) {
     json["sigma_angle"] = in.sigmaAngle;

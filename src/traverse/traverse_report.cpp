@@ -5,6 +5,7 @@
 
 #include "crs/ground.h"
 #include "points/readers.h"
+#include "project/point_import.h"
 #include "text/angle.h"
 #include "text/errors.h"
 #include "text/format.h"
@@ -225,14 +226,21 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
     } catch (const ProgramFault& e) {
       throw TraverseFileError("the source file \"" + in.source + "\" cannot be read: " + e.what());
     }
+  } else if (!in.project.empty()) {
+    try {
+      points = pointListOf(*openProject(in.project));
+    } catch (const ProjectError& e) {
+      throw TraverseFileError(std::string("the project cannot be read: ") + e.what());
+    }
   }
+  const bool haveSource = !in.source.empty() || !in.project.empty();
   TraverseRun run;
-  run.result = computeTraverse(in, points, !in.source.empty());
+  run.result = computeTraverse(in, points, haveSource);
   TraverseInput reduced = in;
   if (in.ground) {
     // Each course's factor where the measured traverse puts it; a second run on the grid.
     reduceToGrid(reduced, run.result);
-    run.result = computeTraverse(reduced, points, !in.source.empty());
+    run.result = computeTraverse(reduced, points, haveSource);
   }
   const TraverseResult& r = run.result;
   run.report = reportLines(reduced, r, today);

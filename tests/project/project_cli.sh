@@ -52,6 +52,21 @@ assert p["source"] == "import section14.sdms", p["source"]' || fail "list --json
 "$cli" project export job.gpkg out.csv >/dev/null || fail "export"
 grep -q '^5001,289000.5000,513000.2500,1250.1250,"FENCE, CORNER"' out.csv || fail "the export lost 5001: $(grep 5001 out.csv)"
 
+# A traverse file naming the project: its stations by number from it, the adjusted ones stored in it.
+python3 -c 'import json, sys
+d = json.load(open(sys.argv[1]))
+d["project"] = "job.gpkg"
+d["start"] = d["close"] = {"point": "1001"}
+for c in d["courses"]:
+    c["to"] = "1001" if c["to"] == "1" else c["to"]
+json.dump(d, open("loop.traverse.json", "w"))' "$examples/loop.traverse.json"
+"$cli" traverse loop.traverse.json --data-dir data >out 2>&1 || fail "the traverse on the project: $(cat out)"
+grep -q "Stored 3 adjusted points in" out || fail "the traverse stored nothing: $(cat out)"
+station=$(ogrinfo -ro -al job.gpkg points -where "number='2'")
+grep -q "source (String) = traverse loop.traverse.json adjusted by compass" <<<"$station" || fail "station 2: $station"
+grep -q "description (String) = REPLACED" <<<"$(ogrinfo -ro -al job.gpkg points -where "number='1001'")" || fail "the held 1001 was changed"
+"$cli" project import job.gpkg blank.txt --columns PNEZD --on-duplicate skip >/dev/null
+
 # A local project in metres is declared as a local engineering system, placed nowhere on the earth.
 "$cli" project new local.gpkg --unit m >/dev/null || fail "local project"
 grep -q 'ENGCRS\["Tervalo local coordinates"' <<<"$(ogrinfo -ro -so local.gpkg points)" || fail "local project's system"
