@@ -1,6 +1,7 @@
 #include "cli/project_command.h"
 #include "project/point_import.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <ostream>
 
@@ -78,7 +79,8 @@ int projectList(const std::string& project, bool json, std::ostream& out, std::o
   out << "Project " << project << ": " << crsTitle(p->settings().crs) << ", " << (p->settings().unit == "m" ? "metres" : "feet") << ", "
       << points.size() << " points\n";
   for (const ProjectPoint& q : points)
-    out << leftJustify(q.number, 10) << rightJustify(Format(q.northing, "0.0000"), 16) << rightJustify(Format(q.easting, "0.0000"), 16)
+    // A number is never cut: a long one pushes its line along.
+    out << leftJustify(q.number, std::max(10, static_cast<int>(textLength(q.number)) + 1)) << rightJustify(Format(q.northing, "0.0000"), 16) << rightJustify(Format(q.easting, "0.0000"), 16)
         << rightJustify(q.elevation ? Format(*q.elevation, "0.000") : "", 12) << "  " << q.description << "\n";
   return 0;
 }

@@ -7,7 +7,9 @@
 #include "cli/file_answer.h"
 #include "app/output_file.h"
 #include "app/runner.h"
+#include "crs/project_store.h"
 #include "restore/restoration_file.h"
+#include "text/justify.h"
 #include "text/errors.h"
 
 namespace tervalo {
@@ -33,6 +35,21 @@ int restoreCommand(const std::string& name, bool json, const std::string& dataFo
     if (!run.points.empty()) written.emplace_back(points, run.points);
     writeTextFiles(written);
     for (const auto& [path, lines] : written) files.push_back(std::filesystem::absolute(path).lexically_normal().string());
+    if (!file.project.empty()) {
+      // The restored corners into the project, each with the rule that placed it.
+      std::vector<ProjectPoint> restored;
+      const std::string from = "restoration " + std::filesystem::path(name).filename().string() + " by ";
+      for (const CornerOutcome& c : run.corners)
+        if (c.restored)
+          restored.push_back({c.corner.name, c.restored->at.y, c.restored->at.x, std::nullopt,
+                              "RESTORED " + upper(methodName(c.restored->method)) + " PROPORTION", "RES", "", from + c.restored->text, ""});
+      try {
+        const StoreCounts stored = openProject(file.project)->store(restored, OnDuplicate::Replace, "restoration");
+        if (!json) out << "Stored " << stored.stored << " restored corners in " << file.project << "\n";
+      } catch (const ProjectError& e) {
+        messages.push_back(std::string("The restored corners are not stored: ") + e.what() + ".");
+      }
+    }
   } catch (const RestorationFileError& e) {
     messages.push_back(e.what());
   } catch (const RunTimeError& e) {

@@ -15,7 +15,7 @@
 #include <chrono>
 #include <ctime>
 #include <map>
-#include <set>
+#include <unordered_set>
 
 #include "crs/project_store.h"
 
@@ -121,7 +121,7 @@ class GpkgProject : public ProjectFile {
     OGRLayerH layer = pointsLayer();
     begin();
     try {
-      std::set<std::string> numbers = this->numbers();
+      std::unordered_set<std::string> numbers = this->numbers();
       long next = nextFree(numbers);
       // Many points at once: the index on numbers is made again after them, in the same transaction.
       const bool bulk = points.size() > 10000;
@@ -171,13 +171,13 @@ class GpkgProject : public ProjectFile {
   }
 
   // The numbers the project holds, read without the rest of each point.
-  std::set<std::string> numbers() {
+  std::unordered_set<std::string> numbers() {
     OGRLayerH layer = pointsLayer();
     const char* ignored[] = {"northing", "easting", "elevation", "description", "feature", "evidence", "source", "modified", "OGR_GEOMETRY", nullptr};
     OGR_L_SetIgnoredFields(layer, ignored);
     OGR_L_SetAttributeFilter(layer, nullptr);
     OGR_L_ResetReading(layer);
-    std::set<std::string> out;
+    std::unordered_set<std::string> out;
     const int field = OGR_FD_GetFieldIndex(OGR_L_GetLayerDefn(layer), "number");
     while (OGRFeatureH f = OGR_L_GetNextFeature(layer)) {
       out.insert(OGR_F_GetFieldAsString(f, field));
@@ -187,7 +187,7 @@ class GpkgProject : public ProjectFile {
     return out;
   }
 
-  static long nextFree(const std::set<std::string>& numbers) {
+  static long nextFree(const std::unordered_set<std::string>& numbers) {
     long most = 0;
     for (const std::string& n : numbers)
       if (!n.empty() && n.size() < 10 && std::all_of(n.begin(), n.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); }))

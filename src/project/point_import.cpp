@@ -7,6 +7,7 @@
 #include <cmath>
 #include <filesystem>
 #include <map>
+#include <unordered_map>
 #include <sstream>
 
 #include "points/readers.h"
@@ -237,7 +238,7 @@ std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::strin
         if (!r.name.empty()) points.push_back({r.name, r.y, r.x, std::nullopt, r.description, r.feature, r.evidence.value_or(""), "", ""});
     }
   }
-  std::map<std::string, std::size_t> seen;
+  std::unordered_map<std::string, std::size_t> seen;
   for (std::size_t i = 0; i < points.size(); ++i)
     if (!seen.emplace(points[i].number, i).second)
       throw ProjectError("\"" + name + "\": point " + points[i].number + " is given twice (points " + std::to_string(seen[points[i].number] + 1) +

@@ -1,5 +1,7 @@
 #include "restore/restoration_file.h"
 
+#include "project/point_import.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -96,7 +98,7 @@ RestorationFile parseRestoration(const std::string& text) {
     throw RestorationFileError(std::string("not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw RestorationFileError("a restoration file is a JSON object");
-  Fields::refuseUnknown(json, {"version", "units", "basis", "source", "corners", "crs"}, "the file");
+  Fields::refuseUnknown(json, {"version", "units", "basis", "source", "project", "corners", "crs"}, "the file");
   const Json version = json.value("version", Json(std::uint64_t{kRestorationVersion}));
   if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw RestorationFileError("\"version\" must be 1");
   if (version.get<std::uint64_t>() > kRestorationVersion)
@@ -112,6 +114,9 @@ RestorationFile parseRestoration(const std::string& text) {
       file.basis = Fields::angle(basis, "the file", "basis");
   }
   if (json.contains("source")) file.source = Fields::text(json["source"], "the file", "source");
+  if (json.contains("project")) file.project = Fields::text(json["project"], "the file", "project");
+  if (!file.source.empty() && !file.project.empty())
+    throw RestorationFileError("\"source\" and \"project\" both name where the controls are: give one");
   if (json.contains("crs")) {
     try {
       file.crs = usableCrsFromJson(json["crs"]);
@@ -138,6 +143,8 @@ RestorationFile readRestorationFile(const std::string& name) {
   const std::filesystem::path source(file.source);
   if (!file.source.empty() && source.is_relative())
     file.source = (std::filesystem::path(name).parent_path() / source).lexically_normal().string();
+  if (!file.project.empty() && std::filesystem::path(file.project).is_relative())
+    file.project = (std::filesystem::path(name).parent_path() / file.project).lexically_normal().string();
   return file;
 }
 
@@ -147,6 +154,7 @@ std::string restorationText(const RestorationFile& file) {
   Json json{{"version", kRestorationVersion}, {"units", file.units}};
   json["basis"] = file.basisTrueNorth ? Json("true north") : Json(file.basis);
   if (!file.source.empty()) json["source"] = file.source;
+  if (!file.project.empty()) json["project"] = file.project;
   if (!file.crs.none()) json["crs"] = crsToJson(file.crs);
   json["corners"] = corners;
   return jsonText(json) + "\n";
@@ -226,6 +234,12 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
     } catch (const ProgramFault& e) {
       throw RestorationFileError("the source file \"" + file.source + "\" cannot be read: " + e.what());
     }
+  } else if (!file.project.empty()) {
+    try {
+      points = pointListOf(*openProject(file.project));
+    } catch (const ProjectError& e) {
+      throw RestorationFileError(std::string("the project cannot be read: ") + e.what());
+    }
   }
 
   RestorationRun run;
@@ -250,7 +264,7 @@ RestorationRun runRestoration(const RestorationFile& file, const std::string& to
         basisFault = e.what();
       }
     }
-    CornerOutcome outcome = restoreEntry(entry, points, !file.source.empty(), basis, chain);
+    CornerOutcome outcome = restoreEntry(entry, points, !file.source.empty() || !file.project.empty(), basis, chain);
     outcome.basis = basis;
     if (!basisFault.empty() && outcome.restored) {
       outcome.restored.reset();

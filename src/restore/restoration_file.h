@@ -45,6 +45,7 @@ struct RestorationFile {
   std::string units = "ft";  // "ft" or "m"
   double basis = 0;          // degrees
   std::string source;        // a coordinate file; relative names are taken from the file's folder
+  std::string project{};     // or a survey project (NAME.gpkg): controls read from it, restored corners stored in it
   std::vector<CornerEntry> corners;
   // The coordinate system of the coordinates; none: local.
   CrsChoice crs;

@@ -67,6 +67,19 @@ grep -q "source (String) = traverse loop.traverse.json adjusted by compass" <<<"
 grep -q "description (String) = REPLACED" <<<"$(ogrinfo -ro -al job.gpkg points -where "number='1001'")" || fail "the held 1001 was changed"
 "$cli" project import job.gpkg blank.txt --columns PNEZD --on-duplicate skip >/dev/null
 
+# A restoration file naming a project: its controls from it, the restored corners stored in it.
+"$cli" project new town.gpkg --epsg 3419 >/dev/null && "$cli" project import town.gpkg "$examples/township.csv" >/dev/null || fail "town.gpkg"
+python3 -c 'import json, sys
+d = json.load(open(sys.argv[1]))
+del d["source"]
+d["project"] = "town.gpkg"
+json.dump(d, open("lost.restore.json", "w"))' "$examples/section14.restore.json"
+"$cli" restore lost.restore.json --data-dir data >out 2>&1 || fail "the restoration on the project: $(cat out)"
+grep -q "Stored 2 restored corners in" out || fail "the restoration stored nothing: $(cat out)"
+corner=$(ogr2ogr -f CSV /vsistdout/ town.gpkg points -where "number='SEC COR 13-14-23-24'" -select number,easting,northing,source)
+grep -q 'SEC COR 13-14-23-24,517623.535,284593.475,"restoration lost.restore.json by double proportion' <<<"$corner" ||
+  fail "the restored corner: $corner"
+
 # A local project in metres is declared as a local engineering system, placed nowhere on the earth.
 "$cli" project new local.gpkg --unit m >/dev/null || fail "local project"
 grep -q 'ENGCRS\["Tervalo local coordinates"' <<<"$(ogrinfo -ro -so local.gpkg points)" || fail "local project's system"
