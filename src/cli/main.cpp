@@ -55,6 +55,20 @@ std::optional<tervalo::RunOptions> runOptions(const RunOptionsCli& o, int& statu
   return options;
 }
 
+// --epsg and --foot as a system PROJ takes (none without --epsg); false, said, when it does not.
+bool crsOfOptions(int epsg, const std::string& foot, tervalo::CrsChoice& crs) {
+  if (epsg == 0) return true;
+  try {
+    nlohmann::ordered_json given{{"epsg", epsg}};
+    if (!foot.empty()) given["foot"] = foot;
+    crs = tervalo::usableCrsFromJson(given);
+    return true;
+  } catch (const tervalo::CrsError& e) {
+    std::cerr << "tervalo-cli: --epsg: " << e.what() << "\n";
+    return false;
+  }
+}
+
 int runCommand(const RunOptionsCli& o) {
   tervalo::Job job;
   try {
@@ -214,16 +228,7 @@ int run(int argc, char** argv) {
   if (projectNewCmd->parsed()) {
     tervalo::ProjectSettings settings;
     settings.unit = projectUnit;
-    if (projectEpsg != 0) {
-      try {
-        nlohmann::ordered_json crs{{"epsg", projectEpsg}};
-        if (!projectFoot.empty()) crs["foot"] = projectFoot;
-        settings.crs = tervalo::usableCrsFromJson(crs);
-      } catch (const tervalo::CrsError& e) {
-        std::cerr << "tervalo-cli: --epsg: " << e.what() << "\n";
-        return kUsage;
-      }
-    }
+    if (!crsOfOptions(projectEpsg, projectFoot, settings.crs)) return kUsage;
     return tervalo::projectNew(projectFile, settings, std::cout, std::cerr);
   }
   if (projectImportCmd->parsed())
@@ -245,16 +250,7 @@ int run(int argc, char** argv) {
       return tervalo::restoreCommand(restore.job, restore.json, folder, today, std::cout, std::cerr);
     });
   if (traverseCmd->parsed()) {
-    if (rawEpsg != 0) {
-      try {
-        nlohmann::ordered_json crs{{"epsg", rawEpsg}};
-        if (!rawFoot.empty()) crs["foot"] = rawFoot;
-        rawOptions.crs = tervalo::usableCrsFromJson(crs);
-      } catch (const tervalo::CrsError& e) {
-        std::cerr << "tervalo-cli: --epsg: " << e.what() << "\n";
-        return kUsage;
-      }
-    }
+    if (!crsOfOptions(rawEpsg, rawFoot, rawOptions.crs)) return kUsage;
     return fileCommand(traverse, [&](const std::string& folder, const tervalo::Date& today) {
       return tervalo::traverseCommand(traverse.job, traverse.exports, traverse.json, folder, today, std::cout, std::cerr, rawOptions);
     });
