@@ -11,6 +11,7 @@
 #include "text/input_file.h"
 #include "text/justify.h"
 #include "text/number.h"
+#include "traverse/raw_survey.h"
 #include "traverse/traverse_file.h"
 
 namespace tervalo {
@@ -515,7 +516,15 @@ TraverseInput traverseOfRecords(const RawRecords& records) {
   return TraverseOfRecords(records).traverse();
 }
 
-TraverseInput parseRaw(const std::string& text) { return traverseOfRecords(readRawRecords(text)); }
+TraverseInput parseRaw(const std::string& text) {
+  const RawRecords records = readRawRecords(text);
+  // A radial survey has no traverse to close: say so rather than where the traverse fails.
+  if (records.setups.size() > 1 && !recordsATraverse(records))
+    throw TraverseFileError("the raw file records no traverse: its " + std::to_string(records.setups.size()) +
+                            " setups stand on points it gives or shot before (a radial survey); tervalo-cli traverse reduces "
+                            "every setup and shot of it");
+  return traverseOfRecords(records);
+}
 
 SetMean meanOfSet(const RawSetup& setup, const RawShot& set) {
   SetMean m;

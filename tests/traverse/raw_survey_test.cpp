@@ -11,6 +11,7 @@
 #include "traverse/raw_survey.h"
 #include "traverse/rw5.h"
 #include "traverse/traverse.h"
+#include "traverse/traverse_file.h"
 
 namespace tervalo {
 namespace {
@@ -155,6 +156,13 @@ TEST(RawSurvey, ATraverseIsTheOneATraverseFileRecordsNotARadialJob) {
   std::string radial = chain;
   for (std::size_t at = radial.find("TR,"); at != std::string::npos; at = radial.find("TR,")) radial.replace(at, 2, "SS");
   EXPECT_FALSE(recordsATraverse(readRawRecords(radial)));
+  // Opened as a traverse (the Traverse window), a radial job says what it is.
+  try {
+    parseRaw(radialJob());
+    ADD_FAILURE() << "a radial job read as a traverse";
+  } catch (const TraverseFileError& e) {
+    EXPECT_NE(std::string(e.what()).find("the raw file records no traverse: its 3 setups"), std::string::npos) << e.what();
+  }
 }
 
 }  // namespace
