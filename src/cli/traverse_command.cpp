@@ -6,32 +6,30 @@
 #include <ostream>
 
 #include "app/json_text.h"
-#include "cli/file_answer.h"
 #include "app/output_file.h"
 #include "app/runner.h"
+#include "cli/file_answer.h"
+#include "crs/project_store.h"
+#include "export/export_file.h"
 #include "export/map_export.h"
 #include "export/map_system.h"
-#include "text/errors.h"
-#include "traverse/traverse_file.h"
-#include "traverse/traverse_report.h"
 #include "export/section_points.h"
+#include "project/point_import.h"
+#include "text/errors.h"
 #include "text/format.h"
-#include "text/justify.h"
 #include "text/input_file.h"
-#include "crs/project_store.h"
+#include "text/justify.h"
 #include "traverse/raw_survey.h"
 #include "traverse/rw5.h"
+#include "traverse/traverse_file.h"
+#include "traverse/traverse_report.h"
 
 namespace tervalo {
 namespace {
 
 constexpr double kAllowablePrecision = 5000;  // 1:5,000
 
-bool isRawFile(const std::string& name) {
-  std::string ending = std::filesystem::path(name).extension().string();
-  for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return ending == ".rw5";
-}
+bool isRawFile(const std::string& name) { return exportKind(name) == ".rw5"; }
 
 void exportTo(const CornerMap& map, const std::vector<std::string>& exports, const std::string& dataFolder, const Date& today,
               nlohmann::ordered_json& files) {
@@ -123,9 +121,9 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
     for (const std::string& l : setLines) run.report.push_back("  " + l);
     if (!gnss.gnss.empty()) {
       // The GNSS points beside the traverse: listed, and on the grid where a system is given.
-      const RawSurvey placed = reduceRadial(gnss, {raw.tolerance, raw.crs, std::filesystem::path(name).filename().string()});
+      const RawSurvey placed = reduceGnss(gnss, {raw.tolerance, raw.crs, std::filesystem::path(name).filename().string()});
       run.report.emplace_back("");
-      run.report.insert(run.report.end(), placed.report.begin() + 5, placed.report.end() - 1);
+      run.report.insert(run.report.end(), placed.report.begin(), placed.report.end());
       for (const RawPoint& p : placed.points) {
         // A GNSS point of a traverse point's name checks it; it is not a second position for the name.
         const auto same = std::find_if(run.json["points"].begin(), run.json["points"].end(),
@@ -164,15 +162,8 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
     }
     if (!input.project.empty()) {
       // The adjusted stations and side shots into the project; the held ones stay as the project holds them.
-      std::vector<ProjectPoint> adjusted;
-      for (const auto& p : run.json["points"]) {
-        if (p.value("held", false)) continue;
-        ProjectPoint q{p["name"], p["y"], p["x"], std::nullopt, p.value("note", std::string()), p.value("side_shot", false) ? "SS" : "TRAV", "",
-                       "", ""};
-        if (p.contains("z")) q.elevation = p["z"].get<double>();
-        adjusted.push_back(q);
-      }
       const std::string source = "traverse " + std::filesystem::path(name).filename().string() + " adjusted by " + run.json["rule"].get<std::string>();
+      const std::vector<ProjectPoint> adjusted = traversePoints(run.json["points"], source, false);
       try {
         const StoreCounts stored = openProject(input.project)->store(adjusted, OnDuplicate::Replace, source);
         run.json["stored"] = stored.stored;

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <sstream>
 
+#include "export/export_file.h"
 #include "points/readers.h"
 #include "text/errors.h"
 #include "text/input_file.h"
@@ -22,12 +23,6 @@
 
 namespace tervalo {
 namespace {
-
-std::string lowerEnding(const std::filesystem::path& file) {
-  std::string e = file.extension().string();
-  for (char& c : e) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return e;
-}
 
 // A number, or nothing for a text or a number past a double's range.
 std::optional<double> numberIn(const std::string& text) {
@@ -187,12 +182,7 @@ std::vector<ProjectPoint> rawFile(const std::string& name, const std::string& te
     try {
       const TraverseInput in = traverseOfRecords(records);
       const TraverseRun run = runTraverse(in, "");
-      for (const auto& p : run.json["points"]) {
-        ProjectPoint q{p["name"], p["y"], p["x"], std::nullopt, p.value("note", std::string()), p.value("side_shot", false) ? "SS" : "TRAV",
-                       "", file + " traverse adjusted by " + run.json["rule"].get<std::string>(), ""};
-        if (p.contains("z")) q.elevation = p["z"].get<double>();
-        out.push_back(q);
-      }
+      out = traversePoints(run.json["points"], file + " traverse adjusted by " + run.json["rule"].get<std::string>(), true);
     } catch (const std::exception& e) {
       throw ProjectError("\"" + name + "\": " + e.what());
     }
@@ -207,7 +197,7 @@ std::vector<ProjectPoint> rawFile(const std::string& name, const std::string& te
 }  // namespace
 
 std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::string& columns, const CrsChoice& crs) {
-  const std::string ending = lowerEnding(name);
+  const std::string ending = exportKind(name);
   std::string text;
   try {
     text = readInputFile(name);
@@ -246,6 +236,18 @@ std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::strin
   for (ProjectPoint& p : points)
     if (p.source.empty()) p.source = "import " + std::filesystem::path(name).filename().string();
   return points;
+}
+
+std::vector<ProjectPoint> traversePoints(const nlohmann::ordered_json& runPoints, const std::string& source, bool withHeld) {
+  std::vector<ProjectPoint> out;
+  for (const auto& p : runPoints) {
+    if (!withHeld && p.value("held", false)) continue;
+    ProjectPoint q{p["name"], p["y"], p["x"], std::nullopt, p.value("note", std::string()), p.value("side_shot", false) ? "SS" : "TRAV", "",
+                   source, ""};
+    if (p.contains("z")) q.elevation = p["z"].get<double>();
+    out.push_back(std::move(q));
+  }
+  return out;
 }
 
 PointList pointListOf(ProjectFile& project) {

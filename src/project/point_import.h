@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "crs/project_store.h"
 #include "points/point_list.h"
 
@@ -22,6 +24,10 @@ std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string
 // as above overrides both; one number given twice is refused. GNSS points
 // of a raw file go onto `crs`'s grid.
 std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::string& columns, const CrsChoice& crs);
+
+// A traverse run's points (its JSON "points") as project points with
+// `source`; the held stations too where `withHeld`.
+std::vector<ProjectPoint> traversePoints(const nlohmann::ordered_json& runPoints, const std::string& source, bool withHeld);
 
 // The project's points as a list the tools look point numbers up in.
 PointList pointListOf(ProjectFile& project);

@@ -39,6 +39,12 @@ class Reduction {
  public:
   Reduction(const RawRecords& r, const RawOptions& o) : r_(r), o_(o) {}
 
+  // The GNSS records alone, listed and placed: beside a traverse.
+  RawSurvey gnssOnly() {
+    gnss();
+    return std::move(out_);
+  }
+
   RawSurvey run() {
     out_.units = r_.units;
     out_.report = {"                RAW FILE REDUCTION", "", "  Raw file: " + o_.source + (r_.job.empty() ? "" : "    Job: " + r_.job),
@@ -208,7 +214,7 @@ class Reduction {
     for (const auto& [kind, u] : r_.unused)
       out_.report.push_back("  Not used: " + kind + (u.count > 1 ? ", " + std::to_string(u.count) + " of them, the first on " : " on ") +
                             line(u.firstLine));
-    for (const std::string& r : r_.refused) out_.refused.insert(out_.refused.begin(), r);
+    out_.refused.insert(out_.refused.begin(), r_.refused.begin(), r_.refused.end());
     for (const std::string& r : out_.refused) out_.report.push_back("  Not reduced: " + r);
     out_.report.push_back("  Points: " + std::to_string(out_.points.size()) + "    Flagged: " + std::to_string(out_.flagged.size()) +
                           "    Not reduced: " + std::to_string(out_.refused.size()));
@@ -243,6 +249,8 @@ bool recordsATraverse(const RawRecords& records) {
 }
 
 RawSurvey reduceRadial(const RawRecords& records, const RawOptions& options) { return Reduction(records, options).run(); }
+
+RawSurvey reduceGnss(const RawRecords& records, const RawOptions& options) { return Reduction(records, options).gnssOnly(); }
 
 std::vector<std::string> setChecks(const RawRecords& records, double tolerance, std::vector<std::string>& flagged) {
   std::vector<std::string> lines;

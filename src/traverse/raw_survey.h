@@ -51,6 +51,9 @@ bool recordsATraverse(const RawRecords& records);
 
 RawSurvey reduceRadial(const RawRecords& records, const RawOptions& options);
 
+// The GNSS records alone: their listing (the report) and, with a system, their points.
+RawSurvey reduceGnss(const RawRecords& records, const RawOptions& options);
+
 // The set and check lines of every setup, for a traverse's report too.
 std::vector<std::string> setChecks(const RawRecords& records, double tolerance, std::vector<std::string>& flagged);
 

@@ -427,8 +427,7 @@ class TraverseOfRecords {
         if (!m.fault.empty()) broken(raw.line, m.fault);
         shot.angleRight = m.angleRight;
         shot.horizontal = m.horizontal;
-        if (m.zenith != 90) shot.slope = m.slope, shot.zenith = m.zenith;
-        if (!m.angles.empty() && raw.foresight.front().zenith) shot.slope = m.slope, shot.zenith = m.zenith;
+        if (raw.foresight.front().zenith) shot.slope = m.slope, shot.zenith = m.zenith;
       } else if (raw.angleRight) {
         shot.angleRight = *raw.angleRight;
       }
