@@ -10,6 +10,7 @@
 #include "crs/frm_crs.h"
 #include "grading/frm_grade.h"
 #include "hcurve/frm_horz_curve.h"
+#include "project/frm_points.h"
 #include "proportion/frm_prop.h"
 #include "restore/frm_restore.h"
 #include "secsub/frm_sec_sub.h"
@@ -49,6 +50,7 @@ FormRegistry buildRegistry() {
   registry.addCalculator({"proportion", "mnuMprop", "frmProp", [](Program& p) { p.shell().showModal(p.form("frmProp")); }});
   registry.addForm("frmTownship", [](Program& p) { return std::make_unique<frmTownship>(p); });
   registry.addForm("frmRestore", [](Program& p) { return std::make_unique<frmRestore>(p); });
+  registry.addForm("frmPoints", [](Program& p) { return std::make_unique<frmPoints>(p); });
   registry.addForm("frmCrs", [](Program& p) { return std::make_unique<frmCrs>(p); });
   registry.addForm("frmTraverse", [](Program& p) { return std::make_unique<frmTraverse>(p); });
   return registry;

@@ -9,6 +9,8 @@
 #include "app/recovery.h"
 #include "app/shell.h"
 #include "points/readers.h"
+#include "project/frm_points.h"
+#include "project/project_session.h"
 
 namespace tervalo {
 
@@ -25,6 +27,7 @@ frmMain::frmMain(Program& program)
   add("btnOut2", btnOut2).click([this] { chooseOutput(txtReport); });
   add("btnContinue", btnContinue).click([this] { btnContinue_Click(); });
   add("lblNotice", lblNotice);
+  add("lblProject", lblProject);
   add("mnuSecSub", mnuSecSub).click([this] { mnuSecSub_Click(); });
   add("mnuCurve", mnuCurve);
   // A calculator may save or open inputs: the recent list is shown afresh after it.
@@ -53,6 +56,36 @@ frmMain::frmMain(Program& program)
   add("mnuTownship", mnuTownship).click(window("frmTownship"));
   add("mnuTraverse", mnuTraverse).click(window("frmTraverse"));
   add("mnuRestore", mnuRestore).click(window("frmRestore"));
+  add("mnuProject", mnuProject);
+  add("mnuProjectNew", mnuProjectNew).click([this] { newProject(); });
+  add("mnuProjectOpen", mnuProjectOpen).click([this] {
+    const auto chosen = shell().chooseFile(FileDialog::Open, "Open Project", "", {"Tervalo projects (*.gpkg)", "All files (*)"});
+    if (chosen && !chosen->empty()) openProjectFile(*chosen);
+  });
+  add("mnuProjectRecent", mnuProjectRecent);
+  for (std::size_t i = 0; i < mnuProjectRecentFiles.size(); ++i) {
+    mnuProjectRecentFiles[i].parent = "mnuProjectRecent";
+    add("mnuProjectRecent" + std::to_string(i + 1), mnuProjectRecentFiles[i]).click([this, i] {
+      const auto& files = this->program().recentProjects.files();
+      if (i < files.size()) openProjectFile(files[i]);
+    });
+  }
+  const auto points = [this](void (frmPoints::*act)()) {
+    return [this, act] {
+      if (!this->program().project) return;
+      (this->program().form<frmPoints>("frmPoints").*act)();
+      showProject();
+      showRecent();
+    };
+  };
+  add("mnuProjectImport", mnuProjectImport).click(points(&frmPoints::import));
+  add("mnuProjectExport", mnuProjectExport).click(points(&frmPoints::exportPoints));
+  add("mnuProjectPoints", mnuProjectPoints).click([this] {
+    if (this->program().project) shell().showModal(this->program().form("frmPoints"));
+    showProject();
+    showRecent();
+  });
+  add("mnuProjectClose", mnuProjectClose).click([this] { closeProject(); });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);
   for (std::size_t i = 0; i < mnuRecentFiles.size(); ++i) {
@@ -97,12 +130,84 @@ void listFiles(std::span<MenuItem> items, const std::vector<std::string>& files)
 
 void frmMain::showRecent() {
   listFiles(mnuRecentFiles, program().recent.files());
+  listFiles(mnuProjectRecentFiles, program().recentProjects.files());
+  mnuProjectRecent.enabled = !program().recentProjects.files().empty();
   std::vector<std::string> kept;
   if (program().keepsHistory)
     for (const auto& file : program().history().files()) kept.push_back(file.filename().string());
   if (kept.size() > mnuHistoryFiles.size()) kept.resize(mnuHistoryFiles.size());
   listFiles(mnuHistoryFiles, kept);
   mnuHistory.visible = program().keepsHistory;
+}
+
+void frmMain::showProject() {
+  ProjectSession* project = program().project.get();
+  try {
+    lblProject.caption = project ? project->status() : "No project is open.";
+  } catch (const ProjectError& e) {
+    lblProject.caption = "Project: " + project->name() + " (" + e.what() + ")";
+  }
+  for (MenuItem* item : {&mnuProjectImport, &mnuProjectExport, &mnuProjectPoints, &mnuProjectClose}) item->enabled = project != nullptr;
+}
+
+bool frmMain::openProjectFile(const std::string& file) {
+  try {
+    auto opened = std::make_unique<ProjectSession>(openProject(file));
+    program().project = std::move(opened);
+  } catch (const ProjectError& e) {
+    shell().msgBox("Open Project", std::string(e.what()) + ".", Icon::Exclamation);
+    return false;
+  }
+  useProject(file);
+  return true;
+}
+
+void frmMain::useProject(const std::string& file) {
+  // The project's coordinate system is every tool's while it is open.
+  const CrsChoice& crs = program().project->file().settings().crs;
+  if (crs.epsg != program().crs.epsg || crs.foot != program().crs.foot) {
+    program().crs.epsg = crs.epsg;
+    program().crs.foot = crs.foot;
+  }
+  program().recentProjects.add(file);
+  showProject();
+  showRecent();
+}
+
+void frmMain::reopenLastProject() {
+  const auto& files = program().recentProjects.files();
+  std::error_code ec;
+  if (program().project || files.empty() || !std::filesystem::is_regular_file(files.front(), ec)) return;
+  openProjectFile(files.front());
+}
+
+void frmMain::newProject() {
+  const auto chosen = shell().chooseFile(FileDialog::Save, "New Project", "", {"Tervalo projects (*.gpkg)"});
+  if (!chosen || chosen->empty()) return;
+  std::string file = *chosen;
+  if (!file.ends_with(".gpkg")) file += ".gpkg";
+  // The project's coordinate system, chosen in the Coordinate System window (none: local coordinates).
+  if (program().registry().hasForm("frmCrs")) shell().showModal(program().form("frmCrs"));
+  ProjectSettings settings;
+  settings.crs = program().crs;
+  if (settings.crs.none())
+    settings.unit = shell().msgBox("New Project",
+                                   "The project has no coordinate system: nothing places it on the earth. Are its coordinates in feet? No: in metres.",
+                                   Icon::Question, Buttons::YesNo) == Answer::Yes
+                        ? "ft"
+                        : "m";
+  try {
+    program().project = std::make_unique<ProjectSession>(createProject(file, settings));
+  } catch (const ProjectError& e) {
+    shell().msgBox("New Project", std::string(e.what()) + ".", Icon::Exclamation);
+    return;
+  }
+  useProject(file);
+}
+
+void frmMain::closeProject() {
+  program().project.reset();
+  showProject();
 }
 
 void frmMain::openKept(std::size_t index) {
@@ -128,7 +233,9 @@ void frmMain::openFile(const std::string& file) {
       showRecent();
       return;
     }
-  if (lower.ends_with(".json")) {
+  if (lower.ends_with(".gpkg")) {
+    openProjectFile(file);
+  } else if (lower.ends_with(".json")) {
     reopenJobFile(file);
   } else {
     std::error_code ec;

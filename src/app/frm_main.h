@@ -32,6 +32,8 @@ class frmMain : public FormModel {
   // What reading the source file noticed but did not refuse (coordinates
   // cut at a second thousands comma); hidden when there is nothing to say.
   Label lblNotice{"", false};
+  // The open project: its name, coordinate system and point count.
+  Label lblProject{"No project is open."};
 
   MenuItem mnuSecSub{"Section Subdivision", true, true, ""};
   MenuItem mnuCurve{"Curve", true, true, ""};
@@ -45,6 +47,16 @@ class frmMain : public FormModel {
   MenuItem mnuTownship{"Township...", true, true, ""};  // many sections in one run
   MenuItem mnuTraverse{"Traverse...", true, true, ""};  // closure and adjustment, from field notes or a raw file
   MenuItem mnuRestore{"Corner Restoration...", true, true, ""};  // lost corners by proportionate measurement
+  // The survey project every tool reads its points from and stores them in.
+  MenuItem mnuProject{"Project", true, true, ""};
+  MenuItem mnuProjectNew{"New Project...", true, true, "mnuProject"};
+  MenuItem mnuProjectOpen{"Open Project...", true, true, "mnuProject"};
+  MenuItem mnuProjectRecent{"Recent Projects", true, true, "mnuProject"};
+  std::array<MenuItem, RecentWork::kMost> mnuProjectRecentFiles;
+  MenuItem mnuProjectImport{"Import Points...", true, false, "mnuProject", true};
+  MenuItem mnuProjectExport{"Export Points...", true, false, "mnuProject"};
+  MenuItem mnuProjectPoints{"Points...", true, false, "mnuProject"};
+  MenuItem mnuProjectClose{"Close Project", true, false, "mnuProject", true};
   MenuItem mnuOptions{"Options", true, true, ""};  // output options, after the calculators' entries
   // Recent work, after the program's own entries: the last ten source files
   // and saved inputs, and the inputs of the last calculator window closed.
@@ -75,7 +87,18 @@ class frmMain : public FormModel {
   // Shows the recent list as it stands (other windows add to it).
   void showRecent();
 
+  // The project opened last, opened again at start after the window shows;
+  // one that is gone is passed over in silence.
+  void reopenLastProject();
+  // Opens the project `file` for every tool, saying in a box why not.
+  bool openProjectFile(const std::string& file);
+  void newProject();
+  void closeProject();
+  // The open project's line, as it stands (other windows change its points).
+  void showProject();
+
  private:
+  void useProject(const std::string& file);
   void readInputFile();
   // A file named by Browse or a drop: it becomes the source and is read at once.
   void useSourceFile(const std::string& file);

@@ -5,6 +5,7 @@
 #include "app/form_model.h"
 #include "app/output_file.h"
 #include "app/shell.h"
+#include "project/project_session.h"
 #include "text/errors.h"
 
 namespace tervalo {
@@ -48,6 +49,7 @@ Program::Program(Shell& shell, std::string dataFolder, const FormRegistry& regis
     : userAppData(std::move(dataFolder)),
       pi(4 * std::atan(1.0)),
       recent(userAppData),
+      recentProjects(userAppData, "recent-projects.json"),
       shell_(shell),
       registry_(registry),
       history_(userAppData) {}

@@ -24,6 +24,7 @@ namespace tervalo {
 
 class FormModel;
 class Program;
+class ProjectSession;
 class Shell;
 
 // A calculator as the main window's menu and the job runner know it.
@@ -88,6 +89,10 @@ class Program {
   // points it names from a source read once.
   std::function<ReadNotes(const std::string& file, FormatFlags& formats, PointList& points)> readSource;
   RecentWork recent;  // source files and saved inputs, for the main window's Recent menu
+  // The survey projects opened, the last one first: reopened at start.
+  RecentWork recentProjects;
+  // The project every tool reads its points from and stores them in; none open: the tools read files.
+  std::unique_ptr<ProjectSession> project;
 
   // The one model of that window for this run, made on first use.
   FormModel& form(std::string_view name);

@@ -11,13 +11,7 @@
 #include "text/input_file.h"
 
 namespace tervalo {
-namespace {
-
-std::filesystem::path listFile(const std::string& folder) { return folder + "recent.json"; }
-
-}  // namespace
-
-RecentWork::RecentWork(std::string dataFolder) : folder_(std::move(dataFolder)) {}
+RecentWork::RecentWork(std::string dataFolder, std::string listName) : folder_(std::move(dataFolder)), listName_(std::move(listName)) {}
 
 const std::vector<std::string>& RecentWork::files() const {
   load();
@@ -32,7 +26,7 @@ void RecentWork::load() const {
   // is started afresh: the program always starts.
   nlohmann::ordered_json json;
   try {
-    json = parseStrictJson(readInputFile(listFile(folder_)));
+    json = parseStrictJson(readInputFile(folder_ + listName_));
   } catch (const std::runtime_error&) {
     return;
   }
@@ -50,7 +44,7 @@ void RecentWork::add(const std::string& file) {
   if (files_.size() > kMost) files_.resize(kMost);
   if (folder_.empty()) return;
   try {
-    writeTextFile(listFile(folder_), {jsonText(nlohmann::ordered_json(files_))});
+    writeTextFile(folder_ + listName_, {jsonText(nlohmann::ordered_json(files_))});
   } catch (const RunTimeError&) {
   }
 }

@@ -13,7 +13,7 @@ class RecentWork {
 
   // The list kept in `dataFolder`, read when first asked for (the program
   // starts without it); none there (or no folder) is an empty list.
-  explicit RecentWork(std::string dataFolder);
+  explicit RecentWork(std::string dataFolder, std::string listName = "recent.json");
 
   const std::vector<std::string>& files() const;
 
@@ -24,7 +24,7 @@ class RecentWork {
 
  private:
   void load() const;
-  std::string folder_;
+  std::string folder_, listName_;
   mutable bool loaded_ = false;
   mutable std::vector<std::string> files_;
 };

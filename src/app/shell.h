@@ -75,6 +75,14 @@ class Shell {
   virtual void fileWritten(const std::filesystem::path& file) { (void)file; }
 
   virtual Date today() = 0;
+
+  // The desktop's clipboard, as text (a spreadsheet's cells are tab-separated
+  // lines); the runner and tests keep their own.
+  virtual std::string clipboardText() { return clipboard_; }
+  virtual void setClipboardText(const std::string& text) { clipboard_ = text; }
+
+ private:
+  std::string clipboard_;
 };
 
 }  // namespace tervalo

@@ -90,21 +90,7 @@ int projectExport(const std::string& project, const std::string& file, bool json
   try {
     checkMapFileName(file);
     auto p = openProject(project);
-    CornerMap map;
-    map.title = std::filesystem::path(project).stem().string();
-    map.system = mapSystem(p->settings().crs);
-    for (const ProjectPoint& q : p->points()) {
-      MapPoint m;
-      m.name = q.number;
-      m.description = q.description;
-      m.feature = q.feature;
-      m.evidence = q.evidence;
-      m.x = q.easting;
-      m.y = q.northing;
-      m.z = q.elevation;
-      m.number = q.number;
-      map.points.push_back(std::move(m));
-    }
+    const CornerMap map = mapOfProject(*p);
     writeMapFile(map, file, today);
     if (json)
       out << jsonText(Json{{"points", map.points.size()}, {"file", std::filesystem::absolute(file).lexically_normal().string()}}) << "\n";

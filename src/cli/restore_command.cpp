@@ -41,7 +41,7 @@ int restoreCommand(const std::string& name, bool json, const std::string& dataFo
       const std::string from = "restoration " + std::filesystem::path(name).filename().string() + " by ";
       for (const CornerOutcome& c : run.corners)
         if (c.restored)
-          restored.push_back({c.corner.name, c.restored->at.y, c.restored->at.x, std::nullopt,
+          restored.push_back({0, c.corner.name, c.restored->at.y, c.restored->at.x, std::nullopt,
                               "RESTORED " + upper(methodName(c.restored->method)) + " PROPORTION", "RES", "", from + c.restored->text, ""});
       try {
         const StoreCounts stored = openProject(file.project)->store(restored, OnDuplicate::Replace, "restoration");

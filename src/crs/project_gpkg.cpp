@@ -14,6 +14,7 @@
 #include <cctype>
 #include <chrono>
 #include <ctime>
+#include <functional>
 #include <map>
 #include <unordered_set>
 
@@ -21,7 +22,8 @@
 
 namespace tervalo {
 
-constexpr int kProjectSchema = 1;
+// 1: points, project and journal; 2: indexes on feature and evidence, which the Points window filters by.
+constexpr int kProjectSchema = 2;
 
 namespace {
 
@@ -88,8 +90,30 @@ class GpkgProject : public ProjectFile {
         throw ProjectError("\"" + file.string() + "\" is being changed by another program (another Tervalo?): try again when it is done");
       if (!ds) throw ProjectError("\"" + file.string() + "\" is not a GeoPackage GDAL can open: " + lastError());
     }
+    const bool writable = GDALDatasetTestCapability(ds, ODsCTransactions) && OGR_L_TestCapability(GDALDatasetGetLayerByName(ds, "points"), OLCSequentialWrite);
     auto project = std::make_unique<GpkgProject>(file, ds);
-    project->readSettings();
+    const int schema = project->readSettings();
+    if (schema < kProjectSchema && writable) {
+      // The copy of the project as it was is made whole before anything changes.
+      project.reset();
+      std::filesystem::path backup = file;
+      backup.replace_extension(".v" + std::to_string(schema) + ".gpkg");
+      if (!std::filesystem::exists(backup, ec)) {
+        const std::filesystem::path part = backup.string() + ".part";
+        std::filesystem::copy_file(file, part, std::filesystem::copy_options::overwrite_existing, ec);
+        if (!ec) std::filesystem::rename(part, backup, ec);
+        if (ec) {
+          std::filesystem::remove(part, ec);
+          throw ProjectError("\"" + file.string() + "\" comes from an older Tervalo and is brought up to date after a copy is kept as \"" +
+                             backup.string() + "\", which cannot be written");
+        }
+      }
+      ds = GDALOpenEx(file.c_str(), GDAL_OF_VECTOR | GDAL_OF_UPDATE, drivers, nullptr, nullptr);
+      if (!ds) throw ProjectError("\"" + file.string() + "\" cannot be opened again: " + lastError());
+      project = std::make_unique<GpkgProject>(file, ds);
+      project->readSettings();
+      project->upgrade(schema);
+    }
     return project;
   }
 
@@ -102,6 +126,7 @@ class GpkgProject : public ProjectFile {
     OGR_L_ResetReading(layer);
     while (OGRFeatureH f = OGR_L_GetNextFeature(layer)) {
       out.push_back(point(f));
+      out.back().id = OGR_F_GetFID(f);
       OGR_F_Destroy(f);
     }
     return out;
@@ -111,6 +136,7 @@ class GpkgProject : public ProjectFile {
     OGRFeatureH f = feature(number);
     if (!f) return std::nullopt;
     ProjectPoint p = point(f);
+    p.id = OGR_F_GetFID(f);
     OGR_F_Destroy(f);
     return p;
   }
@@ -122,10 +148,17 @@ class GpkgProject : public ProjectFile {
     begin();
     try {
       std::unordered_set<std::string> numbers = this->numbers();
+      // The next free number is past the points stored and those coming alike.
       long next = nextFree(numbers);
+      if (onDuplicate == OnDuplicate::Renumber) {
+        std::unordered_set<std::string> coming;
+        for (const ProjectPoint& p : points) coming.insert(p.number);
+        next = std::max(next, nextFree(coming));
+      }
       // Many points at once: the index on numbers is made again after them, in the same transaction.
       const bool bulk = points.size() > 10000;
-      if (bulk) sql("DROP INDEX IF EXISTS points_number");
+      if (bulk)
+        for (const char* index : {"points_number", "points_feature", "points_evidence"}) sql(("DROP INDEX IF EXISTS " + std::string(index)).c_str());
       const std::string when = now();
       for (ProjectPoint& p : points) {
         if (p.number.empty()) throw ProjectError("a point has no number");
@@ -143,6 +176,12 @@ class GpkgProject : public ProjectFile {
           p.number = std::to_string(next++);
           ++counts.renumbered;
         }
+        if (old) {
+          counts.replacedPoints.push_back(point(old));
+          counts.replacedPoints.back().id = OGR_F_GetFID(old);
+        } else {
+          counts.added.push_back(p.number);
+        }
         OGRFeatureH f = old ? old : OGR_F_Create(OGR_L_GetLayerDefn(layer));
         fill(f, p);
         const OGRErr e = old ? OGR_L_SetFeature(layer, f) : OGR_L_CreateFeature(layer, f);
@@ -152,7 +191,7 @@ class GpkgProject : public ProjectFile {
         numbers.insert(p.number);
         ++counts.stored;
       }
-      if (bulk) sql("CREATE UNIQUE INDEX points_number ON points(number)");
+      if (bulk) makeIndexes();
       journal(source, std::to_string(counts.stored) + " stored, " + std::to_string(counts.skipped) + " skipped, " +
                           std::to_string(counts.replaced) + " replaced, " + std::to_string(counts.renumbered) + " renumbered");
       commit();
@@ -163,7 +202,180 @@ class GpkgProject : public ProjectFile {
     return counts;
   }
 
+  long long count() override {
+    long long n = 0;
+    query("SELECT COUNT(*) FROM points", [&n](OGRFeatureH f) { n = OGR_F_GetFieldAsInteger64(f, 0); });
+    return n;
+  }
+
+  std::vector<ProjectPoint> page(long long offset, int limit) override {
+    std::vector<ProjectPoint> out;
+    query(std::string(kSelect) + " ORDER BY fid LIMIT " + std::to_string(std::max(0, limit)) + " OFFSET " + std::to_string(std::max(0LL, offset)),
+          [&out](OGRFeatureH f) { out.push_back(selected(f)); });
+    return out;
+  }
+
+  std::vector<long long> select(const PointQuery& q) override {
+    std::vector<std::string> where;
+    if (q.fromNumber || q.toNumber) {
+      where.push_back(std::string(kWhole));
+      if (q.fromNumber) where.push_back("CAST(number AS INTEGER) >= " + std::to_string(*q.fromNumber));
+      if (q.toNumber) where.push_back("CAST(number AS INTEGER) <= " + std::to_string(*q.toNumber));
+    }
+    if (!q.description.empty()) {
+      std::string pattern;
+      for (char c : q.description) pattern += (c == '%' || c == '_' || c == '\\') ? std::string("\\") + c : std::string(1, c);
+      where.push_back("description LIKE " + literal("%" + pattern + "%") + " ESCAPE '\\'");
+    }
+    if (!q.feature.empty()) where.push_back("feature = " + literal(q.feature) + " COLLATE NOCASE");
+    if (!q.evidence.empty()) where.push_back("evidence = " + literal(q.evidence) + " COLLATE NOCASE");
+    std::string statement = "SELECT fid + 0 FROM points";
+    for (std::size_t i = 0; i < where.size(); ++i) statement += (i ? " AND " : " WHERE ") + where[i];
+    const char* way = q.descending ? " DESC" : "";
+    using C = PointQuery::Column;
+    std::string by;
+    switch (q.order) {
+      case C::Stored: by = std::string("fid") + way; break;
+      case C::Number:
+        by = std::string("CASE WHEN ") + kWhole + " THEN 0 ELSE 1 END" + way + ", CAST(number AS INTEGER)" + way + ", number" + way;
+        break;
+      default: {
+        const char* names[] = {"", "", "northing", "easting", "elevation", "description", "feature", "evidence", "source", "modified"};
+        by = std::string(names[static_cast<int>(q.order)]) + way + ", fid";
+      }
+    }
+    statement += " ORDER BY " + by;
+    std::vector<long long> out;
+    query(statement, [&out](OGRFeatureH f) { out.push_back(OGR_F_GetFieldAsInteger64(f, 0)); });
+    return out;
+  }
+
+  std::vector<ProjectPoint> byIds(const std::vector<long long>& ids) override {
+    std::map<long long, ProjectPoint> found;
+    for (std::size_t at = 0; at < ids.size(); at += 500) {
+      std::string list;
+      for (std::size_t i = at; i < std::min(ids.size(), at + 500); ++i) list += (i > at ? "," : "") + std::to_string(ids[i]);
+      query(std::string(kSelect) + " WHERE fid IN (" + list + ")", [&found](OGRFeatureH f) {
+        ProjectPoint p = selected(f);
+        found[p.id] = std::move(p);
+      });
+    }
+    std::vector<ProjectPoint> out;
+    for (long long id : ids)
+      if (auto it = found.find(id); it != found.end()) out.push_back(it->second);
+    return out;
+  }
+
+  std::vector<ProjectPoint> findAll(const std::vector<std::string>& numbers) override {
+    std::vector<ProjectPoint> out;
+    for (std::size_t at = 0; at < numbers.size(); at += 500) {
+      std::string list;
+      for (std::size_t i = at; i < std::min(numbers.size(), at + 500); ++i) list += (i > at ? "," : "") + literal(numbers[i]);
+      query(std::string(kSelect) + " WHERE number IN (" + list + ")", [&out](OGRFeatureH f) { out.push_back(selected(f)); });
+    }
+    return out;
+  }
+
+  std::vector<std::string> values(const std::string& field, int most) override {
+    if (field != "feature" && field != "evidence") return {};
+    std::vector<std::string> out;
+    query("SELECT DISTINCT " + field + " COLLATE NOCASE FROM points WHERE " + field + " <> '' ORDER BY 1 LIMIT " + std::to_string(std::max(0, most)),
+          [&out](OGRFeatureH f) { out.push_back(OGR_F_GetFieldAsString(f, 0)); });
+    return out;
+  }
+
+  long long rank(long long id) override {
+    long long n = 0;
+    query("SELECT COUNT(*) FROM points WHERE fid < " + std::to_string(id), [&n](OGRFeatureH f) { n = OGR_F_GetFieldAsInteger64(f, 0); });
+    return n;
+  }
+
+  void apply(const ProjectEdit& edit, const std::string& source) override {
+    OGRLayerH layer = pointsLayer();
+    begin();
+    try {
+      for (const ProjectPoint& gone : findAll(edit.remove))
+        if (OGR_L_DeleteFeature(layer, gone.id) != OGRERR_NONE) fail("cannot be changed");
+      const std::string when = now();
+      for (ProjectPoint p : edit.put) {
+        if (p.number.empty()) throw ProjectError("a point has no number");
+        if (p.modified.empty()) p.modified = when;
+        if (p.source.empty()) p.source = source;
+        // A point with its key keeps its place in the order stored (a renumbered point, one put back).
+        OGRFeatureH old = feature(p.number);
+        if (old && p.id > 0 && OGR_F_GetFID(old) != p.id) {
+          if (OGR_L_DeleteFeature(layer, OGR_F_GetFID(old)) != OGRERR_NONE) fail("cannot be changed");
+          OGR_F_Destroy(old);
+          old = nullptr;
+        }
+        if (!old && p.id > 0) old = OGR_L_GetFeature(layer, p.id);
+        OGRFeatureH f = old ? old : OGR_F_Create(OGR_L_GetLayerDefn(layer));
+        fill(f, p);
+        if (!old && p.id > 0) OGR_F_SetFID(f, p.id);
+        const OGRErr e = old ? OGR_L_SetFeature(layer, f) : OGR_L_CreateFeature(layer, f);
+        OGR_F_Destroy(f);
+        if (e != OGRERR_NONE) throw ProjectError("point " + p.number + " cannot be stored: " + lastError());
+      }
+      journal(source, std::to_string(edit.remove.size()) + " removed, " + std::to_string(edit.put.size()) + " stored");
+      commit();
+    } catch (...) {
+      GDALDatasetRollbackTransaction(ds_);
+      throw;
+    }
+  }
+
+  const std::filesystem::path& path() const override { return file_; }
+
  private:
+  // The columns of a point as a query selects them, its key first.
+  static constexpr const char* kSelect =
+      "SELECT fid + 0, number, northing, easting, elevation, description, feature, evidence, source, modified FROM points";
+  // A number that is a whole number, which a range takes.
+  static constexpr const char* kWhole = "number <> '' AND number NOT GLOB '*[^0-9]*' AND length(number) < 19";
+
+  static ProjectPoint selected(OGRFeatureH f) {
+    ProjectPoint p = point(f);
+    p.id = OGR_F_GetFieldAsInteger64(f, 0);
+    return p;
+  }
+
+  // A statement of SQLite's own, each row of its answer handed to `row`.
+  void query(const std::string& statement, const std::function<void(OGRFeatureH)>& row) {
+    CPLErrorReset();
+    OGRLayerH result = GDALDatasetExecuteSQL(ds_, statement.c_str(), nullptr, "SQLITE");
+    if (!result) {
+      if (CPLGetLastErrorType() >= CE_Failure) fail("cannot be read");
+      return;
+    }
+    OGR_L_ResetReading(result);
+    while (OGRFeatureH f = OGR_L_GetNextFeature(result)) {
+      row(f);
+      OGR_F_Destroy(f);
+    }
+    GDALDatasetReleaseResultSet(ds_, result);
+  }
+
+  void upgrade(int from) {
+    begin();
+    try {
+      if (from < 2) {
+        makeIndexes();
+      }
+      sql(("UPDATE tervalo_project SET value = '" + std::to_string(kProjectSchema) + "' WHERE key = 'schema'").c_str());
+      journal("open", "brought up to date from project version " + std::to_string(from));
+      commit();
+    } catch (...) {
+      GDALDatasetRollbackTransaction(ds_);
+      throw;
+    }
+  }
+
+  void makeIndexes() {
+    sql("CREATE UNIQUE INDEX IF NOT EXISTS points_number ON points(number)");
+    sql("CREATE INDEX IF NOT EXISTS points_feature ON points(feature COLLATE NOCASE)");
+    sql("CREATE INDEX IF NOT EXISTS points_evidence ON points(evidence COLLATE NOCASE)");
+  }
+
   OGRLayerH pointsLayer() const {
     OGRLayerH layer = GDALDatasetGetLayerByName(ds_, "points");
     if (!layer) throw ProjectError("\"" + file_.string() + "\" is a GeoPackage but not a Tervalo project: it has no points layer");
@@ -340,11 +552,12 @@ class GpkgProject : public ProjectFile {
     resolve();
     journal("project new", "made");
     commit();
-    // Numbers are unique and found by an index, as the section form finds them.
-    sql("CREATE UNIQUE INDEX points_number ON points(number)");
+    // Numbers are unique and found by an index, as the section form finds them; the Points window filters by feature and evidence.
+    makeIndexes();
   }
 
-  void readSettings() {
+  // The project's version, as the file gives it.
+  int readSettings() {
     OGRLayerH about = GDALDatasetGetLayerByName(ds_, "tervalo_project");
     pointsLayer();
     if (!about) throw ProjectError("\"" + file_.string() + "\" is a GeoPackage but not a Tervalo project: it has no tervalo_project table");
@@ -362,6 +575,7 @@ class GpkgProject : public ProjectFile {
     settings_.unit = values["unit"] == "m" ? "m" : "ft";
     settings_.crs.epsg = std::atoi(values["epsg"].c_str());
     settings_.crs.foot = values["foot"];
+    return schema;
   }
 
   std::filesystem::path file_;

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <unordered_map>
 #include <sstream>
@@ -96,6 +97,17 @@ bool validOrder(const std::string& order) {
 
 }  // namespace
 
+std::string numberFault(const std::string& number) {
+  if (number.empty()) return "the point has no number";
+  for (unsigned char c : number) {
+    if (c == ' ' || c == ',' || c == '"' || c < 0x20 || c == 0x7f)
+      return "the point number \"" + number + "\" holds a blank, a comma, a quote or a control character, which no point number may";
+    if (std::islower(c))
+      return "the point number \"" + number + "\" holds small letters, which the section form cannot look up (it reads numbers in capitals)";
+  }
+  return "";
+}
+
 std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string& text, std::string order) {
   std::vector<std::string> lines;
   std::istringstream in(text);
@@ -137,7 +149,7 @@ std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string
         (column == 'N' ? p.northing : column == 'E' ? p.easting : p.elevation.emplace()) = *v;
       }
     }
-    if (p.number.empty()) bad(name, line, "the point has no number");
+    if (const std::string fault = numberFault(p.number); !fault.empty()) bad(name, line, fault);
     out.push_back(p);
   }
   return out;
@@ -190,11 +202,20 @@ std::vector<ProjectPoint> rawFile(const std::string& name, const std::string& te
   }
   const RawSurvey s = reduceRadial(records, {10, crs, file});
   if (!s.refused.empty()) throw ProjectError("\"" + name + "\" " + s.refused.front() + " (reduce it with tervalo-cli traverse first)");
-  for (const RawPoint& p : s.points) out.push_back({p.name, p.at.y, p.at.x, p.z, p.description, "", "", p.source, ""});
+  for (const RawPoint& p : s.points) out.push_back({0, p.name, p.at.y, p.at.x, p.z, p.description, "", "", p.source, ""});
   return out;
 }
 
 }  // namespace
+
+std::string headerColumns(const std::string& name) {
+  std::ifstream in(name, std::ios::binary);
+  std::string first;
+  if (!in || !std::getline(in, first)) return "";
+  if (!first.empty() && first.back() == '\r') first.pop_back();
+  const char separator = first.find(',') != std::string::npos ? ',' : first.find('\t') != std::string::npos ? '\t' : ' ';
+  return orderOfHeader(fieldsOf(first, separator));
+}
 
 std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::string& columns, const CrsChoice& crs) {
   const std::string ending = exportKind(name);
@@ -225,10 +246,13 @@ std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::strin
         throw ProjectError("\"" + name + "\": " + e.what());
       }
       for (const PointRecord& r : list.records)
-        if (!r.name.empty()) points.push_back({r.name, r.y, r.x, std::nullopt, r.description, r.feature, r.evidence.value_or(""), "", ""});
+        if (!r.name.empty()) points.push_back({0, r.name, r.y, r.x, std::nullopt, r.description, r.feature, r.evidence.value_or(""), "", ""});
     }
   }
   std::unordered_map<std::string, std::size_t> seen;
+  for (std::size_t i = 0; i < points.size(); ++i)
+    if (const std::string fault = numberFault(points[i].number); !fault.empty())
+      throw ProjectError("\"" + name + "\": point " + std::to_string(i + 1) + " of the file: " + fault);
   for (std::size_t i = 0; i < points.size(); ++i)
     if (!seen.emplace(points[i].number, i).second)
       throw ProjectError("\"" + name + "\": point " + points[i].number + " is given twice (points " + std::to_string(seen[points[i].number] + 1) +
@@ -242,7 +266,7 @@ std::vector<ProjectPoint> traversePoints(const nlohmann::ordered_json& runPoints
   std::vector<ProjectPoint> out;
   for (const auto& p : runPoints) {
     if (!withHeld && p.value("held", false)) continue;
-    ProjectPoint q{p["name"], p["y"], p["x"], std::nullopt, p.value("note", std::string()), p.value("side_shot", false) ? "SS" : "TRAV", "",
+    ProjectPoint q{0, p["name"], p["y"], p["x"], std::nullopt, p.value("note", std::string()), p.value("side_shot", false) ? "SS" : "TRAV", "",
                    source, ""};
     if (p.contains("z")) q.elevation = p["z"].get<double>();
     out.push_back(std::move(q));
@@ -263,6 +287,29 @@ PointList pointListOf(ProjectFile& project) {
     list.records.push_back(std::move(r));
   }
   return list;
+}
+
+}  // namespace tervalo
+
+namespace tervalo {
+
+CornerMap mapOfProject(ProjectFile& project) {
+  CornerMap map;
+  map.title = project.path().stem().string();
+  map.system = mapSystem(project.settings().crs);
+  for (const ProjectPoint& q : project.points()) {
+    MapPoint m;
+    m.name = q.number;
+    m.description = q.description;
+    m.feature = q.feature;
+    m.evidence = q.evidence;
+    m.x = q.easting;
+    m.y = q.northing;
+    m.z = q.elevation;
+    m.number = q.number;
+    map.points.push_back(std::move(m));
+  }
+  return map;
 }
 
 }  // namespace tervalo

@@ -10,15 +10,23 @@
 #include <nlohmann/json.hpp>
 
 #include "crs/project_store.h"
+#include "export/corner_map.h"
 #include "points/point_list.h"
 
 namespace tervalo {
+
+// Why `number` cannot be a point number, which the section form looks up
+// as typed in capitals and every file writes between commas; "" when it can.
+std::string numberFault(const std::string& number);
 
 // A delimited text by its column order (P, N, E, Z and D, such as "PNEZD";
 // "" for the order its header line names): comma (with quotes), tab or
 // blank separated, a header line passed over. `name` names the file in
 // messages.
 std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string& text, std::string order);
+
+// The column order the first line of the file `name` names as a header ("PNEZD"), "" for none.
+std::string headerColumns(const std::string& name);
 
 // The points of the file `name`, by its ending or its content; `columns`
 // as above overrides both; one number given twice is refused. GNSS points
@@ -28,6 +36,9 @@ std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::strin
 // A traverse run's points (its JSON "points") as project points with
 // `source`; the held stations too where `withHeld`.
 std::vector<ProjectPoint> traversePoints(const nlohmann::ordered_json& runPoints, const std::string& source, bool withHeld);
+
+// The project's points as every export writes them, titled by the project's name.
+CornerMap mapOfProject(ProjectFile& project);
 
 // The project's points as a list the tools look point numbers up in.
 PointList pointListOf(ProjectFile& project);

@@ -123,6 +123,8 @@ int main(int argc, char** argv) {
     } catch (const std::exception& e) {
       QMessageBox::warning(&window, "Tervalo", QString::fromStdString(std::string("The kept entries cannot be offered: ") + e.what()));
     }
+    // The last project, opened once the window shows: GDAL loads then, never before the window.
+    window.binder().run([&mainModel] { mainModel.reopenLastProject(); });
     // The files the desktop hands over (a double-click in a file manager), each where it belongs.
     for (const QString& file : options.positionalArguments())
       window.binder().run([&mainModel, file] { mainModel.openFile(file.toStdString()); });

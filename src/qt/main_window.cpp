@@ -47,7 +47,11 @@ MainWindow::MainWindow(Program& program, QtShell& shell) : model_(program.form<f
   go->setDefault(true);
   grid->addWidget(go, 3, 2);
   grid->addWidget(noticeLabel("lblNotice", central), 4, 0, 1, 3);
-  grid->setRowStretch(5, 1);
+  auto* project = new QLabel(central);
+  project->setObjectName("lblProject");
+  project->setWordWrap(true);
+  grid->addWidget(project, 5, 0, 1, 3);
+  grid->setRowStretch(6, 1);
   setCentralWidget(central);
 
   // The menu in the model's order; entries with a parent go in its submenu.

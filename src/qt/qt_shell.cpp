@@ -4,6 +4,7 @@
 #include "qt/printing.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QDir>
@@ -257,5 +258,9 @@ void QtShell::print(const PrintJob& job) {
 }
 
 Date QtShell::today() { return localToday(); }
+
+std::string QtShell::clipboardText() { return QApplication::clipboard()->text().toStdString(); }
+
+void QtShell::setClipboardText(const std::string& text) { QApplication::clipboard()->setText(QString::fromStdString(text)); }
 
 }  // namespace tervalo

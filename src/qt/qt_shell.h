@@ -45,6 +45,8 @@ class QtShell : public Shell {
   // The print dialog; a fault of the chosen file is said in a box.
   void print(const PrintJob& job) override;
   Date today() override;
+  std::string clipboardText() override;
+  void setClipboardText(const std::string& text) override;
 
   // Reopens the recovery job's calculator with its inputs, in the windows a
   // user sees (the steps naming each window are played when it opens).

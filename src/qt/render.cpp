@@ -19,6 +19,9 @@
 #include "hcurve/frm_horz_curve.h"
 #include "grading/frm_grade.h"
 #include "points/readers.h"
+#include "project/frm_points.h"
+#include "project/point_import.h"
+#include "project/project_session.h"
 #include "proportion/frm_prop.h"
 #include "vcurve/frm_vert_curve.h"
 #include "secsub/frm_sec_sub.h"
@@ -175,6 +178,22 @@ bool saveView(Program& program, QtShell& shell, QWidget& main, const QString& di
   return ok;
 }
 
+// A project made from the example files, open for every tool: the source file's points and the adjusted traverse.
+void openExampleProject(Program& program, const QString& dir) {
+  const std::filesystem::path file = QDir(dir).filePath("section14.gpkg").toStdString();
+  std::filesystem::remove(file);
+  program.project = std::make_unique<ProjectSession>(createProject(file, ProjectSettings{}));
+  program.project->store(pointsOfFile("examples/section14.sdms", "", {}), OnDuplicate::Skip, "import section14.sdms", "Import");
+  program.project->store(pointsOfFile("examples/section14.rw5", "", {}), OnDuplicate::Skip, "import section14.rw5", "Import");
+  program.recentProjects.add(file.string());
+  program.form<frmMain>("frmMain").showProject();
+  program.form<frmMain>("frmMain").showRecent();
+  auto& points = program.form<frmPoints>("frmPoints");
+  points.setOpen(true);
+  points.sortBy(0, false);
+  points.select({2, 3});
+}
+
 }  // namespace
 
 int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QString& dir) {
@@ -190,12 +209,20 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
   QDir().mkpath(dir);
   shell.unattended = true;
   fillExamples(program);
+  try {
+    openExampleProject(program, dir);
+  } catch (const ProjectError& e) {
+    std::cerr << "tervalo: the example project cannot be made: " << e.what() << "\n";
+    return 2;
+  }
   main.binder().refresh();
   int failures = save(main, dir, "frmMain", main.size()) ? 0 : 1;  // as it opens
   for (const std::string& name : program.registry().formNames()) {
     if (name == "frmMain" || name == "frmSecSub" || !shell.hasView(name)) continue;
     // The township and traverse windows as they open, large enough for their maps; the others as small as they go.
-    const QSize size = name == "frmTownship" ? QSize(1240, 720) : name == "frmTraverse" ? QSize(1300, 720) : QSize();
+    const QSize size = name == "frmTownship"                          ? QSize(1240, 720)
+                       : name == "frmTraverse" || name == "frmPoints" ? QSize(1300, 720)
+                                                                      : QSize();
     failures += saveView(program, shell, main, dir, name, name, size) ? 0 : 1;
   }
   if (shell.hasView("frmSecSub")) {

@@ -23,6 +23,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmRestore", makeRestoreView);
   shell.addView("frmCrs", makeCrsView);
   shell.addView("frmTraverse", makeTraverseView);
+  shell.addView("frmPoints", makePointsView);
 }
 
 }  // namespace tervalo

@@ -30,6 +30,8 @@ QDialog* makeHorzCurveView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeVertCurveView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeVCResultsView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makePropView(FormModel& model, QtShell& shell, QWidget* parent);
+// The project's points: the table beside the map.
+QDialog* makePointsView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeGradeView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeTownshipView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeRestoreView(FormModel& model, QtShell& shell, QWidget* parent);

@@ -77,4 +77,14 @@ std::string Format(double value, std::string_view mask) {
   return out;
 }
 
+std::string grouped(long long count) {
+  const std::string digits = std::to_string(count < 0 ? -count : count);
+  std::string out = count < 0 ? "-" : "";
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) out += ',';
+    out += digits[i];
+  }
+  return out;
+}
+
 }  // namespace tervalo

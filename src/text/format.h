@@ -16,4 +16,7 @@ namespace tervalo {
 // leading zero (".500"). A value that is not finite is an Overflow.
 std::string Format(double value, std::string_view mask);
 
+// A whole count with its thousands set apart: 12045 as "12,045".
+std::string grouped(long long count);
+
 }  // namespace tervalo

@@ -31,16 +31,7 @@ std::string withSign(const std::string& text) { return text[0] == '-' ? text : "
 std::string signedLength(double v) { return withSign(fixed(v, "0.000")); }
 std::string seconds(double v) { return withSign(fixed(v, "0.0")) + "\""; }
 
-// 12045 as "12,045".
-std::string grouped(double v) {
-  const std::string digits = fixed(v, "0");
-  std::string out;
-  for (std::size_t i = 0; i < digits.size(); ++i) {
-    if (i > 0 && (digits.size() - i) % 3 == 0) out += ',';
-    out += digits[i];
-  }
-  return out;
-}
+std::string grouped(double v) { return tervalo::grouped(std::llround(v)); }
 
 const char* ruleWords(AdjustRule rule) {
   switch (rule) {

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "app/frm_main.h"
+#include "project/project_session.h"
 #include "secsub/frm_sec_sub.h"
 #include "support/bench.h"
 #include "text/errors.h"
@@ -21,21 +22,54 @@ class MainWindow : public ::testing::Test, protected testing::Bench {
 
 TEST_F(MainWindow, TheCaptionAndMenuStandInOrder) {
   EXPECT_EQ(main.caption, " Ardel Coordinate Geometry Program  (Tervalo32)");
-  std::vector<std::string> menu;
+  std::vector<std::string> menu, project;
   for (const auto& e : main.controls())
-    if (std::holds_alternative<MenuItem*>(e.control)) menu.push_back(e.name);
+    if (const auto* item = std::get_if<MenuItem*>(&e.control))
+      ((*item)->parent.starts_with("mnuProject") ? project : menu).push_back(e.name);
   const std::vector<std::string> own{"mnuSecSub", "mnuCurve", "mnuChorz", "mnuCvert", "mnuMisc", "mnuMgrade",
                                      "mnuMprop", "mnuHelp", "mnuExit", "mnuTownship", "mnuTraverse", "mnuRestore",
-                                     "mnuOptions", "mnuRecent"};
-  // The program's own entries in their order, then the recent work.
-  EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 14), own);
+                                     "mnuProject", "mnuOptions", "mnuRecent"};
+  // The program's own entries in their order, the project's beside them, then the recent work.
+  EXPECT_EQ(std::vector<std::string>(menu.begin(), menu.begin() + 15), own);
   // Ten recent files, a line, Reopen Previous Inputs, then the kept earlier files and the History window.
-  EXPECT_EQ(menu.size(), 14u + 10u + 1u + 1u + 10u + 2u);
-  EXPECT_EQ(menu[24], "mnuPrevious");
+  EXPECT_EQ(menu.size(), 15u + 10u + 1u + 1u + 10u + 2u);
+  EXPECT_EQ(menu[25], "mnuPrevious");
   EXPECT_TRUE(main.mnuPrevious.separatorBefore);
   EXPECT_EQ(menu.back(), "mnuHistoryKeep");
+  // New, Open, the recent projects, Import, Export, Points, Close.
+  ASSERT_EQ(project.size(), 3u + 10u + 4u);
+  EXPECT_EQ(std::vector<std::string>(project.begin(), project.begin() + 3),
+            (std::vector<std::string>{"mnuProjectNew", "mnuProjectOpen", "mnuProjectRecent"}));
+  EXPECT_EQ(std::vector<std::string>(project.end() - 4, project.end()),
+            (std::vector<std::string>{"mnuProjectImport", "mnuProjectExport", "mnuProjectPoints", "mnuProjectClose"}));
   EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");
   EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");
+}
+
+TEST_F(MainWindow, AProjectIsMadeShownAndOpenedAgainAtTheNextStart) {
+  EXPECT_EQ(main.lblProject.caption, "No project is open.");
+  EXPECT_FALSE(main.mnuProjectPoints.enabled);
+  const std::string file = (dir.path() / "farm").string();
+  shell.chosenFiles.push_back(file);
+  shell.answers.push_back(Answer::No);  // local coordinates in metres
+  main.click("mnuProjectNew");
+  EXPECT_EQ(shell.modalForms, std::vector<std::string>{"frmCrs"});  // the project's system is chosen first
+  EXPECT_EQ(main.lblProject.caption, "Project: farm (local coordinates, metres), 0 points");
+  EXPECT_TRUE(main.mnuProjectPoints.enabled);
+  EXPECT_EQ(main.mnuProjectRecentFiles[0].caption, "&1  " + file + ".gpkg");
+  main.click("mnuProjectClose");
+  EXPECT_FALSE(program.project);
+
+  // The next start opens it again; a project that is not one is said and left closed.
+  Program next(shell, dir.folder());
+  auto& again = next.form<frmMain>("frmMain");
+  again.reopenLastProject();
+  ASSERT_TRUE(next.project);
+  EXPECT_EQ(next.project->file().settings().unit, "m");
+  const auto damaged = dir.write("damaged.gpkg", "SQLite format 3 and then nothing");
+  EXPECT_FALSE(again.openProjectFile(damaged.string()));
+  EXPECT_NE(shell.boxes.back().text.find("damaged.gpkg"), std::string::npos) << shell.boxes.back().text;
+  EXPECT_TRUE(next.project);  // the open project stays open
 }
 
 TEST_F(MainWindow, ContinueWithAMissingFileOrAPipeSaysSoAndStays) {
