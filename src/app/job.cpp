@@ -54,7 +54,7 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     throw JobError(std::string("the job file is not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw JobError("the job file must hold one JSON object");
-  Fields::refuseUnknown(json, {"version", "calculator", "steps", "answers", "files", "crs"}, "job");
+  Fields::refuseUnknown(json, {"version", "calculator", "steps", "answers", "files", "crs", "project"}, "job");
 
   Job job;
   if (json.contains("version")) {
@@ -73,6 +73,11 @@ Job parseJob(const std::string& jsonText, const FormRegistry& registry) {
     } catch (const CrsError& e) {
       throw JobError(std::string("job: ") + e.what());
     }
+  }
+  if (json.contains("project")) {
+    if (!json["project"].is_string() || json["project"].get<std::string>().empty())
+      throw JobError("job: \"project\" must name a project file (NAME.gpkg)");
+    job.project = json["project"].get<std::string>();
   }
   if (!json.contains("calculator") || !json["calculator"].is_string()) throw JobError("job: \"calculator\" must be a text");
   job.calculator = json["calculator"].get<std::string>();
@@ -173,6 +178,8 @@ Job readJobFile(const std::string& file, const FormRegistry& registry) {
   // job runs the same from any working folder. Names of files it writes
   // keep their own rule (the data folder).
   const std::filesystem::path folder = std::filesystem::absolute(std::filesystem::path(file)).parent_path();
+  if (!job.project.empty() && std::filesystem::path(job.project).is_relative())
+    job.project = (folder / job.project).lexically_normal().string();
   for (JobStep& step : job.steps)
     for (auto& [control, value] : step.set) {
       auto* name = std::get_if<std::string>(&value);

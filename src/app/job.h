@@ -41,6 +41,8 @@ struct Job {
   std::vector<Answer> answers;  // to Yes/No boxes, in order; then yes
   std::vector<std::string> files;  // to file dialogs, in order; then the dialog is cancelled
   CrsChoice crs;  // the coordinate system of its coordinates; none when the job names none
+  // The survey project (NAME.gpkg) its point numbers are looked up in and its corners stored in; "" for none.
+  std::string project;
 };
 
 // Parses and checks a job against the program's windows; JobError says

@@ -8,6 +8,9 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
+#include "project/point_import.h"
+#include "project/project_session.h"
+#include "secsub/frm_sec_sub.h"
 #include "text/errors.h"
 
 namespace tervalo {
@@ -155,7 +158,16 @@ RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry&
   program.crs = job.crs;
   if (options.prepare) options.prepare(program);
   bool ended = false;
+  if (!job.project.empty()) {
+    try {
+      program.project = std::make_unique<ProjectSession>(openProject(job.project));
+      if (program.crs.none()) program.crs = program.project->file().settings().crs;
+    } catch (const ProjectError& e) {
+      shell.msgBox("Project", std::string(e.what()) + ".", Icon::Critical, Buttons::Ok);
+    }
+  }
   try {
+    if (!job.project.empty() && !program.project) throw ProgramEnd();
     auto& main = program.form<frmMain>("frmMain");
     main.setOpen(true);
     const CalculatorInfo* calculator = registry.calculatorByJob(job.calculator);
@@ -175,6 +187,22 @@ RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry&
                         {"skipped", std::move(shell.skipped)}};
   if (options.windows)
     for (const FormModel* form : program.madeForms()) form->addToResult(outcome.result);
+  // The section's corners into the project the job names, in place of those of an earlier run.
+  if (program.project && !ended && registry.hasForm("frmSecSub")) {
+    const auto made = program.madeForms();
+    const auto section = std::find_if(made.begin(), made.end(), [](const FormModel* f) { return f->name() == "frmSecSub"; });
+    if (section != made.end() && static_cast<frmSecSub*>(*section)->hasRun) {
+      const auto& form = *static_cast<frmSecSub*>(*section);
+      try {
+        const StoreCounts c = program.project->store(mapPoints(form.runMap(), form.drawingTitle()), OnDuplicate::Replace, form.drawingTitle(),
+                                                     "Store " + form.drawingTitle());
+        outcome.result["project"] = Json{{"file", job.project}, {"stored", c.stored}, {"replaced", c.replaced}};
+      } catch (const ProjectError& e) {
+        shell.msgBox("Project", std::string("The corners are not stored: ") + e.what() + ".", Icon::Critical, Buttons::Ok);
+        outcome.result["messages"].push_back(shell.messages.back());
+      }
+    }
+  }
   if (options.inspect) options.inspect(program);
   const bool critical = std::any_of(outcome.result["messages"].begin(), outcome.result["messages"].end(),
                                     [](const Json& m) { return m["icon"] == "critical"; });

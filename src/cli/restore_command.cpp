@@ -8,6 +8,7 @@
 #include "app/output_file.h"
 #include "app/runner.h"
 #include "crs/project_store.h"
+#include "project/point_import.h"
 #include "restore/restoration_file.h"
 #include "text/justify.h"
 #include "text/errors.h"
@@ -37,12 +38,7 @@ int restoreCommand(const std::string& name, bool json, const std::string& dataFo
     for (const auto& [path, lines] : written) files.push_back(std::filesystem::absolute(path).lexically_normal().string());
     if (!file.project.empty()) {
       // The restored corners into the project, each with the rule that placed it.
-      std::vector<ProjectPoint> restored;
-      const std::string from = "restoration " + std::filesystem::path(name).filename().string() + " by ";
-      for (const CornerOutcome& c : run.corners)
-        if (c.restored)
-          restored.push_back({0, c.corner.name, c.restored->at.y, c.restored->at.x, std::nullopt,
-                              "RESTORED " + upper(methodName(c.restored->method)) + " PROPORTION", "RES", "", from + c.restored->text, ""});
+      const std::vector<ProjectPoint> restored = restoredPoints(run, "restoration " + std::filesystem::path(name).filename().string());
       try {
         const StoreCounts stored = openProject(file.project)->store(restored, OnDuplicate::Replace, "restoration");
         if (!json) out << "Stored " << stored.stored << " restored corners in " << file.project << "\n";

@@ -13,6 +13,7 @@
 
 #include "export/export_file.h"
 #include "points/readers.h"
+#include "restore/restoration_file.h"
 #include "text/errors.h"
 #include "text/input_file.h"
 #include "text/justify.h"
@@ -292,6 +293,32 @@ PointList pointListOf(ProjectFile& project) {
 }  // namespace tervalo
 
 namespace tervalo {
+
+std::vector<ProjectPoint> mapPoints(const CornerMap& map, const std::string& source) {
+  std::vector<ProjectPoint> out;
+  for (const MapPoint& m : map.points) {
+    ProjectPoint p;
+    p.number = m.number.empty() ? m.name : m.number;
+    p.northing = m.y;
+    p.easting = m.x;
+    p.elevation = m.z;
+    p.description = m.description;
+    p.feature = m.feature;
+    p.evidence = m.evidence;
+    p.source = source + (m.rule.empty() ? "" : ": " + m.rule);
+    out.push_back(std::move(p));
+  }
+  return out;
+}
+
+std::vector<ProjectPoint> restoredPoints(const RestorationRun& run, const std::string& from) {
+  std::vector<ProjectPoint> out;
+  for (const CornerOutcome& c : run.corners)
+    if (c.restored)
+      out.push_back({0, c.corner.name, c.restored->at.y, c.restored->at.x, std::nullopt,
+                     "RESTORED " + upper(methodName(c.restored->method)) + " PROPORTION", "RES", "", from + " by " + c.restored->text, ""});
+  return out;
+}
 
 CornerMap mapOfProject(ProjectFile& project) {
   CornerMap map;

@@ -12,6 +12,7 @@
 #include "crs/project_store.h"
 #include "export/corner_map.h"
 #include "points/point_list.h"
+#include "restore/restoration_file.h"
 
 namespace tervalo {
 
@@ -36,6 +37,14 @@ std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::strin
 // A traverse run's points (its JSON "points") as project points with
 // `source`; the held stations too where `withHeld`.
 std::vector<ProjectPoint> traversePoints(const nlohmann::ordered_json& runPoints, const std::string& source, bool withHeld);
+
+// A section's corners (or any map's points) as project points: each under
+// its point number, else its name, with its description and evidence.
+std::vector<ProjectPoint> mapPoints(const CornerMap& map, const std::string& source);
+
+// The corners a restoration restored, each with the rule that placed it;
+// `from` names the restoration ("restoration section14.restore.json").
+std::vector<ProjectPoint> restoredPoints(const RestorationRun& run, const std::string& from);
 
 // The project's points as every export writes them, titled by the project's name.
 CornerMap mapOfProject(ProjectFile& project);

@@ -2,6 +2,7 @@
 
 #include <unordered_set>
 
+#include "app/shell.h"
 #include "text/format.h"
 
 namespace tervalo {
@@ -77,6 +78,38 @@ void ProjectSession::redo() {
   done_.push_back({step.what, step.source, std::move(back)});
   ++version_;
   count_ = -1;
+}
+
+std::string storeFromTool(ProjectSession& session, Shell& shell, std::vector<ProjectPoint> points, const std::string& source,
+                          const std::string& what) {
+  const std::string title = "Store in Project";
+  if (points.empty()) {
+    shell.msgBox(title, "There are no points to store.", Icon::Information);
+    return "";
+  }
+  OnDuplicate way = OnDuplicate::Replace;
+  try {
+    std::vector<std::string> numbers;
+    for (const ProjectPoint& p : points) numbers.push_back(p.number);
+    const std::vector<ProjectPoint> held = session.file().findAll(numbers);
+    if (!held.empty()) {
+      std::string some;
+      for (std::size_t i = 0; i < held.size() && i < 5; ++i) some += (i ? ", " : "") + held[i].number;
+      if (held.size() > 5) some += " and " + std::to_string(held.size() - 5) + " more";
+      way = shell.msgBox(title,
+                         "The project holds " + some + " already. Replace those points with these? No: store these under the next free numbers.",
+                         Icon::Question, Buttons::YesNo) == Answer::Yes
+                ? OnDuplicate::Replace
+                : OnDuplicate::Renumber;
+    }
+    const StoreCounts c = session.store(std::move(points), way, source, what);
+    return "Stored " + grouped(c.stored) + (c.stored == 1 ? " point" : " points") + " in " + session.name() +
+           (c.replaced ? " (" + grouped(c.replaced) + " replacing a point)" : "") +
+           (c.renumbered ? " (" + grouped(c.renumbered) + " under the next free numbers)" : "") + ".";
+  } catch (const ProjectError& e) {
+    shell.msgBox(title, std::string(e.what()) + ". Nothing was stored.", Icon::Exclamation);
+    return "";
+  }
 }
 
 }  // namespace tervalo

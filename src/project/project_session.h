@@ -12,6 +12,17 @@
 
 namespace tervalo {
 
+class Shell;
+class ProjectSession;
+
+// A tool's computed points stored in the open project as one step named
+// `what`. Where the project holds some of their numbers, the user chooses
+// once: replace those points (a run made again) or store them under the
+// next free numbers. Returns what the window says of it; "" when nothing
+// was stored (the box said why).
+std::string storeFromTool(ProjectSession& session, Shell& shell, std::vector<ProjectPoint> points, const std::string& source,
+                          const std::string& what);
+
 class ProjectSession {
  public:
   explicit ProjectSession(std::unique_ptr<ProjectFile> file);

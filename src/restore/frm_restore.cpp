@@ -1,5 +1,8 @@
 #include "restore/frm_restore.h"
 
+#include "project/point_import.h"
+#include "project/project_session.h"
+
 #include <cmath>
 #include <filesystem>
 #include <tuple>
@@ -94,6 +97,7 @@ frmRestore::frmRestore(Program& program) : FormModel(program, "frmRestore", "Cor
   add("btnOpenInputs", btnOpenInputs).click([this] { openFile(); });
   add("btnSaveInputs", btnSaveInputs).click([this] { saveFile(); });
   add("btnWriteReport", btnWriteReport).click([this] { btnWriteReport_Click(); });
+  add("btnStore", btnStore).click([this] { btnStore_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
   file_.corners.push_back(CornerEntry{"Corner 1"});
   file_.crs = program.crs;
@@ -244,6 +248,18 @@ void frmRestore::showResult() {
 std::optional<Restored> frmRestore::restoredCorner() const {
   if (!run_ || run_->corners.empty()) return std::nullopt;
   return run_->corners.front().restored;
+}
+
+void frmRestore::opened() { btnStore.enabled = program().project != nullptr; }
+
+void frmRestore::btnStore_Click() {
+  if (!program().project) return;
+  if (!run_) btnRestore_Click();
+  if (!run_) return;
+  const std::string file = std::filesystem::path(txtSource.text).filename().string();
+  const std::string said = storeFromTool(*program().project, shell(), restoredPoints(*run_, "restoration" + (file.empty() ? "" : " " + file)),
+                                         "restoration", "Store the restored corners");
+  if (!said.empty()) lblResult.caption += (lblResult.caption.empty() ? "" : "\n") + said;
 }
 
 void frmRestore::btnWriteReport_Click() {

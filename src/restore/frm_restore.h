@@ -58,6 +58,8 @@ class frmRestore : public FormModel {
   Button btnRestore{"Restore"};
   Label lblResult;
   Button btnWriteReport{"Write Report..."};
+  // The computed points into the open project, as one step of its Undo; enabled while a project is open.
+  Button btnStore{"Store in Project", true, false};
   Button btnReturn{"Return"};
 
   // The corner the fields show; -1 for none.
@@ -66,6 +68,8 @@ class frmRestore : public FormModel {
 
   void btnRestore_Click();
   void btnWriteReport_Click();
+  void btnStore_Click();
+  void opened() override;
 
   // The window's file, as the fields stand.
   RestorationFile file() const { return file_; }

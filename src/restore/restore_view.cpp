@@ -114,6 +114,7 @@ class RestoreView : public FormDialog {
     files->addWidget(button("btnOpenInputs"));
     files->addWidget(button("btnSaveInputs"));
     files->addWidget(button("btnWriteReport"));
+    files->addWidget(button("btnStore"));
     files->addStretch();
     files->addWidget(button("btnReturn"));
     left->addLayout(files);

@@ -7,6 +7,7 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
+#include "project/project_session.h"
 #include "restore/frm_restore.h"
 #include "secsub/corners.h"
 #include "text/errors.h"
@@ -77,6 +78,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("chkEvidence", chkEvidence);
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
+  add("btnStore", btnStore).click([this] { btnStore_Click(); });
   add("lblCrs", lblCrs);
   add("btnCrs", btnCrs).click([this] {
     shell().showModal(this->program().form("frmCrs"));
@@ -109,16 +111,27 @@ void frmSecSub::pointNumberChanged(int s) {
     if (wanted.empty()) return;
     const bool empty = std::none_of(program().points.records.begin(), program().points.records.end(),
                                     [](const PointRecord& p) { return !p.name.empty(); });
-    fields.pn.note = "Point " + wanted + " is not in the point list" +
+    fields.pn.note = "Point " + wanted + (program().project ? " is not in the project or the point list" : " is not in the point list") +
                      (empty ? " (the list is empty: read the source file again; a run empties it)" : "") +
                      ": type its X and Y, or keep the number to name a corner the run computes.";
     fields.xc.note = wanted + " not in the point list";
   };
+  // An open project is looked in first, by its index on numbers; the source file's list after it.
+  std::optional<PointRecord> inProject;
+  if (program().project && !wanted.empty()) {
+    try {
+      if (const auto q = program().project->file().find(wanted))
+        inProject = PointRecord{q->easting, q->northing, q->feature, q->description, q->number,
+                                q->evidence.empty() ? std::nullopt : std::optional<std::string>(q->evidence)};
+    } catch (const ProjectError& e) {
+      fields.pn.note = std::string("The project cannot be read: ") + e.what();
+    }
+  }
   const PointList& list = program().points;
   // Up to and including the loaded count, within the list's 151 records.
   const int last = std::min<int>(list.pointCount, PointList::kSourceCapacity - 1);
-  for (int i = 0; i <= last; ++i) {
-    const PointRecord& p = list.records[static_cast<std::size_t>(i)];
+  for (int i = inProject ? -1 : 0; i <= last; ++i) {
+    const PointRecord& p = i < 0 ? *inProject : list.records[static_cast<std::size_t>(i)];
     if (p.name != wanted) continue;
     CornerSlot& c = record.slots[static_cast<std::size_t>(s)];
     c.pointNumber = p.name;

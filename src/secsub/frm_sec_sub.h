@@ -82,6 +82,7 @@ class frmSecSub : public FormModel {
   Button btnSaveDrawing{"Save Drawing...", true, false};  // once there is a drawing
   Button btnExport{"Export...", true, false};            // once there are corners to export
   Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page
+  Button btnStore{"Store in Project", true, false};      // the corners into the open project, after a run
   Button btnRestoreCorner{"Restore Corner..."};  // the slot the cursor was last in, as a lost corner
   // The coordinate system of the coordinates, for the exports and the report's later pages.
   Label lblCrs{"Coordinate system: local coordinates"};
@@ -129,6 +130,7 @@ class frmSecSub : public FormModel {
   // The run's corners for another program: PNEZD or Tervalo points, LandXML
   // or DXF, as the chosen name's ending says.
   void btnExport_Click();
+  void btnStore_Click();
   void Main();
 
   // The last run's corners and lines for the exports: each corner's status
@@ -151,10 +153,7 @@ class frmSecSub : public FormModel {
   // The section's inputs include the main window's source and output names.
   std::vector<FormModel*> inputForms() override;
   // Opening over the main window: the source file's notice comes along.
-  void opened() override {
-    showNotices(notices.lines);
-    showCrs();
-  }
+  void opened() override;
   // The names and feature codes the output files give each present
   // position; returns the positions that had no name and took their corner name.
   std::vector<int> nameOutputPositions(const CornerNaming& naming);

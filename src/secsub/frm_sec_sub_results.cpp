@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "project/point_import.h"
+#include "project/project_session.h"
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
@@ -142,6 +144,23 @@ void frmSecSub::restoreSlot(int s) {
 }
 
 std::vector<FormModel*> frmSecSub::inputForms() { return {&program().form("frmMain"), this}; }
+
+void frmSecSub::opened() {
+  showNotices(notices.lines);
+  showCrs();
+  btnStore.enabled = program().project != nullptr;
+}
+
+void frmSecSub::btnStore_Click() {
+  if (!program().project) return;
+  if (!hasRun) {
+    shell().msgBox("Store in Project", "Continue first: the run computes the corners to store.", Icon::Information);
+    return;
+  }
+  const std::string title = drawingTitle();
+  const std::string said = storeFromTool(*program().project, shell(), mapPoints(runMap(), title), title, "Store " + title);
+  if (!said.empty()) shell().msgBox("Store in Project", said, Icon::Information);
+}
 
 void frmSecSub::btnExport_Click() {
   if (!hasRun) return;

@@ -74,6 +74,7 @@ class SecSubView : public FormDialog {
     files->addWidget(button("btnSaveDrawing"));
     files->addWidget(button("btnExport"));
     files->addWidget(button("btnPrint"));
+    files->addWidget(button("btnStore"));
     side->addLayout(files);
     auto* buttons = new QHBoxLayout;
     QPushButton* go = button("btnContinue");

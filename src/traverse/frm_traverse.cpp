@@ -1,5 +1,8 @@
 #include "traverse/frm_traverse.h"
 
+#include "project/point_import.h"
+#include "project/project_session.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -90,6 +93,7 @@ frmTraverse::frmTraverse(Program& program) : FormModel(program, "frmTraverse", "
   add("btnAdjust", btnAdjust).click([this] { btnAdjust_Click(); });
   add("btnWriteReport", btnWriteReport).click([this] { btnWriteReport_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
+  add("btnStore", btnStore).click([this] { btnStore_Click(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
   add("lstReport", lstReport);
   rows.resize(1);
@@ -127,6 +131,7 @@ void frmTraverse::keepInputs() {
 }
 
 void frmTraverse::opened() {
+  btnStore.enabled = program().project != nullptr;
   if (keptTaken_) return;
   keptTaken_ = true;
   // Read once, by the window's first opening: a kept file that is damaged is left where it is, unread.
@@ -366,6 +371,17 @@ void frmTraverse::btnWriteReport_Click() {
   }
   for (const auto& file : {report, points}) shell().fileWritten(std::filesystem::absolute(file));
   shell().openInEditor(report);
+}
+
+void frmTraverse::btnStore_Click() {
+  if (!program().project) return;
+  if (!run_) btnAdjust_Click();
+  if (!run_) return;
+  const std::string file = std::filesystem::path(txtSource.text).filename().string();
+  const std::string source = "traverse " + (file.empty() ? std::string("typed") : file) + " adjusted by " + run_->json["rule"].get<std::string>();
+  const std::string said = storeFromTool(*program().project, shell(), traversePoints(run_->json["points"], source, false), source,
+                                         "Store the traverse");
+  if (!said.empty()) lblResult.caption = closureSummary(*adjusted_, run_->result) + "\n" + said;
 }
 
 void frmTraverse::btnExport_Click() {

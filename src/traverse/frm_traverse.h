@@ -71,6 +71,8 @@ class frmTraverse : public FormModel {
   Button btnAdjust{"Adjust"};
   Button btnWriteReport{"Write Report...", true, false};
   Button btnExport{"Export...", true, false};
+  // The computed points into the open project, as one step of its Undo; enabled while a project is open.
+  Button btnStore{"Store in Project", true, false};
   Button btnReturn{"Return"};
   Label lblResult;
   ListBox lstReport;
@@ -95,6 +97,7 @@ class frmTraverse : public FormModel {
   void btnAdjust_Click();
   void btnWriteReport_Click();
   void btnExport_Click();
+  void btnStore_Click();
   bool openPath(const std::string& file) override;
   void openRaw();
   void openFile();

@@ -109,7 +109,7 @@ class TraverseView : public FormDialog {
     left->addLayout(adjust);
     left->addLayout(resultRow("btnAdjust", "lblResult"));
     auto* files = new QHBoxLayout;
-    for (const char* name : {"btnOpenRaw", "btnOpenInputs", "btnSaveInputs", "btnWriteReport", "btnExport"}) files->addWidget(button(name));
+    for (const char* name : {"btnOpenRaw", "btnOpenInputs", "btnSaveInputs", "btnWriteReport", "btnExport", "btnStore"}) files->addWidget(button(name));
     files->addStretch();
     files->addWidget(button("btnReturn"));
     left->addLayout(files);

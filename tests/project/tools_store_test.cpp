@@ -1,0 +1,87 @@
+// Every tool on the project: a section job looks its corner numbers up in
+// the project and writes the very files it writes from the source file,
+// then stores its corners; the traverse and restoration windows store
+// their points, asking once before they replace any.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "app/runner.h"
+#include "project/point_import.h"
+#include "project/project_session.h"
+#include "restore/frm_restore.h"
+#include "restore/restoration_file.h"
+#include "support/bench.h"
+#include "traverse/frm_traverse.h"
+#include "traverse/traverse_file.h"
+
+namespace tervalo {
+namespace {
+
+using testing::TempDir;
+
+const std::string kSource = TERVALO_SOURCE_DIR;
+
+TEST(ProjectTools, ASectionJobLooksItsCornersUpInTheProjectAndStoresThem) {
+  TempDir dir;
+  const auto file = dir.path() / "sec14.gpkg";
+  createProject(file, {})->store(pointsOfFile(kSource + "/examples/section14.sdms", "", {}), OnDuplicate::Skip, "import");
+  // The source file holds none of the corners: they come from the project alone.
+  const auto other = dir.write("other.csv", "9999,1.0,1.0,XX,NOTHING\n");
+  std::ifstream in(kSource + "/tests/golden/secsub-regular-14.job.json");
+  std::stringstream text;
+  text << in.rdbuf();
+  std::string job = text.str();
+  job.replace(job.find("@EXAMPLES@/section14.sdms"), 25, other.string());
+  job.insert(job.find('{') + 1, "\"project\": \"" + file.string() + "\",");
+
+  const RunOutcome outcome = runJob(parseJob(job, allForms()), RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+  ASSERT_EQ(outcome.exitCode, 0) << outcome.result.dump(1);
+  EXPECT_EQ(TempDir::read(dir.path() / "SecSub.inp"), TempDir::read(kSource + "/tests/golden/secsub-regular-14.inp"));
+  EXPECT_EQ(outcome.result["project"]["replaced"], 8);  // the eight corners found, as the run gives them
+  const auto project = openProject(file);
+  EXPECT_EQ(project->count(), 9 + outcome.result["project"]["stored"].get<int>() - 8);
+  const auto centre = project->findAll({"2001"});
+  ASSERT_EQ(centre.size(), 1u);
+  EXPECT_EQ(centre[0].source.rfind("Section 14, T115N, R22W", 0), 0u) << centre[0].source;
+
+  // A project that cannot be opened ends the job with its word, nothing run.
+  job.replace(job.find(file.string()), file.string().size(), (dir.path() / "none.gpkg").string());
+  const RunOutcome missing = runJob(parseJob(job, allForms()), RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+  EXPECT_NE(missing.exitCode, 0);
+  EXPECT_NE(missing.result["messages"][0]["text"].get<std::string>().find("none.gpkg\" does not exist"), std::string::npos);
+}
+
+TEST(ProjectTools, TheTraverseAndRestorationWindowsStoreTheirPoints) {
+  testing::Bench b;
+  b.program.project = std::make_unique<ProjectSession>(createProject(b.dir.path() / "farm.gpkg", {}));
+  auto& traverse = b.program.form<frmTraverse>("frmTraverse");
+  traverse.setOpen(true);
+  EXPECT_TRUE(traverse.btnStore.enabled);
+  traverse.setInput(readTraverseFile(kSource + "/examples/section14.rw5"));
+  traverse.click("btnStore");  // adjusts first
+  EXPECT_NE(traverse.lblResult.caption.find("\nStored 9 points in farm."), std::string::npos) << traverse.lblResult.caption;
+  const auto station = b.program.project->file().find("1002");
+  ASSERT_TRUE(station);
+  EXPECT_EQ(station->source, "traverse typed adjusted by compass");
+
+  // Again: the project holds them, and No stores them under the next free numbers.
+  b.shell.answers.push_back(Answer::No);
+  traverse.click("btnStore");
+  EXPECT_NE(b.shell.boxes.back().text.find("The project holds 1002, 1003"), std::string::npos) << b.shell.boxes.back().text;
+  EXPECT_NE(traverse.lblResult.caption.find("(9 under the next free numbers)"), std::string::npos) << traverse.lblResult.caption;
+  b.program.project->undo();
+  EXPECT_EQ(b.program.project->file().count(), 9);
+
+  auto& restore = b.program.form<frmRestore>("frmRestore");
+  restore.setOpen(true);
+  restore.setFile(readRestorationFile(kSource + "/examples/section14.restore.json"));
+  restore.click("btnStore");
+  const auto restored = b.program.project->file().values("feature", 10);
+  EXPECT_NE(std::find(restored.begin(), restored.end(), "RES"), restored.end());
+}
+
+}  // namespace
+}  // namespace tervalo
