@@ -51,12 +51,13 @@ TownshipPlan parsePlan(const std::string& text) {
     throw PlanError(std::string("not valid JSON: ") + e.what());
   }
   if (!json.is_object()) throw PlanError("a plan is a JSON object");
-  refuseUnknown(json, {"version", "source", "sections", "crs"}, "plan");
+  refuseUnknown(json, {"version", "source", "project", "sections", "crs"}, "plan");
   TownshipPlan plan;
   const Json version = json.value("version", Json(std::uint64_t{1}));
   if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw PlanError("\"version\" must be 1");
   if (version.get<std::uint64_t>() > 1) throw PlanError("the plan comes from a newer Tervalo (version " + jsonText(version) + ")");
   plan.source = textOf(json.value("source", Json("")), "\"source\"");
+  plan.project = textOf(json.value("project", Json("")), "\"project\"");
   if (json.contains("crs")) {
     try {
       plan.crs = usableCrsFromJson(json["crs"]);
@@ -136,6 +137,8 @@ TownshipPlan readPlanFile(const std::string& file) {
   const std::filesystem::path source(plan.source);
   if (!plan.source.empty() && source.is_relative())
     plan.source = (std::filesystem::path(file).parent_path() / source).lexically_normal().string();
+  if (!plan.project.empty() && std::filesystem::path(plan.project).is_relative())
+    plan.project = (std::filesystem::path(file).parent_path() / plan.project).lexically_normal().string();
   return plan;
 }
 
@@ -163,6 +166,7 @@ std::string planText(const TownshipPlan& plan) {
     sections.push_back(s);
   }
   Json json{{"version", plan.version}, {"source", plan.source}};
+  if (!plan.project.empty()) json["project"] = plan.project;
   if (!plan.crs.none()) json["crs"] = crsToJson(plan.crs);
   json["sections"] = sections;
   return jsonText(json) + "\n";
@@ -191,7 +195,7 @@ Job sectionJob(const TownshipPlan& plan, const SectionPlan& p, const std::string
   job.crs = plan.crs;
   const std::string files = dataFolder + sectionFileStem(plan, p);
   job.steps.push_back({"frmMain",
-                       {{"txtInFile", plan.source}, {"txtOutInp", files + ".inp"}, {"txtReport", files + ".rpt"}},
+                       {{"txtInFile", plan.project.empty() ? plan.source : plan.project}, {"txtOutInp", files + ".inp"}, {"txtReport", files + ".rpt"}},
                        {"btnContinue"}});
   JobStep form{"frmSecSub", {}, {"btnContinue"}};
   auto type = [&form](const std::string& field, const std::string& text) { form.set.emplace_back(field, text); };

@@ -46,6 +46,9 @@ struct SectionPlan {
 struct TownshipPlan {
   int version = 1;
   std::string source;  // the coordinate file; a relative name is taken from the plan's folder
+  // The survey project (NAME.gpkg) the corners' points come from in place of
+  // the source file, and the township's corners are stored in; "" for none.
+  std::string project;
   std::vector<SectionPlan> sections;
   CrsChoice crs;       // the system of the source's coordinates; none: local
 };

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <map>
 
+#include "project/point_import.h"
 #include "app/output_file.h"
 #include "app/program.h"
 #include "export/export_file.h"
@@ -90,6 +91,22 @@ PlanSource readPlanSource(const std::string& file) {
   return source;
 }
 
+// The project's points as a plan's source, read once; a project that cannot
+// be opened is said in `fault`.
+PlanSource projectSource(const std::string& file, std::string& fault) {
+  PlanSource source;
+  try {
+    source.points = pointListOf(*openProject(file));
+  } catch (const ProjectError& e) {
+    fault = e.what();
+    return source;
+  }
+  source.read = true;
+  for (std::size_t i = 0; i < source.points.records.size(); ++i)
+    if (!source.points.records[i].name.empty()) source.firstByName.emplace(source.points.records[i].name, i);
+  return source;
+}
+
 // The point numbers a section's corners name, as the section window looks
 // them up (upper case).
 std::vector<std::pair<std::string, std::string>> namedPoints(const SectionPlan& p) {
@@ -124,7 +141,8 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   std::vector<SectionRun> runs;
   Json stopped = Json::array();
   bool criticalBox = false;
-  const PlanSource source = readPlanSource(plan.source);
+  std::string projectFault;
+  const PlanSource source = plan.project.empty() ? readPlanSource(plan.source) : projectSource(plan.project, projectFault);
   // A row refused before its section runs, with the boxes that say why.
   const auto refuseRow = [&](std::size_t row, const std::string& title, const std::vector<std::string>& texts) {
     const SectionPlan& p = plan.sections[row];
@@ -181,13 +199,18 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
       refuseRow(row, "Restore Refused", restoreRefusals[row]);
       continue;
     }
+    if (!projectFault.empty()) {
+      refuseRow(row, "Project", {projectFault + "."});
+      continue;
+    }
     if (source.read) {
       // A corner naming a point the source does not hold is refused here, by
       // row, corner and number, rather than left blank in the section.
       std::vector<std::string> missing;
       for (const auto& [corner, point] : named)
         if (!source.firstByName.count(point))
-          missing.push_back("corner " + corner + " names point " + point + ", which is not in the source file " + plan.source + ".");
+          missing.push_back("corner " + corner + " names point " + point + ", which is not in " +
+                            (plan.project.empty() ? "the source file " + plan.source : "the project " + plan.project) + ".");
       if (!missing.empty()) {
         refuseRow(row, "Missing Point", missing);
         continue;
@@ -412,6 +435,19 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
     s.push_back(std::string("The coordinate system cannot be used: ") + e.what() + " The files say local coordinates.");
   }
 
+  // The township's corners into its project, each once, replacing those of an earlier run.
+  Json stored;
+  if (!plan.project.empty() && !runs.empty()) {
+    try {
+      const StoreCounts c = openProject(plan.project)->store(mapPoints(out.map, "township"), OnDuplicate::Replace, "township");
+      stored = Json{{"file", plan.project}, {"stored", c.stored}, {"replaced", c.replaced}};
+      s.push_back("Stored " + grouped(c.stored) + " corners in the project " + plan.project + ".");
+    } catch (const ProjectError& e) {
+      s.push_back(std::string("The corners are not stored in the project: ") + e.what() + ".");
+      out.exitCode = kExitEnded;
+    }
+  }
+
   // The township files, each whole; none at all when no section completed,
   // so an earlier run's files are not replaced by empty ones. A file that
   // cannot be written is said, and every section's result still reported.
@@ -465,6 +501,7 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
                     {"disagreements", std::move(disagreements)},
                     {"files", std::move(files)}};
   if (!fault.empty()) out.result["fault"] = fault;
+  if (!stored.is_null()) out.result["project"] = stored;
   return out;
 }
 

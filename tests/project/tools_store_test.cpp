@@ -14,6 +14,8 @@
 #include "restore/frm_restore.h"
 #include "restore/restoration_file.h"
 #include "support/bench.h"
+#include "township/plan.h"
+#include "township/township.h"
 #include "traverse/frm_traverse.h"
 #include "traverse/traverse_file.h"
 
@@ -52,6 +54,25 @@ TEST(ProjectTools, ASectionJobLooksItsCornersUpInTheProjectAndStoresThem) {
   const RunOutcome missing = runJob(parseJob(job, allForms()), RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
   EXPECT_NE(missing.exitCode, 0);
   EXPECT_NE(missing.result["messages"][0]["text"].get<std::string>().find("none.gpkg\" does not exist"), std::string::npos);
+}
+
+TEST(ProjectTools, ATownshipPlanTakesItsPointsFromTheProjectAndStoresEveryCornerOnce) {
+  TempDir dir;
+  const auto file = dir.path() / "twp.gpkg";
+  createProject(file, {})->store(pointsOfFile(kSource + "/examples/township.csv", "", {}), OnDuplicate::Skip, "import");
+  TownshipPlan plan = readPlanFile(kSource + "/examples/township.plan.json");
+  plan.source.clear();
+  plan.project = file.string();
+  const TownshipOutcome out = runTownship(plan, RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+  ASSERT_EQ(out.exitCode, 0) << out.result.dump(1);
+  EXPECT_EQ(out.result["project"]["stored"], out.map.points.size());
+  EXPECT_NE(TempDir::read(dir.path() / "Township.txt").find("corners in the project"), std::string::npos);
+
+  // A corner naming a point the project lacks is refused by its row, the project named.
+  plan.sections[0].corners[0].point = "7777";
+  const TownshipOutcome missing = runTownship(plan, RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
+  ASSERT_FALSE(missing.stopped.empty());
+  EXPECT_NE(missing.stopped[0].boxes[0].find("which is not in the project " + file.string()), std::string::npos) << missing.stopped[0].boxes[0];
 }
 
 TEST(ProjectTools, TheTraverseAndRestorationWindowsStoreTheirPoints) {
