@@ -194,7 +194,7 @@ RunOutcome runJob(const Job& job, const RunOptions& options, const FormRegistry&
     if (section != made.end() && static_cast<frmSecSub*>(*section)->hasRun) {
       const auto& form = *static_cast<frmSecSub*>(*section);
       try {
-        const StoreCounts c = program.project->store(mapPoints(form.runMap(), form.drawingTitle()), OnDuplicate::Replace, form.drawingTitle(),
+        const StoreCounts c = program.project->store(mapPoints(form.runMap(), form.drawingTitle(), &program.project->file()), OnDuplicate::Replace, form.drawingTitle(),
                                                      "Store " + form.drawingTitle());
         outcome.result["project"] = Json{{"file", job.project}, {"stored", c.stored}, {"replaced", c.replaced}};
       } catch (const ProjectError& e) {

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <map>
 #include <unordered_map>
+#include <unordered_set>
 #include <sstream>
 
 #include "export/export_file.h"
@@ -294,11 +295,19 @@ PointList pointListOf(ProjectFile& project) {
 
 namespace tervalo {
 
-std::vector<ProjectPoint> mapPoints(const CornerMap& map, const std::string& source) {
+std::vector<ProjectPoint> mapPoints(const CornerMap& map, const std::string& source, ProjectFile* project) {
+  std::unordered_set<std::string> held;
+  if (project) {
+    std::vector<std::string> entered;
+    for (const MapPoint& m : map.points)
+      if (m.status == "entered") entered.push_back(m.number.empty() ? m.name : m.number);
+    for (const ProjectPoint& p : project->findAll(entered)) held.insert(p.number);
+  }
   std::vector<ProjectPoint> out;
   for (const MapPoint& m : map.points) {
     ProjectPoint p;
     p.number = m.number.empty() ? m.name : m.number;
+    if (m.status == "entered" && held.count(p.number)) continue;
     p.northing = m.y;
     p.easting = m.x;
     p.elevation = m.z;

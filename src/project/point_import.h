@@ -39,8 +39,10 @@ std::vector<ProjectPoint> pointsOfFile(const std::string& name, const std::strin
 std::vector<ProjectPoint> traversePoints(const nlohmann::ordered_json& runPoints, const std::string& source, bool withHeld);
 
 // A section's corners (or any map's points) as project points: each under
-// its point number, else its name, with its description and evidence.
-std::vector<ProjectPoint> mapPoints(const CornerMap& map, const std::string& source);
+// its point number, else its name, with its description and evidence. A
+// corner entered from `project` (found there by its number) is left out:
+// the project keeps the monument as it was found, its own description too.
+std::vector<ProjectPoint> mapPoints(const CornerMap& map, const std::string& source, ProjectFile* project = nullptr);
 
 // The corners a restoration restored, each with the rule that placed it;
 // `from` names the restoration ("restoration section14.restore.json").

@@ -137,6 +137,8 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 void MainWindow::restoreLayout() {
   const QSettings settings;
   if (settings.contains("windows/frmMain/geometry")) restoreGeometry(settings.value("windows/frmMain/geometry").toByteArray());
+  // A size kept before the menu bar grew (a menu added since) is widened: no menu hides behind the overflow button.
+  if (width() < menuBar()->sizeHint().width() + 8) resize(menuBar()->sizeHint().width() + 8, height());
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

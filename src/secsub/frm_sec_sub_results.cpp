@@ -158,7 +158,7 @@ void frmSecSub::btnStore_Click() {
     return;
   }
   const std::string title = drawingTitle();
-  const std::string said = storeFromTool(*program().project, shell(), mapPoints(runMap(), title), title, "Store " + title);
+  const std::string said = storeFromTool(*program().project, shell(), mapPoints(runMap(), title, &program().project->file()), title, "Store " + title);
   if (!said.empty()) shell().msgBox("Store in Project", said, Icon::Information);
 }
 

@@ -439,7 +439,8 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   Json stored;
   if (!plan.project.empty() && !runs.empty()) {
     try {
-      const StoreCounts c = openProject(plan.project)->store(mapPoints(out.map, "township"), OnDuplicate::Replace, "township");
+      const auto project = openProject(plan.project);
+      const StoreCounts c = project->store(mapPoints(out.map, "township", project.get()), OnDuplicate::Replace, "township");
       stored = Json{{"file", plan.project}, {"stored", c.stored}, {"replaced", c.replaced}};
       s.push_back("Stored " + grouped(c.stored) + " corners in the project " + plan.project + ".");
     } catch (const ProjectError& e) {
