@@ -134,6 +134,21 @@ CurveSolution solveCurve(CurveElements e, const CurveOptions& o) {
   return out;
 }
 
+CurveOnGround curveOnGround(const CurveElements& e, double piNorthing, double piEasting, double backAzimuth, bool right) {
+  const double radian = std::atan(1.0) / 45;
+  const double back = backAzimuth * radian;
+  const double ahead = (backAzimuth + (right ? e.delta : -e.delta)) * radian;
+  const double toCentre = (backAzimuth + (right ? 90 : -90)) * radian;
+  CurveOnGround g;
+  g.pcNorthing = piNorthing - e.tangent * std::cos(back);
+  g.pcEasting = piEasting - e.tangent * std::sin(back);
+  g.ptNorthing = piNorthing + e.tangent * std::cos(ahead);
+  g.ptEasting = piEasting + e.tangent * std::sin(ahead);
+  g.centreNorthing = g.pcNorthing + e.radius * std::cos(toCentre);
+  g.centreEasting = g.pcEasting + e.radius * std::sin(toCentre);
+  return g;
+}
+
 CurveStations placeStations(double station, GivenPoint given, double tangent, double length) {
   CurveStations s;
   switch (given) {

@@ -54,4 +54,12 @@ enum class GivenPoint { PI, PC, PT };
 // PC, PI and PT from the one station given.
 CurveStations placeStations(double station, GivenPoint given, double tangent, double length);
 
+// The curve on the ground: its PC, PT and center from the PI's northing and
+// easting, the azimuth of the back tangent (the way the line runs into the
+// PI, degrees) and the way it turns.
+struct CurveOnGround {
+  double pcNorthing = 0, pcEasting = 0, ptNorthing = 0, ptEasting = 0, centreNorthing = 0, centreEasting = 0;
+};
+CurveOnGround curveOnGround(const CurveElements& e, double piNorthing, double piEasting, double backAzimuth, bool right);
+
 }  // namespace tervalo

@@ -1,5 +1,9 @@
 #include "hcurve/frm_horz_curve.h"
 
+#include "project/project_session.h"
+#include "text/angle.h"
+#include "text/justify.h"
+#include "traverse/traverse.h"
 #include "hcurve/curve_sketch.h"
 
 #include "app/program.h"
@@ -56,6 +60,54 @@ frmHorzCurve::frmHorzCurve(Program& program) : FormModel(program, "frmHorzCurve"
   add("btnOut", btnOut).click([this] { browseForOutput(txtOut); });
   add("btnOutput", btnOutput).click([this] { createHoutFile(); });
   add("btnPrint", btnPrint).click([this] { shell().print({"Horizontal Curve", houtLines(), sketch()}); });
+  add("fraProject", fraProject);
+  add("lblPiPoint", lblPiPoint);
+  add("txtPiPoint", txtPiPoint);
+  add("lblBackTangent", lblBackTangent);
+  add("txtBackTangent", txtBackTangent);
+  add("optRight", optRight, "turn");
+  add("optLeft", optLeft, "turn");
+  add("lblFirstNumber", lblFirstNumber);
+  add("txtFirstNumber", txtFirstNumber);
+  add("btnStore", btnStore).click([this] { btnStore_Click(); });
+}
+
+void frmHorzCurve::opened() { btnStore.enabled = program().project != nullptr; }
+
+void frmHorzCurve::btnStore_Click() {
+  ProjectSession* project = program().project.get();
+  if (!project) return;
+  const std::string title = "Store in Project";
+  const auto refuse = [this, &title](const std::string& text, const char* field) {
+    shell().msgBox(title, text, Icon::Exclamation);
+    focusRequest = field;
+  };
+  if (sketch().empty()) return refuse("Calculate the curve first.", "btnCalculate");
+  if ((project->file().settings().unit == "m") != metric)
+    return refuse(std::string("The project's coordinates are in ") + (metric ? "feet" : "metres") + ": the curve must be too (Metric Units).",
+                  "chkMetric");
+  const std::string pi = upper(txtPiPoint.text);
+  std::optional<ProjectPoint> at;
+  try {
+    at = project->file().find(pi);
+  } catch (const ProjectError& e) {
+    return refuse(e.what(), "txtPiPoint");
+  }
+  if (!at) return refuse(pi.empty() ? "Give the number of the PI, a point of the project." : "Point " + pi + " is not in the project.", "txtPiPoint");
+  std::optional<double> back = angleFromText(txtBackTangent.text);
+  if (!back) back = bearingAzimuth(txtBackTangent.text);
+  if (!back) return refuse("Give the back tangent as an azimuth (45-30-15) or a bearing (N 45-30-15 E).", "txtBackTangent");
+  const std::string first = txtFirstNumber.text;
+  if (first.empty() || first.size() > 9 || first.find_first_not_of("0123456789") != std::string::npos)
+    return refuse("Give the whole number the PC takes; the PT and the center take the two after it.", "txtFirstNumber");
+  const long n = std::stol(first);
+  const CurveOnGround g = curveOnGround(elements, at->northing, at->easting, *back, optRight.checked);
+  const std::string source = "horizontal curve from PI " + at->number;
+  std::vector<ProjectPoint> points{{0, std::to_string(n), g.pcNorthing, g.pcEasting, std::nullopt, "PC STA " + lblPC.caption, "PC", "", source, ""},
+                                   {0, std::to_string(n + 1), g.ptNorthing, g.ptEasting, std::nullopt, "PT STA " + lblPT.caption, "PT", "", source, ""},
+                                   {0, std::to_string(n + 2), g.centreNorthing, g.centreEasting, std::nullopt, "CENTER R " + lblRad.caption, "CC", "", source, ""}};
+  const std::string said = storeFromTool(*project, shell(), std::move(points), source, "Store the curve's PC, PT and center");
+  if (!said.empty()) shell().msgBox(title, said, Icon::Information);
 }
 
 void frmHorzCurve::Main() {

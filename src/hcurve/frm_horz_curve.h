@@ -53,6 +53,20 @@ class frmHorzCurve : public FormModel {
   Button btnOut{"Browse"};
   Button btnOutput{"Save"};
   Button btnPrint{"Print..."};  // the file's lines, on paper or in a PDF
+  // The curve's PC, PT and center into the open project, placed from a PI
+  // the project holds and the back tangent; enabled while a project is open.
+  Frame fraProject{"Points in the project"};
+  Label lblPiPoint{"PI point:"};
+  TextBox txtPiPoint;
+  Label lblBackTangent{"Back tangent:"};
+  TextBox txtBackTangent;  // an azimuth (45-30-15) or a bearing (N 45-30-15 E), the way into the PI
+  OptionButton optRight{true, "Turns right"};
+  OptionButton optLeft{false, "Turns left"};
+  Label lblFirstNumber{"PC, PT, center from number:"};
+  TextBox txtFirstNumber;
+  Button btnStore{"Store in Project", true, false};
+  void btnStore_Click();
+  void opened() override;
 
   // The program's procedures, in the order Main runs them.
   void Main();

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <tuple>
 
 #include "qt/form_dialog.h"
 #include "qt/picture_view.h"
@@ -90,6 +91,27 @@ class HorzCurveView : public FormDialog {
 
     outer->addLayout(commandRow("btnCalculate"));
     outer->addLayout(outputFileRow(false));
+    // The curve placed on the ground from a point of the open project.
+    QGroupBox* ground = frame("fraProject");
+    auto* row = new QHBoxLayout(ground);
+    for (const auto& [caption, field, width] : {std::tuple{"lblPiPoint", "txtPiPoint", 80}, {"lblBackTangent", "txtBackTangent", 130}}) {
+      QLabel* l = label(caption, ground);
+      QLineEdit* e = edit(field, ground);
+      e->setMaximumWidth(width);
+      l->setBuddy(e);
+      row->addWidget(l);
+      row->addWidget(e);
+    }
+    row->addWidget(option("optRight", ground));
+    row->addWidget(option("optLeft", ground));
+    QLabel* from = label("lblFirstNumber", ground);
+    QLineEdit* number = edit("txtFirstNumber", ground);
+    number->setMaximumWidth(70);
+    from->setBuddy(number);
+    row->addWidget(from);
+    row->addWidget(number);
+    row->addWidget(button("btnStore", ground));
+    outer->addWidget(ground);
     bind();
     binder_->onRefresh = [this, sketch] { sketch->showPicture(static_cast<const frmHorzCurve&>(model_).sketch()); };
     binder_->onRefresh();

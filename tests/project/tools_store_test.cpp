@@ -6,9 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <tuple>
 #include <sstream>
 
 #include "app/runner.h"
+#include "hcurve/frm_horz_curve.h"
 #include "project/point_import.h"
 #include "project/project_session.h"
 #include "restore/frm_restore.h"
@@ -106,6 +108,42 @@ TEST(ProjectTools, TheTraverseAndRestorationWindowsStoreTheirPoints) {
   restore.click("btnStore");
   const auto restored = b.program.project->file().values("feature", 10);
   EXPECT_NE(std::find(restored.begin(), restored.end(), "RES"), restored.end());
+}
+
+TEST(ProjectTools, AHorizontalCurveStoresItsPcPtAndCenterFromAPiOfTheProject) {
+  testing::Bench b;
+  b.program.project = std::make_unique<ProjectSession>(createProject(b.dir.path() / "road.gpkg", {}));
+  b.program.project->file().store({{0, "PI1", 5000, 5000, std::nullopt, "PI", "", "", "", ""}}, OnDuplicate::Skip, "typed");
+  auto& curve = b.program.form<frmHorzCurve>("frmHorzCurve");
+  curve.setOpen(true);
+  curve.typeText("txtDelta", "30");
+  curve.typeText("txtRadius", "1000");
+  curve.typeText("txtCurvePt", "10+00");
+  curve.click("btnCalculate");
+  // Each refusal names what is missing and stores nothing.
+  for (const auto& [pi, back, first, said] : {std::tuple{"PI9", "0-00-00", "10", "Point PI9 is not in the project."},
+                                              {"pi1", "north", "10", "Give the back tangent"}, {"PI1", "N 0-00-00 E", "", "Give the whole number"}}) {
+    curve.txtPiPoint.text = pi;
+    curve.txtBackTangent.text = back;
+    curve.txtFirstNumber.text = first;
+    curve.click("btnStore");
+    EXPECT_EQ(b.shell.boxes.back().text.rfind(said, 0), 0u) << b.shell.boxes.back().text;
+  }
+  EXPECT_EQ(b.program.project->file().count(), 1);
+  // Delta 30, R 1000 (T 267.9492) from a PI at 5000, 5000, the line running north, turning right.
+  curve.txtFirstNumber.text = "10";
+  curve.click("btnStore");
+  struct Expected {
+    const char* number;
+    double n, e;
+  };
+  for (const Expected& x : {Expected{"10", 4732.0508, 5000}, Expected{"11", 5232.0508, 5133.9746}, Expected{"12", 4732.0508, 6000}}) {
+    const auto p = b.program.project->file().find(x.number);
+    ASSERT_TRUE(p) << x.number;
+    EXPECT_NEAR(p->northing, x.n, 5e-5) << x.number;
+    EXPECT_NEAR(p->easting, x.e, 5e-5) << x.number;
+  }
+  EXPECT_EQ(b.program.project->file().find("10")->description, "PC STA " + curve.lblPC.caption);
 }
 
 }  // namespace
