@@ -58,24 +58,18 @@ StoreCounts ProjectSession::store(std::vector<ProjectPoint> points, OnDuplicate 
   return counts;
 }
 
-void ProjectSession::undo() {
-  if (done_.empty()) return;
-  Step step = done_.back();
-  ProjectEdit again = inverseOf(step.back);
-  file_->apply(step.back, "undo " + step.source);
-  done_.pop_back();
-  undone_.push_back({step.what, step.source, std::move(again)});
-  ++version_;
-  count_ = -1;
-}
+void ProjectSession::undo() { replay(done_, undone_, "undo "); }
 
-void ProjectSession::redo() {
-  if (undone_.empty()) return;
-  Step step = undone_.back();
-  ProjectEdit back = inverseOf(step.back);
-  file_->apply(step.back, "redo " + step.source);
-  undone_.pop_back();
-  done_.push_back({step.what, step.source, std::move(back)});
+void ProjectSession::redo() { replay(undone_, done_, "redo "); }
+
+// The last step of `from` taken back (its edit applied), and kept in `to` as the edit that does it again.
+void ProjectSession::replay(std::vector<Step>& from, std::vector<Step>& to, const char* word) {
+  if (from.empty()) return;
+  Step step = from.back();
+  ProjectEdit again = inverseOf(step.back);
+  file_->apply(step.back, word + step.source);
+  from.pop_back();
+  to.push_back({step.what, step.source, std::move(again)});
   ++version_;
   count_ = -1;
 }
