@@ -13,6 +13,7 @@
 #include "app/program.h"
 #include "app/runner.h"
 #include "cli/points_command.h"
+#include "cli/cogo_command.h"
 #include "cli/project_command.h"
 #include "cli/restore_command.h"
 #include "cli/traverse_command.h"
@@ -201,6 +202,14 @@ int run(int argc, char** argv) {
   projectListCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
   projectListCmd->add_flag("--json", projectJson, "Print the project and its points as JSON");
 
+  // COGO commands from a text file, on a project's points.
+  std::string cogoProject, cogoFile;
+  bool cogoJson = false;
+  auto* cogoCmd = app.add_subcommand("cogo", "Run the COGO commands of a text file on a project's points; the new points are stored at the end.");
+  cogoCmd->add_option("project", cogoProject, "The project (NAME.gpkg)")->required();
+  cogoCmd->add_option("file", cogoFile, "The command file: one command a line, # begins a comment")->required();
+  cogoCmd->add_flag("--json", cogoJson, "Print every result and the points stored as JSON");
+
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
   pointsCmd->add_option("file", pointsFile, "The coordinate file")->required();
@@ -214,8 +223,8 @@ int run(int argc, char** argv) {
       for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
         known = known || command->get_name() == argv[1];
       if (!known) {
-        std::cerr << "tervalo-cli: there is no command \"" << argv[1] << "\"; the commands are run, township, restore, traverse "
-                  << "and points (tervalo-cli --help says what each does).\n";
+        std::cerr << "tervalo-cli: there is no command \"" << argv[1] << "\"; the commands are run, township, restore, traverse, "
+                  << "points, project and cogo (tervalo-cli --help says what each does).\n";
         return kUsage;
       }
     }
@@ -225,6 +234,7 @@ int run(int argc, char** argv) {
   if (runCmd->parsed()) return runCommand(run);
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
+  if (cogoCmd->parsed()) return tervalo::cogoCommand(cogoProject, cogoFile, cogoJson, std::cout, std::cerr);
   if (projectNewCmd->parsed()) {
     tervalo::ProjectSettings settings;
     settings.unit = projectUnit;
