@@ -7,6 +7,7 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
+#include "cogo/frm_cogo.h"
 #include "crs/frm_crs.h"
 #include "grading/frm_grade.h"
 #include "hcurve/frm_horz_curve.h"
@@ -50,6 +51,7 @@ FormRegistry buildRegistry() {
   registry.addCalculator({"proportion", "mnuMprop", "frmProp", [](Program& p) { p.shell().showModal(p.form("frmProp")); }});
   registry.addForm("frmTownship", [](Program& p) { return std::make_unique<frmTownship>(p); });
   registry.addForm("frmRestore", [](Program& p) { return std::make_unique<frmRestore>(p); });
+  registry.addForm("frmCogo", [](Program& p) { return std::make_unique<frmCogo>(p); });
   registry.addForm("frmPoints", [](Program& p) { return std::make_unique<frmPoints>(p); });
   registry.addForm("frmCrs", [](Program& p) { return std::make_unique<frmCrs>(p); });
   registry.addForm("frmTraverse", [](Program& p) { return std::make_unique<frmTraverse>(p); });

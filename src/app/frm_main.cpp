@@ -85,6 +85,10 @@ frmMain::frmMain(Program& program)
     showProject();
     showRecent();
   });
+  add("mnuProjectCogo", mnuProjectCogo).click([this] {
+    if (this->program().project && this->program().registry().hasForm("frmCogo")) shell().showModal(this->program().form("frmCogo"));
+    showProject();
+  });
   add("mnuProjectClose", mnuProjectClose).click([this] { closeProject(); });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);
@@ -147,7 +151,8 @@ void frmMain::showProject() {
   } catch (const ProjectError& e) {
     lblProject.caption = "Project: " + project->name() + " (" + e.what() + ")";
   }
-  for (MenuItem* item : {&mnuProjectImport, &mnuProjectExport, &mnuProjectPoints, &mnuProjectClose}) item->enabled = project != nullptr;
+  for (MenuItem* item : {&mnuProjectImport, &mnuProjectExport, &mnuProjectPoints, &mnuProjectCogo, &mnuProjectClose})
+    item->enabled = project != nullptr;
 }
 
 bool frmMain::openProjectFile(const std::string& file) {

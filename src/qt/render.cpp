@@ -19,6 +19,7 @@
 #include "hcurve/frm_horz_curve.h"
 #include "grading/frm_grade.h"
 #include "points/readers.h"
+#include "cogo/frm_cogo.h"
 #include "project/frm_points.h"
 #include "project/point_import.h"
 #include "project/project_session.h"
@@ -192,6 +193,11 @@ void openExampleProject(Program& program, const QString& dir) {
   points.setOpen(true);
   points.sortBy(0, false);
   points.select({2, 3});
+  // Two commands of the example command file, answered in the COGO window's log.
+  auto& cogo = program.form<frmCogo>("frmCogo");
+  cogo.setOpen(true);
+  for (const char* line : {"INVERSE 1001 1002 1003", "LOCATE 3001 FROM 1001 BEARING N 89-47-00 E DISTANCE 1320.00"}) cogo.runCommand(line);
+  cogo.typeText("cmbForm", "Intersect two distances");
 }
 
 }  // namespace
@@ -222,6 +228,7 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     // The township and traverse windows as they open, large enough for their maps; the others as small as they go.
     const QSize size = name == "frmTownship"                          ? QSize(1240, 720)
                        : name == "frmTraverse" || name == "frmPoints" ? QSize(1300, 720)
+                       : name == "frmCogo"                          ? QSize(1240, 700)
                                                                       : QSize();
     failures += saveView(program, shell, main, dir, name, name, size) ? 0 : 1;
   }

@@ -24,6 +24,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmCrs", makeCrsView);
   shell.addView("frmTraverse", makeTraverseView);
   shell.addView("frmPoints", makePointsView);
+  shell.addView("frmCogo", makeCogoView);
 }
 
 }  // namespace tervalo
