@@ -10,7 +10,7 @@
 
 namespace tervalo {
 
-int cogoCommand(const std::string& project, const std::string& file, bool json, std::ostream& out, std::ostream& err) {
+int cogoCommand(const std::string& project, const std::string& file, bool json, int secondsPlaces, std::ostream& out, std::ostream& err) {
   using Json = nlohmann::ordered_json;
   std::string text;
   try {
@@ -24,6 +24,7 @@ int cogoCommand(const std::string& project, const std::string& file, bool json, 
   try {
     p = openProject(project);
     options = cogoOptionsOf(p->settings());
+    options.secondsPlaces = secondsPlaces;
   } catch (const ProjectError& e) {
     err << "tervalo-cli: " << e.what() << "\n";
     return kExitUsage;

@@ -9,6 +9,6 @@ namespace tervalo {
 
 // Exit status 0 done; 2 a project or file that cannot be used, or a bad
 // line (named, and nothing stored).
-int cogoCommand(const std::string& project, const std::string& file, bool json, std::ostream& out, std::ostream& err);
+int cogoCommand(const std::string& project, const std::string& file, bool json, int secondsPlaces, std::ostream& out, std::ostream& err);
 
 }  // namespace tervalo

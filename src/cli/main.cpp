@@ -205,10 +205,12 @@ int run(int argc, char** argv) {
   // COGO commands from a text file, on a project's points.
   std::string cogoProject, cogoFile;
   bool cogoJson = false;
+  int cogoSeconds = 0;
   auto* cogoCmd = app.add_subcommand("cogo", "Run the COGO commands of a text file on a project's points; the new points are stored at the end.");
   cogoCmd->add_option("project", cogoProject, "The project (NAME.gpkg)")->required();
   cogoCmd->add_option("file", cogoFile, "The command file: one command a line, # begins a comment")->required();
   cogoCmd->add_flag("--json", cogoJson, "Print every result and the points stored as JSON");
+  cogoCmd->add_option("--seconds", cogoSeconds, "Decimals of seconds in the answers' angles and bearings, 0 to 3 (0)")->check(CLI::Range(0, 3));
 
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
@@ -234,7 +236,7 @@ int run(int argc, char** argv) {
   if (runCmd->parsed()) return runCommand(run);
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
-  if (cogoCmd->parsed()) return tervalo::cogoCommand(cogoProject, cogoFile, cogoJson, std::cout, std::cerr);
+  if (cogoCmd->parsed()) return tervalo::cogoCommand(cogoProject, cogoFile, cogoJson, cogoSeconds, std::cout, std::cerr);
   if (projectNewCmd->parsed()) {
     tervalo::ProjectSettings settings;
     settings.unit = projectUnit;
