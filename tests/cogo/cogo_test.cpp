@@ -16,6 +16,7 @@
 
 #include "cogo/cogo.h"
 #include "crs/crs.h"
+#include "support/program_output.h"
 
 namespace tervalo {
 namespace {
@@ -184,14 +185,7 @@ TEST(Cogo, EachRefusalSaysWhyAndKeepsNothingOfTheLine) {
 }
 
 // What one of PROJ's own programs prints for `input`.
-std::string run(const std::string& command, const std::string& input) {
-  const std::string line = "echo '" + input + "' | " + command;
-  std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(line.c_str(), "r"), ::pclose);
-  std::string out;
-  std::array<char, 256> buffer{};
-  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get())) out += buffer.data();
-  return out;
-}
+std::string run(const std::string& command, const std::string& input) { return testing::programOutput(command, input); }
 
 TEST(Cogo, AGroundDistanceIsPROJsGeodesicWithinTheCombinedFactorsAccuracy) {
   // Two points a mile apart on a State Plane zone in US survey feet, on the ellipsoid (elevation 0).

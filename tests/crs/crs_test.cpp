@@ -11,6 +11,7 @@
 #include <tuple>
 
 #include "crs/crs.h"
+#include "support/program_output.h"
 #include "restore/restoration_file.h"
 #include "secsub_out/grid_ground.h"
 #include "traverse/traverse_report.h"
@@ -19,14 +20,7 @@ namespace tervalo {
 namespace {
 
 // What one of PROJ's own programs prints for `input`.
-std::string run(const std::string& command, const std::string& input) {
-  const std::string line = "echo '" + input + "' | " + command;
-  std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(line.c_str(), "r"), ::pclose);
-  std::string out;
-  std::array<char, 256> buffer{};
-  while (pipe && std::fgets(buffer.data(), buffer.size(), pipe.get())) out += buffer.data();
-  return out;
-}
+std::string run(const std::string& command, const std::string& input) { return testing::programOutput(command, input); }
 
 TEST(CoordinateSystems, TheCrsKeyIsReadStrictly) {
   EXPECT_TRUE(crsFromJson(nullptr).none());
