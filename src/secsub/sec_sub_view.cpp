@@ -47,7 +47,15 @@ class SecSubView : public FormDialog {
     auto* sidePanel = new QWidget(split);
     auto* side = new QVBoxLayout(sidePanel);
     side->setContentsMargins(0, 0, 0, 0);
-    side->addWidget(noticeLabel("lblNotice", this));
+    // The notices scroll past eight lines, so that the drawing keeps its room beneath them.
+    QLabel* notice = noticeLabel("lblNotice", this);
+    notices_ = new QScrollArea(sidePanel);
+    notices_->setWidgetResizable(true);
+    notices_->setFrameShape(QFrame::NoFrame);
+    notices_->setWidget(notice);
+    notices_->setMaximumHeight(notice->fontMetrics().lineSpacing() * 8 + 16);
+    notices_->setVisible(false);
+    side->addWidget(notices_);
     drawing_ = picture("drawing");
     drawing_->setMinimumSize(340, 340);
     side->addWidget(drawing_, 1);
@@ -90,6 +98,7 @@ class SecSubView : public FormDialog {
     binder_->onRefresh = [this] {
       const auto& form = static_cast<frmSecSub&>(model_);
       drawing_->showPicture(form.drawing());
+      notices_->setVisible(form.lblNotice.visible);
       // Each slot tells why it is where it is, as its tooltip.
       for (int k = 0; k < slot::count; ++k)
         if (auto* box = findChild<QGroupBox*>(QString("slot%1").arg(k))) box->setToolTip(QString::fromStdString(form.why(k)));
@@ -263,6 +272,7 @@ class SecSubView : public FormDialog {
     return box;
   }
 
+  QScrollArea* notices_ = nullptr;
   PictureView* drawing_ = nullptr;
   QSplitter* split = nullptr;
   QWidget* content_ = nullptr;
