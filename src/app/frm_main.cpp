@@ -170,10 +170,8 @@ bool frmMain::openProjectFile(const std::string& file) {
 void frmMain::useProject(const std::string& file) {
   // The project's coordinate system is every tool's while it is open.
   const CrsChoice& crs = program().project->file().settings().crs;
-  if (crs.epsg != program().crs.epsg || crs.foot != program().crs.foot) {
-    program().crs.epsg = crs.epsg;
-    program().crs.foot = crs.foot;
-  }
+  program().crs.epsg = crs.epsg;
+  program().crs.foot = crs.foot;
   program().recentProjects.add(file);
   showProject();
   showRecent();

@@ -34,15 +34,6 @@ double azimuthOf(At a, At b) { return normal(std::atan2(b.e - a.e, b.n - a.n) / 
 double distanceOf(At a, At b) { return std::hypot(b.n - a.n, b.e - a.e); }
 At along(At a, double azimuth, double d) { return {a.n + d * std::cos(azimuth * kRadian), a.e + d * std::sin(azimuth * kRadian)}; }
 
-std::optional<double> numberOf(const std::string& text) {
-  try {
-    const auto v = strictNumber(text);
-    return v && std::isfinite(*v) ? v : std::nullopt;
-  } catch (const RunTimeError&) {
-    return std::nullopt;
-  }
-}
-
 std::string length(double v) { return Format(v, "0.0000"); }
 
 // The area of a figure's chord polygon (counter-clockwise positive) with, for
@@ -245,7 +236,7 @@ Json CogoEngine::dispatch(const std::vector<std::string>& words) {
   };
   const auto distance = [&](const char* what) {
     const std::string& w = more(what);
-    const auto v = numberOf(w);
+    const auto v = finiteNumber(w);
     if (!v) throw CogoError(std::string(what) + " \"" + w + "\" is not a number");
     return *v;
   };
@@ -373,7 +364,7 @@ Json CogoEngine::dispatch(const std::vector<std::string>& words) {
     p.number = more("the new point's number");
     p.northing = distance("a northing");
     p.easting = distance("an easting");
-    if (at < words.size() && numberOf(words[at])) p.elevation = distance("an elevation");
+    if (at < words.size() && finiteNumber(words[at])) p.elevation = distance("an elevation");
     if (at < words.size()) p.description = words[at++];
     done();
     p.source = "COGO POINT";
@@ -613,7 +604,7 @@ Json CogoEngine::dispatch(const std::vector<std::string>& words) {
     const ProjectPoint a = point(more("the line's first point"));
     const ProjectPoint b = point(more("the line's second point"));
     const std::string& parts = more("how many parts");
-    const auto n = numberOf(parts);
+    const auto n = finiteNumber(parts);
     if (!n || *n < 2 || *n > 10000 || *n != std::floor(*n)) throw CogoError("DIVIDE makes 2 to 10,000 equal parts, not \"" + parts + "\"");
     keyword("FIRST");
     const std::string first = upper(more("the first new number"));

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <sstream>
 
 #include "app/output_file.h"
 #include "app/print_job.h"
@@ -163,7 +164,6 @@ std::string frmCogo::formCommand() const {
       if (question != std::string::npos) text = part.substr(question + 1, part.size() - question - 2) + " " + text;
       // A direction field takes a bearing (N 45-30-15 E) or an azimuth.
       if (part.find(":direction") != std::string::npos) text = (cogoBearing(text) ? "BEARING " : "AZIMUTH ") + text;
-      // A number with blanks in a text field is quoted whole; a bearing's blanks stay.
       part = text;
     }
     out += (out.empty() ? "" : " ") + part;
@@ -198,14 +198,9 @@ void frmCogo::runCommand(const std::string& line) {
     state.session = s;
     state.places = places;
   }
-  const std::vector<std::string> words = [&line] {
-    try {
-      return cogoWords(line);
-    } catch (const CogoError&) {
-      return std::vector<std::string>{"?"};
-    }
-  }();
-  if (words.empty()) return;
+  std::string first;
+  std::istringstream(line) >> first;
+  if (first.empty() || first.front() == '#') return;
   log(line);
   lastPoints_.clear();
   try {
@@ -214,7 +209,7 @@ void frmCogo::runCommand(const std::string& line) {
     const std::vector<ProjectPoint> made = state.engine->made();
     if (!made.empty()) {
       state.engine->clearMade();
-      const StoreCounts c = s->store(made, OnDuplicate::Skip, "COGO", upper(words[0]) + " " + made.front().number);
+      const StoreCounts c = s->store(made, OnDuplicate::Skip, "COGO", upper(first) + " " + made.front().number);
       log("  stored " + std::to_string(c.stored) + (c.stored == 1 ? " point" : " points") + " in " + s->name());
     }
     for (const ProjectPoint& p : made) lastPoints_.emplace_back(p.northing, p.easting);

@@ -32,15 +32,6 @@ std::string trimmed(std::string text) {
   return text;
 }
 
-std::optional<double> numberOf(const std::string& text) {
-  try {
-    const auto v = strictNumber(trimmed(text));
-    return v && std::isfinite(*v) ? v : std::nullopt;
-  } catch (const RunTimeError&) {
-    return std::nullopt;
-  }
-}
-
 std::optional<long long> wholeOf(const std::string& text) {
   const std::string t = trimmed(text);
   long long v = 0;
@@ -259,7 +250,7 @@ void frmPoints::setCell(long long r, int column, const std::string& text) {
     edit.remove.push_back(old.number);
     what = "Renumber point " + old.number + " to " + number;
   } else if (column <= 3) {
-    const std::optional<double> v = numberOf(t);
+    const std::optional<double> v = finiteNumber(t);
     if (!v && !(column == 3 && t.empty())) {
       shell().msgBox(kTitle, "The " + std::string(column == 1 ? "northing" : column == 2 ? "easting" : "elevation") + " of point " + old.number +
                                  " must be a number" + (column == 3 ? " or empty" : "") + ", not \"" + t + "\".",
@@ -422,11 +413,11 @@ void frmPoints::addPoint() {
     focusRequest = field;
   };
   if (const std::string fault = numberFault(p.number); !fault.empty()) return refuse("The new point cannot be added: " + fault + ".", "txtNewNumber");
-  const std::optional<double> n = numberOf(txtNewNorthing.text), e = numberOf(txtNewEasting.text);
+  const std::optional<double> n = finiteNumber(txtNewNorthing.text), e = finiteNumber(txtNewEasting.text);
   if (!n) return refuse("The new point's northing must be a number.", "txtNewNorthing");
   if (!e) return refuse("The new point's easting must be a number.", "txtNewEasting");
   if (!trimmed(txtNewElevation.text).empty()) {
-    p.elevation = numberOf(txtNewElevation.text);
+    p.elevation = finiteNumber(txtNewElevation.text);
     if (!p.elevation) return refuse("The new point's elevation must be a number, or empty where it is unknown.", "txtNewElevation");
   }
   p.northing = *n;
@@ -497,26 +488,17 @@ void frmPoints::renumber() {
   if (editRows(edit, "Renumber " + points(static_cast<long long>(chosen.size())) + " by " + by)) reload();
 }
 
-void frmPoints::undo() {
-  ProjectSession* s = session();
-  if (!s || !s->canUndo()) return;
-  const std::string what = s->undoText();
-  try {
-    s->undo();
-    lblResult.caption = "Undone: " + what + ".";
-  } catch (const ProjectError& e) {
-    shell().msgBox(kTitle, e.what(), Icon::Exclamation);
-  }
-  reload();
-}
+void frmPoints::undo() { step(true); }
 
-void frmPoints::redo() {
+void frmPoints::redo() { step(false); }
+
+void frmPoints::step(bool back) {
   ProjectSession* s = session();
-  if (!s || !s->canRedo()) return;
-  const std::string what = s->redoText();
+  if (!s || !(back ? s->canUndo() : s->canRedo())) return;
+  const std::string what = back ? s->undoText() : s->redoText();
   try {
-    s->redo();
-    lblResult.caption = "Done again: " + what + ".";
+    back ? s->undo() : s->redo();
+    lblResult.caption = (back ? "Undone: " : "Done again: ") + what + ".";
   } catch (const ProjectError& e) {
     shell().msgBox(kTitle, e.what(), Icon::Exclamation);
   }
@@ -555,12 +537,12 @@ void frmPoints::paste() {
     p.number = upper(cells[0]);
     if (const std::string fault = numberFault(p.number); !fault.empty()) return refuse("has " + fault.substr(4));
     if (!seen.insert(p.number).second) return refuse("gives point " + p.number + " a second time");
-    const std::optional<double> n = numberOf(cells[1]), e = numberOf(cells[2]);
+    const std::optional<double> n = finiteNumber(cells[1]), e = finiteNumber(cells[2]);
     if (!n || !e) return refuse("has no northing and easting (a spreadsheet's columns: number, northing, easting, elevation, description, feature, evidence)");
     p.northing = *n;
     p.easting = *e;
     if (!cells[3].empty()) {
-      p.elevation = numberOf(cells[3]);
+      p.elevation = finiteNumber(cells[3]);
       if (!p.elevation) return refuse("has an elevation that is not a number: \"" + cells[3] + "\"");
     }
     p.description = cells[4];

@@ -121,6 +121,7 @@ class frmPoints : public FormModel {
   void reload();
   void showState();
   bool editRows(const ProjectEdit& edit, const std::string& what);
+  void step(bool back);  // Undo (back) or Redo
   std::vector<ProjectPoint> selectedPoints();
   PointQuery query_;
   int sortColumn_ = -1;

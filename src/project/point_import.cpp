@@ -27,16 +27,6 @@
 namespace tervalo {
 namespace {
 
-// A number, or nothing for a text or a number past a double's range.
-std::optional<double> numberIn(const std::string& text) {
-  try {
-    const auto v = strictNumber(text);
-    return v && std::isfinite(*v) ? v : std::nullopt;
-  } catch (const RunTimeError&) {
-    return std::nullopt;
-  }
-}
-
 [[noreturn]] void bad(const std::string& file, int line, const std::string& why) {
   throw ProjectError("\"" + file + "\" line " + std::to_string(line) + ": " + why);
 }
@@ -144,7 +134,7 @@ std::vector<ProjectPoint> columnsFile(const std::string& name, const std::string
       if (column == 'P') p.number = value;
       if (column == 'D') p.description = value;
       if (column == 'N' || column == 'E' || (column == 'Z' && !value.empty())) {
-        const std::optional<double> v = numberIn(value);
+        const std::optional<double> v = finiteNumber(value);
         if (!v)
           bad(name, line, std::string(column == 'N' ? "the northing" : column == 'E' ? "the easting" : "the elevation") + " is not a number: \"" +
                               value + "\"");
@@ -173,7 +163,7 @@ std::vector<ProjectPoint> landXmlFile(const std::string& name, const std::string
     std::istringstream values(c.child_value());
     std::vector<double> v;
     for (std::string t; values >> t;) {
-      const std::optional<double> d = numberIn(t);
+      const std::optional<double> d = finiteNumber(t);
       if (!d) throw ProjectError("\"" + name + "\": the CgPoint " + p.number + " holds \"" + t + "\", not a coordinate");
       v.push_back(*d);
     }
@@ -276,18 +266,13 @@ std::vector<ProjectPoint> traversePoints(const nlohmann::ordered_json& runPoints
   return out;
 }
 
+PointRecord pointRecordOf(const ProjectPoint& p) {
+  return {p.easting, p.northing, p.feature, p.description, p.number, p.evidence.empty() ? std::nullopt : std::optional<std::string>(p.evidence)};
+}
+
 PointList pointListOf(ProjectFile& project) {
   PointList list = PointList::unbounded();
-  for (const ProjectPoint& p : project.points()) {
-    PointRecord r;
-    r.name = p.number;
-    r.x = p.easting;
-    r.y = p.northing;
-    r.feature = p.feature;
-    r.description = p.description;
-    if (!p.evidence.empty()) r.evidence = p.evidence;
-    list.records.push_back(std::move(r));
-  }
+  for (const ProjectPoint& p : project.points()) list.records.push_back(pointRecordOf(p));
   return list;
 }
 

@@ -51,6 +51,9 @@ std::vector<ProjectPoint> restoredPoints(const RestorationRun& run, const std::s
 // The project's points as every export writes them, titled by the project's name.
 CornerMap mapOfProject(ProjectFile& project);
 
+// A project point as the point list holds one (evidence kept apart where there is any).
+PointRecord pointRecordOf(const ProjectPoint& p);
+
 // The project's points as a list the tools look point numbers up in.
 PointList pointListOf(ProjectFile& project);
 

@@ -7,6 +7,7 @@
 #include "app/frm_main.h"
 #include "app/program.h"
 #include "app/shell.h"
+#include "project/point_import.h"
 #include "project/project_session.h"
 #include "restore/frm_restore.h"
 #include "secsub/corners.h"
@@ -120,9 +121,7 @@ void frmSecSub::pointNumberChanged(int s) {
   std::optional<PointRecord> inProject;
   if (program().project && !wanted.empty()) {
     try {
-      if (const auto q = program().project->file().find(wanted))
-        inProject = PointRecord{q->easting, q->northing, q->feature, q->description, q->number,
-                                q->evidence.empty() ? std::nullopt : std::optional<std::string>(q->evidence)};
+      if (const auto q = program().project->file().find(wanted)) inProject = pointRecordOf(*q);
     } catch (const ProjectError& e) {
       fields.pn.note = std::string("The project cannot be read: ") + e.what();
     }

@@ -78,6 +78,15 @@ double Val(std::string_view text) {
   return number.empty() ? 0.0 : decimalValue(number);
 }
 
+std::optional<double> finiteNumber(std::string_view text) {
+  try {
+    const auto v = strictNumber(text);
+    return v && std::isfinite(*v) ? v : std::nullopt;
+  } catch (const RunTimeError&) {
+    return std::nullopt;
+  }
+}
+
 std::optional<double> strictNumber(std::string_view text) {
   const auto first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return std::nullopt;

@@ -20,6 +20,10 @@ double Val(std::string_view text);
 // Returns nothing for empty or non-numeric text (the caller reports the
 // type mismatch with its own context).
 std::optional<double> strictNumber(std::string_view text);
+// The same, and nothing either for a number beyond a double's range: for a
+// coordinate or distance read from a file or a command, where an Overflow
+// is one more text that is no number.
+std::optional<double> finiteNumber(std::string_view text);
 
 // Number to text: at most 15 significant digits, no trailing zeros or point,
 // no leading blank, "0.5" for fractions, exponent form ("1E+15", "1E-05")
