@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "crs/ground.h"
+#include "parcels/deed.h"
 #include "text/angle.h"
 #include "project/point_import.h"
 #include "text/errors.h"
@@ -164,12 +165,10 @@ CogoOptions cogoOptionsOf(const ProjectSettings& settings) {
 }
 
 struct CogoEngine::Mapcheck {
-  At start, at;
-  bool started = false;
-  double lastAzimuth = 0;
-  bool haveAzimuth = false;
-  Figure figure;
-  std::vector<std::string> courses;
+  At start;
+  std::vector<Course> courses;
+  std::vector<std::string> names;  // "the LINE on line 4", for a figure that crosses itself
+  std::vector<std::string> said;
 };
 
 CogoEngine::CogoEngine(std::function<std::optional<ProjectPoint>(const std::string&)> lookup, CogoOptions options)
@@ -204,12 +203,16 @@ std::optional<Json> CogoEngine::run(const std::string& line, int lineNumber) {
   const std::size_t before = made_.size();
   try {
     const bool opening = !mapcheck_;
+    line_ = lineNumber;
     Json result = dispatch(words);
     if (opening && mapcheck_) mapcheckLine_ = lineNumber;
     if (result.is_null()) return std::nullopt;  // a MAPCHECK and its courses answer at END
     Json out{{"line", lineNumber}, {"command", upper(words[0])}};
     out.update(result);
     return out;
+  } catch (const DeedError& e) {
+    made_.resize(before);
+    throw CogoError(e.what());
   } catch (...) {
     made_.resize(before);
     throw;
@@ -277,86 +280,68 @@ Json CogoEngine::dispatch(const std::vector<std::string>& words) {
     Mapcheck& m = *mapcheck_;
     if (command == "END") {
       done();
-      if (m.figure.corners.size() < 2) throw CogoError("MAPCHECK has no course before END");
-      const double dn = m.at.n - m.start.n, de = m.at.e - m.start.e;
-      const double closure = std::hypot(dn, de);
-      const double area = m.figure.area();
-      Json out{{"closure_distance", closure},
-               {"closure_azimuth", closure > 0 ? Json(normal(std::atan2(de, dn) / kRadian)) : Json(nullptr)},
-               {"latitude_error", dn},
-               {"departure_error", de},
-               {"precision", closure > 1e-12 ? Json(std::llround(m.figure.perimeter / closure)) : Json(nullptr)},
-               {"perimeter", m.figure.perimeter},
-               {"area", area},
-               {"acres", acres(area)}};
-      answer_ = m.courses;
-      answer_.push_back("  Misclosure " + length(closure) + (closure > 0 ? " " + bearingWords(normal(std::atan2(de, dn) / kRadian), places) : "") +
-                        "  (latitude " + length(dn) + ", departure " + length(de) + ")");
-      answer_.push_back("  Precision " + (closure > 1e-12 ? "1:" + grouped(std::llround(m.figure.perimeter / closure)) : std::string("exact")) +
-                        "  perimeter " + length(m.figure.perimeter) + "  area " + Format(area, "0.00") + " sq " + unit + ", " +
-                        Format(acres(area), "0.0000") + " acres");
+      requireParcel(m.courses, m.names);
+      const Closure c = closureOf(m.courses);
+      Json out{{"closure_distance", c.distance},
+               {"closure_azimuth", c.azimuth ? Json(*c.azimuth) : Json(nullptr)},
+               {"latitude_error", c.latitude},
+               {"departure_error", c.departure},
+               {"precision", c.precision ? Json(*c.precision) : Json(nullptr)},
+               {"perimeter", c.perimeter},
+               {"area", c.area},
+               {"acres", acres(c.area)}};
+      answer_ = m.said;
+      answer_.push_back("  Misclosure " + length(c.distance) + (c.azimuth ? " " + bearingWords(*c.azimuth, places) : "") + "  (latitude " +
+                        length(c.latitude) + ", departure " + length(c.departure) + ")");
+      answer_.push_back("  Precision " + (c.precision ? "1:" + grouped(*c.precision) : std::string("exact")) + "  perimeter " +
+                        length(c.perimeter) + "  area " + Format(c.area, "0.00") + " sq " + unit + ", " + Format(acres(c.area), "0.0000") +
+                        " acres");
       mapcheck_.reset();
       Json result{{"line", mapcheckLine_}, {"command", "MAPCHECK"}};
       result.update(out);
       return result;
     }
+    DeedCall call;
     if (command == "LINE") {
-      const double az = bearing();
-      const double d = distance("a distance");
+      call.azimuth = bearing();
+      call.distance = distance("a distance");
       done();
-      if (d <= 0) throw CogoError("a LINE's distance must be more than 0");
-      m.at = along(m.at, az, d);
-      m.figure.corners.push_back(m.at);
-      m.figure.perimeter += d;
-      m.lastAzimuth = az;
-      m.haveAzimuth = true;
-      m.courses.push_back("  LINE " + bearingWords(az, places) + "  " + length(d));
-      return nullptr;
-    }
-    if (command == "CURVE") {
+    } else if (command == "CURVE") {
       const std::string side = upper(more("L or R"));
       if (side != "L" && side != "R") throw CogoError("CURVE turns L or R, not \"" + side + "\"");
-      const bool right = side == "R";
+      call.curve = true;
+      call.right = side == "R";
       keyword("RADIUS");
-      const double r = distance("a radius");
-      if (r <= 0) throw CogoError("a CURVE's radius must be more than 0");
+      call.radius = distance("a radius");
       const std::string by = upper(more("ARC, CHORD or DELTA"));
-      double delta = 0;  // radians
       if (by == "ARC") {
-        delta = distance("an arc length") / r;
+        call.by = DeedCall::By::Arc;
+        call.value = distance("an arc length");
       } else if (by == "CHORD") {
-        const double c = distance("a chord");
-        if (c <= 0 || c > 2 * r) throw CogoError("a chord of " + length(c) + " does not fit a radius of " + length(r));
-        delta = 2 * std::asin(c / (2 * r));
+        call.by = DeedCall::By::Chord;
+        call.value = distance("a chord");
       } else if (by == "DELTA") {
-        delta = angle("a delta") * kRadian;
+        call.by = DeedCall::By::Delta;
+        call.value = angle("a delta");
       } else {
         throw CogoError("CURVE wants ARC, CHORD or DELTA, not \"" + by + "\"");
       }
-      if (!(delta > 0) || delta >= 2 * std::numbers::pi) throw CogoError("a CURVE's delta must be more than 0 and less than 360°");
-      std::optional<double> chordAzimuth;
-      if (optional("CHORDBEARING")) chordAzimuth = bearing();
-      if (optional("RADIAL")) {
-        const double radial = bearing();  // from the curve's start to its center
-        chordAzimuth = normal(radial + (right ? -90 : 90) + (right ? 1 : -1) * delta / 2 / kRadian);
-      }
+      if (optional("CHORDBEARING")) call.chordAzimuth = bearing();
+      if (optional("RADIAL")) call.radialAzimuth = bearing();
       done();
-      if (!chordAzimuth) {
-        if (!m.haveAzimuth) throw CogoError("the first CURVE needs its CHORDBEARING or RADIAL: there is no course before it to be tangent to");
-        chordAzimuth = normal(m.lastAzimuth + (right ? 1 : -1) * delta / 2 / kRadian);
-      }
-      const double chord = 2 * r * std::sin(delta / 2);
-      m.at = along(m.at, *chordAzimuth, chord);
-      m.figure.corners.push_back(m.at);
-      m.figure.perimeter += r * delta;
-      m.figure.addArc(r, delta, right);
-      m.lastAzimuth = normal(*chordAzimuth + (right ? 1 : -1) * delta / 2 / kRadian);
-      m.haveAzimuth = true;
-      m.courses.push_back("  CURVE " + side + "  R " + length(r) + "  delta " + angleText(delta / kRadian, places) + "  arc " + length(r * delta) +
-                          "  chord " + bearingWords(*chordAzimuth, places) + " " + length(chord));
-      return nullptr;
+    } else {
+      throw CogoError("within MAPCHECK only LINE, CURVE and END are taken, not " + command);
     }
-    throw CogoError("within MAPCHECK only LINE, CURVE and END are taken, not " + command);
+    const At from = m.courses.empty() ? m.start : At{m.courses.back().toN, m.courses.back().toE};
+    const Course c = follow(call, from.n, from.e, m.courses.empty() ? std::nullopt : std::optional(m.courses.back().tangentOut));
+    m.courses.push_back(c);
+    m.names.push_back("the " + command + " on line " + std::to_string(line_));
+    if (c.curve)
+      m.said.push_back(std::string("  CURVE ") + (c.right ? "R" : "L") + "  R " + length(c.radius) + "  delta " + angleText(c.delta, places) +
+                       "  arc " + length(c.arc) + "  chord " + bearingWords(c.azimuth, places) + " " + length(c.length));
+    else
+      m.said.push_back("  LINE " + bearingWords(c.azimuth, places) + "  " + length(c.length));
+    return nullptr;
   }
 
   if (command == "POINT") {
@@ -681,10 +666,9 @@ Json CogoEngine::dispatch(const std::vector<std::string>& words) {
     auto m = std::make_shared<Mapcheck>();
     if (optional("AT")) {
       const ProjectPoint a = point(more("the point the deed starts at"));
-      m->start = m->at = place(a);
+      m->start = place(a);
     }
     done();
-    m->figure.corners.push_back(m->start);
     mapcheck_ = m;
     return nullptr;
   }

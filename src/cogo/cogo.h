@@ -75,6 +75,7 @@ class CogoEngine {
   std::vector<std::string> answer_;
   std::shared_ptr<Mapcheck> mapcheck_;
   int mapcheckLine_ = 0;
+  int line_ = 0;  // the line being run
 };
 
 // The words of a command line: blank-separated, a quoted text one word, a
