@@ -12,6 +12,7 @@
 #include "app/json_text.h"
 #include "app/program.h"
 #include "app/runner.h"
+#include "cli/parcels_command.h"
 #include "cli/points_command.h"
 #include "cli/cogo_command.h"
 #include "cli/project_command.h"
@@ -147,7 +148,7 @@ int run(int argc, char** argv) {
     command->add_option("--data-dir", o.dataDir, dataDir);
     return command;
   };
-  RunOptionsCli run, township, restore, traverse;
+  RunOptionsCli run, township, restore, traverse, parcels;
   auto* runCmd = addCommand("run", "Play a job file through the program's windows and report the result.", "job",
                             "The job file (JSON)", run, "reports", "The data folder for default output files");
   auto* townshipCmd = addCommand("township", "Run every section of a township plan and check that shared corners agree.", "plan",
@@ -158,6 +159,11 @@ int run(int argc, char** argv) {
   auto* traverseCmd = addCommand("traverse", "Close and adjust a traverse from a traverse file or a data collector's raw file (.rw5).",
                                  "file", "The traverse file (JSON) or raw file (.rw5)", traverse, "the report",
                                  "The data folder the report and the adjusted points go to");
+  auto* parcelsCmd = addCommand("parcels",
+                                "Run a section job or a township plan and list its aliquot parts and government lots with their areas and "
+                                "legal descriptions.",
+                                "file", "The section job or township plan (JSON)", parcels, "the sections' reports",
+                                "The data folder the sections' files go to");
   tervalo::RawCommandOptions rawOptions;
   int rawEpsg = 0;
   std::string rawFoot;
@@ -226,7 +232,7 @@ int run(int argc, char** argv) {
         known = known || command->get_name() == argv[1];
       if (!known) {
         std::cerr << "tervalo-cli: there is no command \"" << argv[1] << "\"; the commands are run, township, restore, traverse, "
-                  << "points, project and cogo (tervalo-cli --help says what each does).\n";
+                  << "points, project, cogo, parcels and plat (tervalo-cli --help says what each does).\n";
         return kUsage;
       }
     }
@@ -257,6 +263,13 @@ int run(int argc, char** argv) {
     const auto given = runOptions(options, status);
     return given ? act(given->dataFolder, given->today.value_or(tervalo::localToday())) : status;
   };
+  if (parcelsCmd->parsed())
+    return fileCommand(parcels, [&](const std::string& folder, const tervalo::Date& today) {
+      tervalo::RunOptions options;
+      options.dataFolder = folder;
+      options.today = today;
+      return tervalo::parcelsCommand(parcels.job, parcels.json, options, std::cout, std::cerr);
+    });
   if (restoreCmd->parsed())
     return fileCommand(restore, [&](const std::string& folder, const tervalo::Date& today) {
       return tervalo::restoreCommand(restore.job, restore.json, folder, today, std::cout, std::cerr);

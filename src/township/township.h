@@ -67,6 +67,7 @@ struct TownshipOutcome {
   std::vector<std::string> summary;  // Township.txt
   std::vector<int> disagreementLines;  // the summary's lines that tell of a disagreement
   std::vector<SectionOutline> outlines;  // one per completed section, in run order
+  std::vector<SectionRecord> records;    // each completed section's corners after its run, in run order
 };
 
 // Differences up to this are agreement: a hundredth of a foot.

@@ -1,0 +1,50 @@
+#pragma once
+// The sections of a job or a township plan run for their parcels: each
+// section subdivided exactly as its window or the township run does it, then
+// broken into its aliquot parts and lots, with descriptions, for the
+// `parcels` and `plat` commands.
+
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "app/runner.h"
+#include "crs/crs.h"
+#include "parcels/aliquot.h"
+#include "secsub/section_record.h"
+
+namespace tervalo {
+
+class FormRegistry;
+
+struct PlattedSection {
+  SectionRecord record;
+  std::array<bool, slot::count> computed{};
+  SectionParts parts;
+  std::vector<std::string> descriptions;  // one per part, in the parts' order
+  std::string basis;                      // the basis of bearings
+};
+
+struct ParcelRun {
+  std::vector<PlattedSection> sections;
+  CrsChoice crs;
+  int exitCode = 0;                  // the run's: 0, or the runner's or township's status
+  std::vector<std::string> stopped;  // sections that did not run, and why
+};
+
+// Runs the file: a township plan where it has "sections", else a section
+// job. JobError or PlanError when it cannot be played; CrsError when the
+// combined factor of its system cannot be had.
+ParcelRun runForParcels(const std::string& file, const RunOptions& options, const FormRegistry& registry);
+
+// The parcels JSON of the command line contract.
+nlohmann::ordered_json parcelsJson(const ParcelRun& run);
+// The same as a report a surveyor reads: per section its parts, areas,
+// descriptions, and the check of the parts against the whole.
+std::vector<std::string> parcelsReport(const ParcelRun& run);
+
+// "Bearings are based on the North line of Section 14, bearing N 89°59'12\" E, on <system>."
+std::string basisOfBearings(const SectionRecord& record, const CrsChoice& crs);
+
+}  // namespace tervalo
