@@ -281,7 +281,7 @@ Json CogoEngine::dispatch(const std::vector<std::string>& words) {
     if (command == "END") {
       done();
       requireParcel(m.courses, m.names);
-      const Closure c = closureOf(m.courses);
+      const FigureClosure c = closureOf(m.courses);
       Json out{{"closure_distance", c.distance},
                {"closure_azimuth", c.azimuth ? Json(*c.azimuth) : Json(nullptr)},
                {"latitude_error", c.latitude},

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <map>
 
+#include "parcels/aliquot.h"
+#include "parcels/legal.h"
 #include "secsub/grid_lines.h"
 #include "text/format.h"
 #include "text/number.h"
@@ -66,6 +68,11 @@ CornerMap sectionMap(const SectionRecord& r, const std::array<bool, slot::count>
     const auto segment = naming.segments.find(l.segment);
     map.lines.push_back({l.feature, segment == naming.segments.end() ? std::string() : segment->second,
                          index[static_cast<std::size_t>(l.from)], index[static_cast<std::size_t>(l.to)]});
+  }
+  for (const AliquotPart& part : aliquotParts(r).parts) {
+    MapParcel parcel{part.name, aliquotDescription(part, r), part.courses, {}, part.area, 0, std::nullopt};
+    for (int s : part.cornerSlots) parcel.cornerNames.push_back(map.points[index[static_cast<std::size_t>(s)]].name);
+    map.parcels.push_back(std::move(parcel));
   }
   return map;
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "export/map_system.h"
+#include "parcels/deed.h"
 #include "secsub/section_record.h"
 #include "secsub_out/names.h"
 
@@ -51,6 +52,19 @@ struct MapLine {
   std::size_t from = 0, to = 0;  // indices into the points
 };
 
+// A closed parcel of the map: its courses between the map's points, by name.
+struct MapParcel {
+  std::string name;  // "NE 1/4 NW 1/4", "Lot 3", "Section 14 Lot 3"
+  std::string description;
+  std::vector<Course> courses;
+  // The point each course starts at, by name; none: the courses' own
+  // coordinates are written (a mapcheck's calls have no points).
+  std::vector<std::string> cornerNames{};
+  double area = 0;
+  double closure = 0;
+  std::optional<double> closureAzimuth{};
+};
+
 struct CornerMap {
   std::string title;  // "Section 14 T115N R22W"
   MapSystem system;   // the coordinate system its coordinates are in
@@ -60,6 +74,8 @@ struct CornerMap {
   // Named by unique corner names (a township): the files carry the
   // surveyor's numbers beside the names.
   bool uniqueNames = false;
+  // A section's aliquot parts and lots, as LandXML carries them.
+  std::vector<MapParcel> parcels{};
 };
 
 // The feature groups, in the order the files list them.

@@ -1,6 +1,9 @@
 #include "export/landxml.h"
 
 #include <pugixml.hpp>
+#include <cmath>
+#include <map>
+#include <numbers>
 #include <sstream>
 
 #include "text/format.h"
@@ -34,6 +37,10 @@ pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool 
                                       {"pressureUnit", "inHG"}, {"elevationUnit", "feet"}})
       i.append_attribute(name) = value;
   }
+  // Angles and directions (north azimuths) in the degrees every surveyor reads.
+  pugi::xml_node unit = units.first_child();
+  unit.append_attribute("angularUnit") = "decimal degrees";
+  unit.append_attribute("directionUnit") = "decimal degrees";
   return root;
 }
 
@@ -45,14 +52,7 @@ std::string text(const pugi::xml_document& doc) {
 
 std::string coordinate(double v) { return Format(v, "0.0000"); }
 
-}  // namespace
-
-std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
-  requireOneNamePerPosition(map);  // every pntRef names one point
-  pugi::xml_document doc;
-  const MapSystem& system = map.system;
-  pugi::xml_node root = landXmlRoot(doc, stamp, system.linearUnit == "meter", system.linearUnit);
-  // The system the coordinates are in, or that they are local.
+void crsNode(pugi::xml_node root, const MapSystem& system) {
   pugi::xml_node crs = root.append_child("CoordinateSystem");
   if (system.crs.none()) {
     crs.append_attribute("name") = "local";
@@ -63,6 +63,67 @@ std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
     crs.append_attribute("horizontalDatum") = system.datum.c_str();
     crs.append_attribute("desc") = system.title.c_str();
   }
+}
+
+std::string number(double v) { return Format(v, "0.000000"); }
+
+// A course's end: the point by name, or its coordinates.
+void end(pugi::xml_node course, const char* which, const std::string& name, double n, double e) {
+  pugi::xml_node node = course.append_child(which);
+  if (!name.empty())
+    node.append_attribute("pntRef") = name.c_str();
+  else
+    node.text() = (coordinate(n) + " " + coordinate(e)).c_str();
+}
+
+void parcelsNode(pugi::xml_node root, const std::vector<LandXmlParcel>& parcels, const std::string& title) {
+  if (parcels.empty()) return;
+  pugi::xml_node all = root.append_child("Parcels");
+  all.append_attribute("name") = title.c_str();
+  for (const LandXmlParcel& p : parcels) {
+    pugi::xml_node parcel = all.append_child("Parcel");
+    parcel.append_attribute("name") = p.name.c_str();
+    if (!p.description.empty()) parcel.append_attribute("desc") = p.description.c_str();
+    parcel.append_attribute("area") = number(p.area).c_str();
+    parcel.append_attribute("distClosure") = number(p.closure).c_str();
+    if (p.closureAzimuth) parcel.append_attribute("dirClosure") = number(*p.closureAzimuth).c_str();
+    parcel.append_attribute("parcelType") = "aliquot";
+    pugi::xml_node geometry = parcel.append_child("CoordGeom");
+    const std::size_t n = p.courses.size();
+    for (std::size_t i = 0; i < n; ++i) {
+      const Course& c = p.courses[i];
+      const std::string from = i < p.cornerNames.size() ? p.cornerNames[i] : "";
+      const std::string to = p.cornerNames.size() == n ? p.cornerNames[(i + 1) % n] : "";
+      pugi::xml_node course = geometry.append_child(c.curve ? "Curve" : "Line");
+      if (c.curve) {
+        course.append_attribute("rot") = c.right ? "cw" : "ccw";
+        course.append_attribute("radius") = number(c.radius).c_str();
+        course.append_attribute("length") = number(c.arc).c_str();
+        course.append_attribute("delta") = number(c.delta).c_str();
+        course.append_attribute("chord") = number(c.length).c_str();
+        course.append_attribute("crvType") = "arc";
+        end(course, "Start", from, c.fromN, c.fromE);
+        end(course, "Center", "", c.centerN, c.centerE);
+        end(course, "End", to, c.toN, c.toE);
+      } else {
+        course.append_attribute("dir") = number(c.azimuth).c_str();
+        course.append_attribute("length") = number(c.length).c_str();
+        end(course, "Start", from, c.fromN, c.fromE);
+        end(course, "End", to, c.toN, c.toE);
+      }
+    }
+  }
+}
+
+}  // namespace
+
+std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
+  requireOneNamePerPosition(map);  // every pntRef names one point
+  pugi::xml_document doc;
+  const MapSystem& system = map.system;
+  pugi::xml_node root = landXmlRoot(doc, stamp, system.linearUnit == "meter", system.linearUnit);
+  // The system the coordinates are in, or that they are local.
+  crsNode(root, system);
   pugi::xml_node points = root.append_child("CgPoints");
   points.append_attribute("name") = map.title.c_str();
   for (const MapPoint& c : map.points) {
@@ -113,7 +174,70 @@ std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp) {
       line.append_child("End").append_attribute("pntRef") = map.points[l.to].name.c_str();
     }
   }
+  parcelsNode(root, map.parcels, map.title);
   return text(doc);
+}
+
+std::string parcelsLandXml(const std::vector<LandXmlParcel>& parcels, const std::string& title, const MapSystem& system,
+                           const XmlStamp& stamp) {
+  pugi::xml_document doc;
+  pugi::xml_node root = landXmlRoot(doc, stamp, system.linearUnit == "meter", system.linearUnit);
+  crsNode(root, system);
+  parcelsNode(root, parcels, title);
+  return text(doc);
+}
+
+std::vector<LandXmlParcel> landXmlParcels(const std::string& document) {
+  pugi::xml_document doc;
+  if (!doc.load_string(document.c_str()) || std::string(doc.document_element().name()) != "LandXML")
+    throw ExportError("the file is not a LandXML document");
+  std::map<std::string, std::pair<double, double>> points;
+  for (const pugi::xpath_node& x : doc.select_nodes("//CgPoint")) {
+    std::istringstream in(x.node().text().get());
+    double n = 0, e = 0;
+    if (in >> n >> e) points[x.node().attribute("name").value()] = {n, e};
+  }
+  const auto place = [&points](pugi::xml_node node, const std::string& parcel) {
+    if (const auto ref = node.attribute("pntRef")) {
+      const auto at = points.find(ref.value());
+      if (at == points.end()) throw ExportError("parcel " + parcel + " names point " + ref.value() + ", which the file does not hold");
+      return at->second;
+    }
+    std::istringstream in(node.text().get());
+    double n = 0, e = 0;
+    if (!(in >> n >> e)) throw ExportError("parcel " + parcel + " has a " + node.name() + " with no coordinates");
+    return std::pair{n, e};
+  };
+  std::vector<LandXmlParcel> out;
+  for (const pugi::xpath_node& x : doc.select_nodes("//Parcel")) {
+    LandXmlParcel p;
+    p.name = x.node().attribute("name").value();
+    p.description = x.node().attribute("desc").value();
+    p.area = x.node().attribute("area").as_double();
+    for (pugi::xml_node c : x.node().child("CoordGeom").children()) {
+      const std::string kind = c.name();
+      if (kind != "Line" && kind != "Curve") continue;
+      const auto [fn, fe] = place(c.child("Start"), p.name);
+      const auto [tn, te] = place(c.child("End"), p.name);
+      Course course;
+      course.fromN = fn, course.fromE = fe, course.toN = tn, course.toE = te;
+      course.length = std::hypot(tn - fn, te - fe);
+      course.azimuth = std::fmod(std::atan2(te - fe, tn - fn) * 180 / std::numbers::pi + 360, 360);
+      if (kind == "Curve") {
+        const auto [cn, ce] = place(c.child("Center"), p.name);
+        course.curve = true;
+        course.right = std::string(c.attribute("rot").value()) == "cw";
+        course.centerN = cn, course.centerE = ce;
+        course.radius = std::hypot(fn - cn, fe - ce);
+        course.delta = 2 * std::asin(std::min(1.0, course.length / (2 * course.radius))) * 180 / std::numbers::pi;
+        if (c.attribute("delta")) course.delta = c.attribute("delta").as_double();
+        course.arc = course.radius * course.delta * std::numbers::pi / 180;
+      }
+      p.courses.push_back(course);
+    }
+    out.push_back(std::move(p));
+  }
+  return out;
 }
 
 std::string profileLandXml(const VerticalCurve& c, bool metric, const std::string& name, const XmlStamp& stamp) {

@@ -4,9 +4,12 @@
 // Built with pugixml, never by pasting text.
 
 #include <array>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "export/corner_map.h"
+#include "parcels/deed.h"
 #include "vcurve/vertical_curve.h"
 
 namespace tervalo {
@@ -23,7 +26,21 @@ struct XmlStamp {
 // monuments, computed ones as calculated boundary points); the section,
 // quarter and sixteenth lines as one PlanFeature per line group, each line
 // referring to its end points by name.
+// The map's parcels each as a Parcel of CoordGeom lines and curves between
+// the points by name, with its area and closure.
 std::string cornerLandXml(const CornerMap& map, const XmlStamp& stamp);
+
+using LandXmlParcel = MapParcel;
+
+// Parcels alone (a mapcheck, a set of parcels), in the map's system and unit.
+std::string parcelsLandXml(const std::vector<LandXmlParcel>& parcels, const std::string& title, const MapSystem& system,
+                           const XmlStamp& stamp);
+
+// The parcels of a LandXML document, their courses followed from the file's
+// Start, Center and End (a pntRef looked up among its CgPoints), for reading
+// back what another program wrote. ExportError for a document that is not
+// LandXML or a Parcel that cannot be followed.
+std::vector<LandXmlParcel> landXmlParcels(const std::string& text);
 
 // One alignment named `name` from the PVC over the curve's length, whose
 // profile holds the PVC and PVT as PVIs and the curve as a ParaCurve at

@@ -117,6 +117,7 @@ SectionParts aliquotParts(const SectionRecord& r, const std::string& unit, std::
         const CornerSlot& a = r.slots[static_cast<std::size_t>(distinct[i])];
         const CornerSlot& b = r.slots[static_cast<std::size_t>(distinct[(i + 1) % distinct.size()])];
         part.corners.push_back(a.pointNumber);
+        part.cornerSlots.push_back(distinct[i]);
         DeedCall call;
         call.azimuth = std::atan2(b.x - a.x, b.y - a.y) / kRadian;
         call.distance = std::hypot(b.x - a.x, b.y - a.y);

@@ -23,6 +23,7 @@ struct AliquotPart {
   int lot = 0;        // the government lot's number; 0 for a quarter-quarter
   int row = 0, column = 0;          // the cell, row 0 north, column 0 west
   std::array<int, 4> slots{};       // round it clockwise from the corner named by `first`
+  std::vector<int> cornerSlots;      // its corners' slots, a place two slots share once
   std::vector<std::string> corners;  // the surveyor's point numbers, in the same order
   std::vector<Course> courses;       // round it from its first corner
   double area = 0;                   // square units, on the grid where there is a system

@@ -105,8 +105,8 @@ Course follow(const DeedCall& call, double n, double e, std::optional<double> be
   return c;
 }
 
-Closure closureOf(const std::vector<Course>& courses) {
-  Closure out;
+FigureClosure closureOf(const std::vector<Course>& courses) {
+  FigureClosure out;
   if (courses.empty()) return out;
   out.latitude = courses.back().toN - courses.front().fromN;
   out.departure = courses.back().toE - courses.front().fromE;

@@ -54,7 +54,7 @@ Course follow(const DeedCall& call, double n, double e, std::optional<double> be
 // start, its azimuth, the precision as N of 1:N (none when it closes to
 // within a millionth of the unit), the perimeter along the arcs and the
 // area of the figure closed by its misclosure, each arc's segment counted.
-struct Closure {
+struct FigureClosure {
   double latitude = 0, departure = 0;  // the error, end minus start
   double distance = 0;
   std::optional<double> azimuth{};
@@ -62,7 +62,7 @@ struct Closure {
   double perimeter = 0;
   double area = 0;
 };
-Closure closureOf(const std::vector<Course>& courses);
+FigureClosure closureOf(const std::vector<Course>& courses);
 
 // Two courses of the figure that cross (1-based), or none; adjacent courses
 // meeting at their shared corner do not count.

@@ -301,6 +301,10 @@ TownshipOutcome runTownship(const TownshipPlan& plan, const RunOptions& options,
   // Each completed section's outline, round its present boundary corners.
   for (const SectionRun& run : runs) {
     out.records.push_back(run.record);
+    for (MapParcel parcel : run.map.parcels) {
+      parcel.name = "Section " + run.section + " " + parcel.name;
+      out.map.parcels.push_back(std::move(parcel));
+    }
     constexpr int kBoundary[] = {0, 1, 2, 3, 4, 9, 14, 19, 24, 23, 22, 21, 20, 15, 10, 5};
     SectionOutline outline{static_cast<int>(run.row), run.section, {}, {}};
     double sumX = 0, sumY = 0;
