@@ -1,4 +1,5 @@
 #include "export/section_dxf.h"
+#include "export/dxf_drawing.h"
 
 #include <dl_dxf.h>
 
@@ -7,6 +8,7 @@
 #include <charconv>
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <limits>
 #include <memory>
 
@@ -20,11 +22,6 @@ namespace {
 
 // Layers and their colours (the CAD colour index): the line groups as the
 // GEOPAK file names them, then the corners and the annotations.
-struct Layer {
-  const char* name;
-  int color;
-  const char* linetype = "CONTINUOUS";
-};
 constexpr Layer kLayers[] = {{"SEC", 7},    {"EWQ", 5},      {"NSQ", 5},  {"EWSX", 4, "DASHED"}, {"NSSX", 4, "DASHED"},
                              {"POINTS", 1}, {"EVIDENCE", 2}, {"ANNO", 3}, {"RESTORED", 6},      {"CRS", 8},
                              {"TRAV", 7}};
@@ -63,11 +60,6 @@ std::string cadAngle(double azimuth) {
 
 // The ground the drawing covers, in its units, and where a CAD program's
 // first view looks: the drawing's middle, its height, its width to height.
-struct Extents {
-  double minX, minY, maxX, maxY;
-  double width() const { return maxX - minX; }
-  double height() const { return maxY - minY; }
-};
 
 // The active viewport: centred on the drawing, high enough to show it
 // whole with a margin, so a CAD program opens on the section.
@@ -96,7 +88,7 @@ void writeViewport(DL_WriterA& dw, const Extents& e) {
 // so a reader finds no block without its layout.
 constexpr std::pair<const char*, int> kSpaces[] = {{"*Model_Space", 0x1F}, {"*Paper_Space", 0x1B}};
 
-void writeTables(DL_Dxf& dxf, DL_WriterA& dw, const Extents& extents) {
+void writeTables(DL_Dxf& dxf, DL_WriterA& dw, const Extents& extents, const std::vector<Layer>& layers) {
   dw.sectionTables();
   writeViewport(dw, extents);
   dw.tableLinetypes(4);
@@ -107,9 +99,9 @@ void writeTables(DL_Dxf& dxf, DL_WriterA& dw, const Extents& extents) {
   double dashed[] = {0.5, -0.25};
   dxf.writeLinetype(dw, DL_LinetypeData("DASHED", "Dashed __ __ __", 0, 2, 0.75, dashed));
   dw.tableEnd();
-  dw.tableLayers(static_cast<int>(std::size(kLayers)) + 1);
+  dw.tableLayers(static_cast<int>(layers.size()) + 1);
   dxf.writeLayer(dw, DL_LayerData("0", 0), DL_Attributes("", 7, -1, "CONTINUOUS", 1.0));
-  for (const Layer& l : kLayers) dxf.writeLayer(dw, DL_LayerData(l.name, 0), DL_Attributes("", l.color, -1, l.linetype, 1.0));
+  for (const Layer& l : layers) dxf.writeLayer(dw, DL_LayerData(l.name, 0), DL_Attributes("", l.color, -1, l.linetype, 1.0));
   dw.tableEnd();
   dw.tableStyle(1);
   dxf.writeStyle(dw, DL_StyleData("Standard", 0, 0.0, 1.0, 0.0, 0, 2.5, "txt", ""));
@@ -168,6 +160,46 @@ double uprightAngle(double degrees) {
 
 }  // namespace
 
+void writeDxfDrawing(const std::filesystem::path& file, const Extents& extents, const std::vector<Layer>& layers, int units,
+                     double linetypeScale, const std::function<void(DL_Dxf&, DL_WriterA*)>& entities) {
+  writeFileWith(file, [&](const std::filesystem::path& temp) {
+    DL_Dxf dxf;
+    // The library opens its own writer (and takes the drawing's version from it); ours replaces it.
+    std::unique_ptr<DL_WriterA> opened(dxf.out(temp.c_str(), DL_Codes::AC1015));
+    if (!opened) return false;
+    opened.reset();
+    auto dw = std::make_unique<DrawingWriter>(temp.c_str(), DL_Codes::AC1015);
+    if (dw->openFailed()) return false;
+    dxf.writeHeader(*dw);
+    dw->dxfString(9, "$INSUNITS");
+    dw->dxfInt(70, units);  // the coordinates' unit, as the LandXML files say
+    dw->dxfString(9, "$MEASUREMENT");
+    dw->dxfInt(70, units == 6 ? 1 : 0);  // metric drawings say so: 1 metric, 0 imperial
+    dw->dxfString(9, "$EXTMIN");
+    dw->coord(10, extents.minX, extents.minY);
+    dw->dxfString(9, "$EXTMAX");
+    dw->coord(10, extents.maxX, extents.maxY);
+    dw->dxfString(9, "$LTSCALE");
+    dw->dxfReal(40, linetypeScale);
+    dw->sectionEnd();
+    writeTables(dxf, *dw, extents, layers);
+    dw->sectionEntities();
+    entities(dxf, dw.get());
+    dw->sectionEnd();
+    writeObjects(*dw);
+    dw->dxfEOF();
+    dw->close();
+    // dxflib reports no write errors: a complete drawing ends with its EOF mark.
+    std::ifstream written(temp, std::ios::binary | std::ios::ate);
+    const auto size = written.tellg();
+    if (size < 4) return false;
+    written.seekg(size - std::streamoff(4));
+    std::string tail(4, '\0');
+    written.read(tail.data(), 4);
+    return tail.find("EOF") != std::string::npos;
+  });
+}
+
 void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
   requireOneNamePerPosition(map);
   // Text sizes follow the drawing's size, so a section of any extent reads alike.
@@ -191,29 +223,8 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
   }
   const Extents extents{minX - nameHeight, bottom - nameHeight, right, maxY + 2 * nameHeight};
 
-  writeFileWith(file, [&](const std::filesystem::path& temp) {
-    DL_Dxf dxf;
-    // The library opens its own writer (and takes the drawing's version from it); ours replaces it.
-    std::unique_ptr<DL_WriterA> opened(dxf.out(temp.c_str(), DL_Codes::AC1015));
-    if (!opened) return false;
-    opened.reset();
-    auto dw = std::make_unique<DrawingWriter>(temp.c_str(), DL_Codes::AC1015);
-    if (dw->openFailed()) return false;
-    dxf.writeHeader(*dw);
-    dw->dxfString(9, "$INSUNITS");
-    dw->dxfInt(70, map.system.dxfUnits);  // the coordinates' unit, as the LandXML files say
-    dw->dxfString(9, "$MEASUREMENT");
-    dw->dxfInt(70, map.system.dxfUnits == 6 ? 1 : 0);  // metric drawings say so: 1 metric, 0 imperial
-    dw->dxfString(9, "$EXTMIN");
-    dw->coord(10, extents.minX, extents.minY);
-    dw->dxfString(9, "$EXTMAX");
-    dw->coord(10, extents.maxX, extents.maxY);
-    dw->dxfString(9, "$LTSCALE");
-    dw->dxfReal(40, span / 60);  // a dash of a sixteenth line about a hundredth of the section
-    dw->sectionEnd();
-    writeTables(dxf, *dw, extents);
-
-    dw->sectionEntities();
+  std::vector<Layer> layers(std::begin(kLayers), std::end(kLayers));
+  writeDxfDrawing(file, extents, layers, map.system.dxfUnits, span / 60, [&](DL_Dxf& dxf, DL_WriterA* dw) {
     for (const MapLine& l : map.lines) {
       const MapPoint &a = map.points[l.from], &b = map.points[l.to];
       dxf.writeLine(*dw, DL_LineData(a.x, a.y, 0.0, b.x, b.y, 0.0), on(l.feature.c_str()));
@@ -254,18 +265,6 @@ void writeCornerDxf(const CornerMap& map, const std::filesystem::path& file) {
                                      "Standard", 0.0),
                     on("CRS"));
     }
-    dw->sectionEnd();
-    writeObjects(*dw);
-    dw->dxfEOF();
-    dw->close();
-    // dxflib reports no write errors: a complete drawing ends with its EOF mark.
-    std::ifstream written(temp, std::ios::binary | std::ios::ate);
-    const auto size = written.tellg();
-    if (size < 4) return false;
-    written.seekg(size - std::streamoff(4));
-    std::string tail(4, '\0');
-    written.read(tail.data(), 4);
-    return tail.find("EOF") != std::string::npos;
   });
 }
 
