@@ -148,7 +148,7 @@ int run(int argc, char** argv) {
     command->add_option("--data-dir", o.dataDir, dataDir);
     return command;
   };
-  RunOptionsCli run, township, restore, traverse, parcels;
+  RunOptionsCli run, township, restore, traverse, parcels, plat;
   auto* runCmd = addCommand("run", "Play a job file through the program's windows and report the result.", "job",
                             "The job file (JSON)", run, "reports", "The data folder for default output files");
   auto* townshipCmd = addCommand("township", "Run every section of a township plan and check that shared corners agree.", "plan",
@@ -164,6 +164,15 @@ int run(int argc, char** argv) {
                                 "legal descriptions.",
                                 "file", "The section job or township plan (JSON)", parcels, "the sections' reports",
                                 "The data folder the sections' files go to");
+  auto* platCmd = addCommand("plat", "Run a section job or a township plan and draw the plat sheet of its parcels (PDF, SVG or DXF).",
+                             "file", "The section job or township plan (JSON)", plat, "the sheet's date",
+                             "The data folder the sections' files go to");
+  tervalo::PlatCommandOptions platOptions;
+  platCmd->add_option("--out", platOptions.out, "The plat's file; its ending (.pdf, .svg, .dxf) picks the format")->required();
+  platCmd->add_option("--sheet", platOptions.sheet, "The sheet: letter, tabloid or archd (letter)")
+      ->check(CLI::IsMember({"letter", "tabloid", "archd"}));
+  platCmd->add_option("--scale", platOptions.scale, "The scale in feet (or metres) to the inch; without it the largest round scale that fits")
+      ->check(CLI::PositiveNumber);
   tervalo::RawCommandOptions rawOptions;
   int rawEpsg = 0;
   std::string rawFoot;
@@ -269,6 +278,13 @@ int run(int argc, char** argv) {
       options.dataFolder = folder;
       options.today = today;
       return tervalo::parcelsCommand(parcels.job, parcels.json, options, std::cout, std::cerr);
+    });
+  if (platCmd->parsed())
+    return fileCommand(plat, [&](const std::string& folder, const tervalo::Date& today) {
+      tervalo::RunOptions options;
+      options.dataFolder = folder;
+      options.today = today;
+      return tervalo::platCommand(plat.job, platOptions, options, std::cout, std::cerr);
     });
   if (restoreCmd->parsed())
     return fileCommand(restore, [&](const std::string& folder, const tervalo::Date& today) {

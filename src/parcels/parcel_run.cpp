@@ -1,6 +1,8 @@
 #include "parcels/parcel_run.h"
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 #include <fstream>
 #include <numbers>
 #include <sstream>
@@ -12,6 +14,7 @@
 #include "parcels/legal.h"
 #include "secsub/frm_sec_sub.h"
 #include "text/format.h"
+#include "text/justify.h"
 #include "township/township.h"
 
 namespace tervalo {
@@ -113,6 +116,52 @@ Json parcelsJson(const ParcelRun& run) {
   Json out{{"parcels", parcels}, {"sections", sections}};
   if (!run.stopped.empty()) out["stopped"] = run.stopped;
   return out;
+}
+
+std::vector<std::string> standardCertificate() {
+  return {"I hereby certify that this plat was prepared from a survey made by me or under my direct supervision, that the corners "
+          "shown as found or set are as shown, and that it correctly represents the parcels described."};
+}
+
+PlatInput sectionsPlat(const ParcelRun& run, const PlatPeople& people) {
+  PlatInput plat;
+  plat.surveyor = people.surveyor;
+  plat.license = people.license;
+  plat.firm = people.firm;
+  plat.date = people.date;
+  plat.certificate = people.certificate.empty() ? standardCertificate() : people.certificate;
+  if (run.sections.empty()) return plat;
+  const SectionRecord& first = run.sections.front().record;
+  std::string sections;
+  for (const PlattedSection& s : run.sections) sections += (sections.empty() ? "" : ", ") + std::to_string(s.record.section);
+  plat.title = std::string(run.sections.size() > 1 ? "PLAT OF SECTIONS " : "PLAT OF SECTION ") + sections;
+  const std::string words = sectionWords(first);
+  plat.subtitle.push_back(words.substr(words.find(", ") + 2));  // the township, range and meridian
+  std::map<std::string, bool> seen;
+  for (const PlattedSection& s : run.sections) {
+    for (const AliquotPart& p : s.parts.parts) {
+      PlatParcel parcel{run.sections.size() > 1 ? "SEC. " + std::to_string(p.section) + " " + p.name : p.name, {}, p.courses};
+      parcel.areaLines.push_back(Format(p.acres, "0.00") + " AC.");
+      if (p.groundAcres) parcel.areaLines.push_back("(" + Format(*p.groundAcres, "0.00") + " AC. GROUND)");
+      plat.parcels.push_back(std::move(parcel));
+    }
+    for (int i = 0; i < slot::count; ++i) {
+      const CornerSlot& c = s.record.slots[static_cast<std::size_t>(i)];
+      if (c.blank() || !seen.emplace(Format(c.x, "0.000") + "," + Format(c.y, "0.000"), true).second) continue;
+      PlatCorner corner{c.y, c.x, c.pointNumber, Monument::Computed};
+      if (!s.computed[static_cast<std::size_t>(i)]) corner.kind = upper(c.evidence).rfind("SET", 0) == 0 ? Monument::Set : Monument::Found;
+      plat.corners.push_back(corner);
+    }
+    plat.notes.push_back(s.basis);
+    if (s.parts.combinedFactor)
+      plat.notes.push_back("Section " + std::to_string(s.record.section) + ": distances and acres are grid values; ground acres by the combined factor " +
+                           Format(*s.parts.combinedFactor, "0.00000000") + ".");
+  }
+  if (!run.sections.front().parts.combinedFactor) plat.notes.emplace_back("Distances are in US survey feet.");
+  // One basis note for the sheet where the sections share it.
+  std::sort(plat.notes.begin(), plat.notes.end());
+  plat.notes.erase(std::unique(plat.notes.begin(), plat.notes.end()), plat.notes.end());
+  return plat;
 }
 
 std::vector<std::string> parcelsReport(const ParcelRun& run) {

@@ -12,6 +12,7 @@
 #include "app/runner.h"
 #include "crs/crs.h"
 #include "parcels/aliquot.h"
+#include "parcels/plat.h"
 #include "secsub/section_record.h"
 
 namespace tervalo {
@@ -43,6 +44,18 @@ nlohmann::ordered_json parcelsJson(const ParcelRun& run);
 // The same as a report a surveyor reads: per section its parts, areas,
 // descriptions, and the check of the parts against the whole.
 std::vector<std::string> parcelsReport(const ParcelRun& run);
+
+// The people and words of a plat: the surveyor, license, firm, date, certificate.
+struct PlatPeople {
+  std::string surveyor, license, firm, date;
+  std::vector<std::string> certificate;
+};
+// The certificate a plat carries where the project gives none.
+std::vector<std::string> standardCertificate();
+
+// The plat of the run's sections: every aliquot part and lot with its name
+// and acres, the corners by what is known of them, the basis of bearings.
+PlatInput sectionsPlat(const ParcelRun& run, const PlatPeople& people);
 
 // "Bearings are based on the North line of Section 14, bearing N 89°59'12\" E, on <system>."
 std::string basisOfBearings(const SectionRecord& record, const CrsChoice& crs);

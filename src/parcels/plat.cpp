@@ -289,11 +289,16 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
       const P a = e.paper.front(), b = e.paper.back();
       bool labelled = false;
       if (!e.course.curve) {
+        // Upright: left to right, and bottom to top along a line within ten degrees of north.
         double angle = std::atan2(b.y - a.y, b.x - a.x) / kRadian;
-        if (angle > 90.0001 || angle <= -90) angle += angle > 0 ? -180 : 180;
+        while (angle > 100) angle -= 180;
+        while (angle <= -80) angle += 180;
         const P along{std::cos(angle * kRadian), std::sin(angle * kRadian)}, up{-along.y, along.x};
         const double length = std::hypot(b.x - a.x, b.y - a.y);
-        const std::string bearing = bearingWords(e.course.azimuth, 0), distance = lengthText(e.course.length, input.unit);
+        // A line's bearing as a plat states it, toward the north (a due east or west line toward the east).
+        const double az = e.course.azimuth;
+        const std::string bearing = bearingWords(az > 90 + 1e-9 && az <= 270 + 1e-9 ? std::fmod(az + 180, 360) : az, 0);
+        const std::string distance = lengthText(e.course.length, input.unit);
         for (double t : {0.5, 0.4, 0.6, 0.3, 0.7, 0.22, 0.78}) {
           const P mid = a + (b - a) * t;
           const auto labelAt = [&](const std::string& text, bool above) {
