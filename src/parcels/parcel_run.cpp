@@ -140,7 +140,7 @@ PlatInput sectionsPlat(const ParcelRun& run, const PlatPeople& people) {
   std::map<std::string, bool> seen;
   for (const PlattedSection& s : run.sections) {
     for (const AliquotPart& p : s.parts.parts) {
-      PlatParcel parcel{run.sections.size() > 1 ? "SEC. " + std::to_string(p.section) + " " + p.name : p.name, {}, p.courses};
+      PlatParcel parcel{p.name, {}, p.courses, run.sections.size() > 1 ? "SEC. " + std::to_string(p.section) : ""};
       parcel.areaLines.push_back(Format(p.acres, "0.00") + " AC.");
       if (p.groundAcres) parcel.areaLines.push_back("(" + Format(*p.groundAcres, "0.00") + " AC. GROUND)");
       plat.parcels.push_back(std::move(parcel));

@@ -53,6 +53,19 @@ bool quadMeetsSegment(const std::array<P, 4>& q, P a, P b) {
   return inside(q, a);
 }
 
+using QuadPolygon = std::vector<P>;
+
+// Within a closed outline, by the crossings of a ray to the east.
+bool insidePolygon(const QuadPolygon& polygon, P p) {
+  bool in = false;
+  for (std::size_t i = 0, j = polygon.size() - 1; i < polygon.size(); j = i++) {
+    const P& a = polygon[i];
+    const P& b = polygon[j];
+    if ((a.y > p.y) != (b.y > p.y) && p.x < (b.x - a.x) * (p.y - a.y) / (b.y - a.y) + a.x) in = !in;
+  }
+  return in;
+}
+
 std::array<P, 4> markBox(const SheetMark& m) {
   const double r = m.size / 2;
   return {P{m.at.x - r, m.at.y - r}, P{m.at.x + r, m.at.y - r}, P{m.at.x + r, m.at.y + r}, P{m.at.x - r, m.at.y + r}};
@@ -202,7 +215,7 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
   switch (options.size) {
     case SheetSize::Letter: sheet.width = 11, sheet.height = 8.5; break;
     case SheetSize::Tabloid: sheet.width = 17, sheet.height = 11, h = 0.08, strip = 2.2; break;
-    case SheetSize::ArchD: sheet.width = 36, sheet.height = 24, h = 0.12, margin = 1.0, strip = 3.2; break;
+    case SheetSize::ArchD: sheet.width = 36, sheet.height = 24, h = 0.1, margin = 1.0, strip = 3.2; break;
   }
   const double gap = h * 0.45;
 
@@ -224,17 +237,23 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
 
   const double left = margin + 0.15, right = sheet.width - margin - 0.15;
   const double bottom = margin + strip + 0.15, top = sheet.height - margin - 0.15;
-  bool curves = std::any_of(edges.begin(), edges.end(), [](const Edge& e) { return e.course.curve; });
-  std::vector<std::size_t> tabled;  // edges labelled in the tables
 
-  // Twice at most: again with room for the tables when a line's label found no room.
-  for (int pass = 0; pass < 2; ++pass) {
+  // Again with room for more table rows while a pass tables more lines than
+  // the last made room for: a smaller scale finds room for fewer labels.
+  std::size_t rows = 0;  // the table rows room is made for
+  for (int pass = 0; pass < 6; ++pass) {
     L = Layout{};
     L.h = h;
     L.sheet.width = sheet.width, L.sheet.height = sheet.height, L.sheet.title = input.title;
     Sheet& s = L.sheet;
-    const bool tables = curves || !tabled.empty();
-    const double tableWidth = tables ? textWidth("C00  R 00000.00  L 00000.00  D 000°00'00\"", h) + 0.3 : 0;
+    const std::size_t curveRows = static_cast<std::size_t>(std::count_if(edges.begin(), edges.end(), [](const Edge& e) { return e.course.curve; }));
+    const double rowHeight = h * 1.7, columnWidth = textWidth("C00  R 00000.00'  L 00000.00'  D 000°00'00\"", h) + 0.3;
+    const std::size_t wanted = rows + 2 * curveRows + 3;  // with the headers
+    const std::size_t perColumn = std::max<std::size_t>(1, static_cast<std::size_t>((top - bottom - h) / rowHeight));
+    const std::size_t columns = rows + curveRows == 0 ? 0 : (wanted + perColumn - 1) / perColumn;
+    const double tableWidth = static_cast<double>(columns) * columnWidth;
+    if (tableWidth > (right - left) * 0.6)
+      throw DeedError("the labels of " + std::to_string(rows + curveRows) + " lines do not fit a table on this sheet: choose a larger sheet");
     const double areaRight = right - tableWidth;
     const double pad = 4 * h;  // room round the figure for the labels outside it
     const double availW = areaRight - left - 2 * pad, availH = top - bottom - 2 * pad;
@@ -342,17 +361,21 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
       tags.emplace_back(tag, i);
       nowTabled.push_back(i);
     }
-    if (pass == 0 && !curves && !nowTabled.empty()) {
-      tabled = nowTabled;
+    const std::size_t tabledLines = nowTabled.size() - curveRows;
+    if (tabledLines > rows) {
+      rows = tabledLines;
       continue;  // again, with room for the table
     }
 
     // The tables, top right of the drawing.
-    double y = top - h * 1.5;
-    const double tx = areaRight + 0.15;
+    double y = top - h * 1.5, tx = areaRight + 0.15;
     const auto row = [&](const std::string& text, bool bold = false) {
+      if (y < bottom) {  // the next column
+        y = top - h * 1.5;
+        tx += columnWidth;
+      }
       L.sheet.texts.push_back(L.text({tx, y}, text, h, layer::Table, 0, bold));
-      y -= h * 1.7;
+      y -= rowHeight;
     };
     bool lineHeader = false, curveHeader = false;
     for (const auto& [tag, i] : tags) {
@@ -373,33 +396,60 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
       row("     CH " + bearingWords(c.azimuth, 0) + "  " + lengthText(c.length, input.unit));
     }
 
-    // Each parcel's name and area, in the clear near its middle.
+    // Each parcel's name and area, in the clear within it, near its middle:
+    // the name whole, or broken in two lines, or the name alone.
     for (const PlatParcel& p : input.parcels) {
       double twice = 0, cx = 0, cy = 0;
+      QuadPolygon outline;
       for (const Course& c : p.courses) {
         const P q = paper(c.fromE, c.fromN), r = paper(c.toE, c.toN);
         const double k = q.x * r.y - r.x * q.y;
         twice += k, cx += (q.x + r.x) * k, cy += (q.y + r.y) * k;
+        const std::vector<P> traced = tracedCourse(c);
+        for (std::size_t j = 0; j + 1 < traced.size(); ++j) outline.push_back(paper(traced[j].x, traced[j].y));
       }
-      P middle = std::fabs(twice) > 1e-12 ? P{cx / (3 * twice), cy / (3 * twice)} : paper(p.courses.front().fromE, p.courses.front().fromN);
-      std::vector<std::string> lines{p.name};
-      lines.insert(lines.end(), p.areaLines.begin(), p.areaLines.end());
+      const P middle = std::fabs(twice) > 1e-12 ? P{cx / (3 * twice), cy / (3 * twice)} : outline.front();
+      // The name's lines are bold; the section and the area beneath are not.
+      struct Variant {
+        std::vector<std::string> lines;
+        std::size_t bold = 1;
+      };
+      std::vector<std::string> whole{p.name}, broken;
+      if (const auto cut = p.name.find("1/4 "); cut != std::string::npos) broken = {p.name.substr(0, cut + 3), p.name.substr(cut + 4)};
+      const auto variant = [&p](const std::vector<std::string>& name, bool area) {
+        Variant v{name, name.size()};
+        if (!p.under.empty()) v.lines.push_back(p.under);
+        if (area) v.lines.insert(v.lines.end(), p.areaLines.begin(), p.areaLines.end());
+        return v;
+      };
+      std::vector<Variant> variants{variant(whole, true)};
+      if (!broken.empty()) variants.push_back(variant(broken, true));
+      variants.push_back(variant(whole, false));
+      if (!broken.empty()) variants.push_back(variant(broken, false));
       const double step = h * 1.6;
       bool placed = false;
-      for (int ring = 0; ring <= 6 && !placed; ++ring)
-        for (int k = 0; k < (ring ? 8 : 1) && !placed; ++k) {
-          const double a = k * 45 * kRadian;
-          const P at = middle + P{std::cos(a), std::sin(a)} * (ring * h * 2);
-          std::vector<SheetText> block;
-          for (std::size_t j = 0; j < lines.size(); ++j)
-            block.push_back(L.centred(at + P{0, ((lines.size() - 1) / 2.0 - static_cast<double>(j)) * step}, lines[j], j ? h * 0.9 : h,
-                                      layer::Name, j == 0));
-          const std::size_t before = L.sheet.texts.size();
-          bool all = true;
-          for (const SheetText& t : block) all = all && L.place(t);
-          if (all) placed = true;
-          else L.sheet.texts.resize(before);
-        }
+      for (const Variant& v : variants) {
+        for (int ring = 0; ring <= 8 && !placed; ++ring)
+          for (int k = 0; k < (ring ? 8 : 1) && !placed; ++k) {
+            const double a = k * 45 * kRadian;
+            const P at = middle + P{std::cos(a), std::sin(a)} * (ring * h);
+            std::vector<SheetText> block;
+            bool within = true;
+            for (std::size_t j = 0; j < v.lines.size(); ++j) {
+              block.push_back(L.centred(at + P{0, ((v.lines.size() - 1) / 2.0 - static_cast<double>(j)) * step}, v.lines[j], h,
+                                        layer::Name, j < v.bold));
+              for (const P& corner : block.back().box()) within = within && insidePolygon(outline, corner);
+            }
+            if (!within) continue;
+            const std::size_t before = L.sheet.texts.size();
+            bool all = true;
+            for (const SheetText& t : block) all = all && L.place(t);
+            if (all) placed = true;
+            else L.sheet.texts.resize(before);
+          }
+        if (placed) break;
+      }
+      if (!placed) L.sheet.unplaced.push_back(p.name + ": its name and area");
     }
 
     // Point numbers beside their monuments, in the first clear quarter.
@@ -412,18 +462,30 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
         if (L.place(L.text(at + corner, c.number, ph, layer::Point))) break;
     }
 
-    // The certificate.
-    const double pad2 = h * 1.2;
-    double cy = stripTop - pad2 - h;
+    // The blocks of the strip: texts at their height, or smaller where a
+    // long certificate or many notes would not otherwise fit their box.
+    const double pad2 = h * 1.2, boxHeight = strip - 2 * pad2;
     const auto blockLine = [&](double x, double& yy, const std::string& text, const char* on, double height, bool bold = false) {
       L.sheet.texts.push_back(L.text({x, yy}, text, height, on, 0, bold));
       yy -= height * 1.7;
     };
+    const auto fitted = [&](const std::vector<std::string>& paragraphs, double width, double height, double room) {
+      std::vector<std::string> lines;
+      for (; height > h * 0.4; height *= 0.92) {
+        lines.clear();
+        for (const std::string& paragraph : paragraphs)
+          for (const std::string& line : wrapped(paragraph, width, height)) lines.push_back(line);
+        if (static_cast<double>(lines.size()) * height * 1.7 <= room) break;
+      }
+      return std::pair{lines, height};
+    };
+
+    // The certificate, the signature line and who signs.
+    double cy = stripTop - pad2 - h;
     blockLine(margin + pad2, cy, "SURVEYOR'S CERTIFICATE", layer::Certificate, h, true);
-    for (const std::string& paragraph : input.certificate)
-      for (const std::string& line : wrapped(paragraph, certRight - margin - 2 * pad2, h * 0.9))
-        blockLine(margin + pad2, cy, line, layer::Certificate, h * 0.9);
     {
+      const auto [lines, height] = fitted(input.certificate, certRight - margin - 2 * pad2, h * 0.9, boxHeight - h * 7);
+      for (const std::string& line : lines) blockLine(margin + pad2, cy, line, layer::Certificate, height);
       double sy = margin + pad2 + h * 2.2;
       SheetLine sign;
       sign.points = {{margin + pad2, sy + h * 1.6}, {margin + pad2 + (certRight - margin) * 0.55, sy + h * 1.6}};
@@ -435,12 +497,14 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
       if (!input.date.empty()) blockLine(margin + pad2, sy, "Date: " + input.date, layer::Certificate, h * 0.9);
     }
 
-    // Notes, legend, scale bar and north arrow.
+    // The notes, then the legend beneath them.
     double ny = stripTop - pad2 - h;
     blockLine(certRight + pad2, ny, "NOTES", layer::Notes, h, true);
-    for (const std::string& note : input.notes)
-      for (const std::string& line : wrapped(note, notesRight - certRight - 2 * pad2 - 0.6, h * 0.85))
-        blockLine(certRight + pad2, ny, line, layer::Notes, h * 0.85);
+    {
+      const double legendHeight = h * 1.7 * 4 + h * 0.4;
+      const auto [lines, height] = fitted(input.notes, notesRight - certRight - 2 * pad2, h * 0.85, boxHeight - h * 1.7 - legendHeight);
+      for (const std::string& line : lines) blockLine(certRight + pad2, ny, line, layer::Notes, height);
+    }
     ny -= h * 0.4;
     blockLine(certRight + pad2, ny, "LEGEND", layer::Legend, h, true);
     for (const auto& [kind, words] : {std::pair{Monument::Found, "Monument found"}, {Monument::Set, "Monument set"},
@@ -448,16 +512,28 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
       L.sheet.marks.push_back({{certRight + pad2 + h * 0.6, ny + h * 0.5}, kind, h * 1.1, layer::Legend});
       blockLine(certRight + pad2 + h * 2, ny, words, layer::Legend, h * 0.85);
     }
-    // The scale bar: four blocks of a round length, alternately filled.
+
+    // The title block: the title, what it shows, the firm and date, then at
+    // its foot the scale bar and the stated scale, the north arrow beside.
+    double ty = stripTop - pad2 - h * 1.4;
+    const double titleLeft = notesRight + pad2, titleWidth = sheet.width - margin - notesRight - 2 * pad2;
+    for (const std::string& line : wrapped(input.title, titleWidth, h * 1.4)) blockLine(titleLeft, ty, line, layer::Title, h * 1.4, true);
+    for (const std::string& sub : input.subtitle)
+      for (const std::string& line : wrapped(sub, titleWidth, h)) blockLine(titleLeft, ty, line, layer::Title, h);
+    ty -= h * 0.5;
+    if (!input.firm.empty()) blockLine(titleLeft, ty, input.firm, layer::Title, h);
+    if (!input.date.empty()) blockLine(titleLeft, ty, "Date: " + input.date, layer::Title, h * 0.9);
+    // Four blocks of a round length, alternately filled.
+    const double barRoom = titleWidth - 0.6;
     const double barUnit = [&] {
-      const double target = (notesRight - certRight - 2 * pad2 - 0.6) * scale / 4;
+      const double target = barRoom * 0.8 * scale / 4;
       double best = 1;
       for (double p = 1; p <= 1e6; p *= 10)
         for (double m : {1.0, 2.0, 5.0})
           if (m * p <= target) best = m * p;
       return best;
     }();
-    const double bx = certRight + pad2, by = margin + pad2 + h * 1.8, bw = barUnit / scale, bh = h * 0.7;
+    const double bx = titleLeft, by = margin + pad2 + h * 1.8, bw = barUnit / scale, bh = h * 0.7;
     for (int k = 0; k < 4; ++k) {
       SheetLine block;
       block.points = {{bx + k * bw, by}, {bx + (k + 1) * bw, by}, {bx + (k + 1) * bw, by + bh}, {bx + k * bw, by + bh}, {bx + k * bw, by}};
@@ -472,13 +548,10 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
       const double x = k == 0 ? bx : bx + k * bw - textWidth(number, h * 0.8) / 2;
       L.sheet.texts.push_back(L.text({x, by + bh + h * 0.5}, number + (k == 4 ? unitWord : ""), h * 0.8, layer::Scale));
     }
+    L.sheet.texts.push_back(L.text({bx, by - h * 1.6}, "SCALE: 1\" = " + Format(scale, "0") + (input.unit == "m" ? " m" : "'"), h * 0.85, layer::Scale));
     {
-      const std::string stated = "SCALE: 1\" = " + Format(scale, "0") + (input.unit == "m" ? " m" : "'");
-      L.sheet.texts.push_back(L.text({bx, by - h * 1.6}, stated, h * 0.85, layer::Scale));
-    }
-    // The north arrow: grid north up the sheet.
-    {
-      const double ax = notesRight - pad2 - 0.25, ay = margin + pad2 + h * 1.5, len = std::min(0.9, strip * 0.45);
+      // Grid north up the sheet, at the block's right.
+      const double ax = sheet.width - margin - pad2 - 0.15, ay = margin + pad2, len = std::min(0.8, strip * 0.4);
       SheetLine shaft;
       shaft.points = {{ax, ay}, {ax, ay + len}};
       shaft.layer = layer::North;
@@ -490,17 +563,6 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
       L.addLine(head);
       L.sheet.texts.push_back(L.centred({ax, ay + len + h * 1.2}, "N", h * 1.2, layer::North, true));
     }
-
-    // The title block.
-    double ty = stripTop - pad2 - h * 1.4;
-    const double titleWidth = sheet.width - margin - notesRight - 2 * pad2;
-    for (const std::string& line : wrapped(input.title, titleWidth, h * 1.4)) blockLine(notesRight + pad2, ty, line, layer::Title, h * 1.4, true);
-    for (const std::string& sub : input.subtitle)
-      for (const std::string& line : wrapped(sub, titleWidth, h)) blockLine(notesRight + pad2, ty, line, layer::Title, h);
-    ty -= h * 0.5;
-    if (!input.firm.empty()) blockLine(notesRight + pad2, ty, input.firm, layer::Title, h);
-    if (!input.date.empty()) blockLine(notesRight + pad2, ty, "Date: " + input.date, layer::Title, h * 0.9);
-    blockLine(notesRight + pad2, ty, "Scale: 1\" = " + Format(scale, "0") + (input.unit == "m" ? " m" : "'"), layer::Title, h * 0.9);
     return std::move(L.sheet);
   }
   return std::move(L.sheet);

@@ -77,6 +77,9 @@ struct Sheet {
   std::vector<SheetLine> lines;
   std::vector<SheetMark> marks;
   std::vector<SheetText> texts;
+  // Labels that found no clear room on the sheet and are left out, said
+  // for the user ("NE 1/4 NW 1/4: its name").
+  std::vector<std::string> unplaced;
 };
 
 // A text's width on the sheet at `height`: what the one painter fits it to.
@@ -89,9 +92,10 @@ struct PlatCorner {
   Monument kind = Monument::Computed;
 };
 struct PlatParcel {
-  std::string name;
-  std::vector<std::string> areaLines;  // "40.00 Ac.", "1,742,400 Sq. Ft."
+  std::string name;                    // "NE 1/4 NW 1/4": where it is too wide, broken after its first "1/4"
+  std::vector<std::string> areaLines;  // "40.00 AC.", "(40.01 AC. GROUND)"
   std::vector<Course> courses;
+  std::string under{};                 // a line under the name: "SEC. 14" on a plat of many sections
 };
 struct PlatInput {
   std::string title;                   // "PLAT OF SECTION 14"

@@ -79,6 +79,9 @@ case $what in
     xmllint --noout --schema "$schema" "$out/regular/Section14.xml" "$out/irregular/irregular.xml" "$out/vcurve/profile.xml" \
       "$out/township/Township.xml" "$out/restored/Township.xml" "$out/traverse/traverse.xml"
     expect "traverse courses in the LandXML" 8 "$(grep -c '<Line name=' "$out/traverse/traverse.xml")"
+    # The aliquot parts as Parcels: sixteen in a section, sixty-four in four sections.
+    expect "parcels in the section LandXML" 16 "$(grep -c '<Parcel ' "$out/regular/Section14.xml")"
+    expect "parcels in the township LandXML" 64 "$(grep -c '<Parcel ' "$out/township/Township.xml")"
     grep -q '<Property label="status" value="restored"' "$out/restored/Township.xml" ||
       { echo "FAIL: the restored corner's status is not in the LandXML"; exit 1; }
     for property in 'label="evidence" value="COR 00"' 'label="pointNumber" value="2007"' \
