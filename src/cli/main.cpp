@@ -198,6 +198,10 @@ int run(int argc, char** argv) {
   projectNewCmd->add_option("--foot", projectFoot, "On a system in metres: the coordinates' foot, us or international")
       ->check(CLI::IsMember({"us", "international"}));
   projectNewCmd->add_option("--unit", projectUnit, "Local coordinates' unit, ft or m (ft)")->check(CLI::IsMember({"ft", "m"}));
+  tervalo::ProjectSettings projectPeople;
+  projectNewCmd->add_option("--surveyor", projectPeople.surveyor, "The surveyor who signs the project's plats");
+  projectNewCmd->add_option("--license", projectPeople.license, "The surveyor's license number, for the plat's certificate");
+  projectNewCmd->add_option("--firm", projectPeople.firm, "The firm, for the plat's title block");
   auto* projectImportCmd = projectCmd->add_subcommand("import", "Import the points of a file into the project");
   projectImportCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
   projectImportCmd->add_option("file", projectOther,
@@ -253,7 +257,7 @@ int run(int argc, char** argv) {
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
   if (cogoCmd->parsed()) return tervalo::cogoCommand(cogoProject, cogoFile, cogoJson, cogoSeconds, std::cout, std::cerr);
   if (projectNewCmd->parsed()) {
-    tervalo::ProjectSettings settings;
+    tervalo::ProjectSettings settings = projectPeople;
     settings.unit = projectUnit;
     if (!crsOfOptions(projectEpsg, projectFoot, settings.crs)) return kUsage;
     return tervalo::projectNew(projectFile, settings, std::cout, std::cerr);

@@ -50,7 +50,7 @@ int platCommand(const std::string& file, const PlatCommandOptions& plat, const R
   if (!run) return status;
   for (const auto& s : run->stopped) err << "tervalo-cli: " << s << "\n";
   if (run->sections.empty()) return run->exitCode ? run->exitCode : kExitEnded;
-  PlatPeople people;
+  PlatPeople people = run->people;
   people.date = options.today ? formatShortDate(*options.today) : "";
   try {
     const Sheet sheet = drawPlat(sectionsPlat(*run, people), PlatOptions{*size, plat.scale});

@@ -540,7 +540,10 @@ class GpkgProject : public ProjectFile {
     const std::pair<std::string, std::string> rows[] = {{"schema", std::to_string(kProjectSchema)},
                                                         {"unit", settings.unit},
                                                         {"epsg", settings.crs.none() ? "" : std::to_string(settings.crs.epsg)},
-                                                        {"foot", settings.crs.foot}};
+                                                        {"foot", settings.crs.foot},
+                                                        {"surveyor", settings.surveyor},
+                                                        {"license", settings.license},
+                                                        {"firm", settings.firm}};
     for (const auto& [key, value] : rows) {
       OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(about));
       OGR_F_SetFieldString(f, 0, key.c_str());
@@ -575,6 +578,9 @@ class GpkgProject : public ProjectFile {
     settings_.unit = values["unit"] == "m" ? "m" : "ft";
     settings_.crs.epsg = std::atoi(values["epsg"].c_str());
     settings_.crs.foot = values["foot"];
+    settings_.surveyor = values["surveyor"];
+    settings_.license = values["license"];
+    settings_.firm = values["firm"];
     return schema;
   }
 

@@ -35,6 +35,8 @@ struct ProjectPoint {
 struct ProjectSettings {
   std::string unit = "ft";  // "ft" or "m": the unit of the coordinates
   CrsChoice crs{};          // none: local coordinates in the unit, placed nowhere on the earth
+  // Who signs the project's plats: the surveyor, the license, the firm; empty where not given.
+  std::string surveyor{}, license{}, firm{};
 };
 
 enum class OnDuplicate { Skip, Replace, Renumber };

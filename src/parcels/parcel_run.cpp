@@ -11,6 +11,7 @@
 #include "app/program.h"
 #include "cogo/cogo.h"
 #include "crs/ground.h"
+#include "project/project_session.h"
 #include "parcels/legal.h"
 #include "secsub/frm_sec_sub.h"
 #include "text/format.h"
@@ -30,7 +31,9 @@ bool isPlan(const std::string& file) {
   return j.is_object() && j.contains("sections");
 }
 
-PlattedSection platted(const SectionRecord& record, const std::array<bool, slot::count>& computed, const CrsChoice& crs) {
+}  // namespace
+
+PlattedSection plattedSection(const SectionRecord& record, const std::array<bool, slot::count>& computed, const CrsChoice& crs) {
   PlattedSection s{record, computed, {}, {}, basisOfBearings(record, crs)};
   std::optional<double> factor;
   const CornerSlot& nw = record.slots[slot::NW];
@@ -41,8 +44,6 @@ PlattedSection platted(const SectionRecord& record, const std::array<bool, slot:
   for (const AliquotPart& p : s.parts.parts) s.descriptions.push_back(aliquotDescription(p, record));
   return s;
 }
-
-}  // namespace
 
 std::string basisOfBearings(const SectionRecord& r, const CrsChoice& crs) {
   const CornerSlot& a = r.slots[slot::NW];
@@ -67,7 +68,7 @@ ParcelRun runForParcels(const std::string& file, const RunOptions& given, const 
     for (const SectionRecord& r : outcome.records) {
       std::array<bool, slot::count> computed{};
       for (int s : slot::others) computed[static_cast<std::size_t>(s)] = true;
-      out.sections.push_back(platted(r, computed, plan.crs));
+      out.sections.push_back(plattedSection(r, computed, plan.crs));
     }
     return out;
   }
@@ -76,9 +77,13 @@ ParcelRun runForParcels(const std::string& file, const RunOptions& given, const 
   std::optional<PlattedSection> taken;
   CrsChoice crs;
   RunOptions options = given;
-  options.inspect = [&taken, &crs](Program& program) {
+  options.inspect = [&taken, &crs, &out](Program& program) {
     auto& form = program.form<frmSecSub>("frmSecSub");
     crs = program.crs;
+    if (program.project) {
+      const ProjectSettings& s = program.project->file().settings();
+      out.people.surveyor = s.surveyor, out.people.license = s.license, out.people.firm = s.firm;
+    }
     if (form.hasRun) taken = PlattedSection{form.record, form.computed, {}, {}, {}};
   };
   const RunOutcome run = runJob(job, options, registry);
@@ -91,7 +96,7 @@ ParcelRun runForParcels(const std::string& file, const RunOptions& given, const 
     if (out.exitCode == 0) out.exitCode = kExitEnded;
     return out;
   }
-  out.sections.push_back(platted(taken->record, taken->computed, crs));
+  out.sections.push_back(plattedSection(taken->record, taken->computed, crs));
   return out;
 }
 

@@ -27,12 +27,22 @@ struct PlattedSection {
   std::string basis;                      // the basis of bearings
 };
 
+// The people and words of a plat: the surveyor, license, firm, date, certificate.
+struct PlatPeople {
+  std::string surveyor, license, firm, date;
+  std::vector<std::string> certificate;
+};
+
 struct ParcelRun {
   std::vector<PlattedSection> sections;
   CrsChoice crs;
   int exitCode = 0;                  // the run's: 0, or the runner's or township's status
   std::vector<std::string> stopped;  // sections that did not run, and why
+  PlatPeople people;                 // from the job's project, where it names one
 };
+
+// A section as its run left it, with its parts and their descriptions.
+PlattedSection plattedSection(const SectionRecord& record, const std::array<bool, slot::count>& computed, const CrsChoice& crs);
 
 // Runs the file: a township plan where it has "sections", else a section
 // job. JobError or PlanError when it cannot be played; CrsError when the
@@ -45,11 +55,6 @@ nlohmann::ordered_json parcelsJson(const ParcelRun& run);
 // descriptions, and the check of the parts against the whole.
 std::vector<std::string> parcelsReport(const ParcelRun& run);
 
-// The people and words of a plat: the surveyor, license, firm, date, certificate.
-struct PlatPeople {
-  std::string surveyor, license, firm, date;
-  std::vector<std::string> certificate;
-};
 // The certificate a plat carries where the project gives none.
 std::vector<std::string> standardCertificate();
 

@@ -80,6 +80,7 @@ frmSecSub::frmSecSub(Program& program) : FormModel(program, "frmSecSub", "Sectio
   add("btnSaveDrawing", btnSaveDrawing).click([this] { btnSaveDrawing_Click(); });
   add("btnExport", btnExport).click([this] { btnExport_Click(); });
   add("btnStore", btnStore).click([this] { btnStore_Click(); });
+  add("btnPlat", btnPlat).click([this] { btnPlat_Click(); });
   add("lblCrs", lblCrs);
   add("btnCrs", btnCrs).click([this] {
     shell().showModal(this->program().form("frmCrs"));
@@ -247,7 +248,7 @@ void frmSecSub::btnClear_Click() {
   writtenFiles.clear();
   showNotices({});
   hasRun = false;
-  btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = false;
+  btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = btnPlat.enabled = false;
   report.clear();
 }
 

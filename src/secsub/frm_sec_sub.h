@@ -83,6 +83,7 @@ class frmSecSub : public FormModel {
   Button btnExport{"Export...", true, false};            // once there are corners to export
   Button btnPrint{"Print Report...", true, false};       // the report, then the drawing on its own page
   Button btnStore{"Store in Project", true, false};      // the corners into the open project, after a run
+  Button btnPlat{"Plat...", true, false};                // the plat sheet of the aliquot parts, after a run
   Button btnRestoreCorner{"Restore Corner..."};  // the slot the cursor was last in, as a lost corner
   // The coordinate system of the coordinates, for the exports and the report's later pages.
   Label lblCrs{"Coordinate system: local coordinates"};
@@ -131,6 +132,7 @@ class frmSecSub : public FormModel {
   // or DXF, as the chosen name's ending says.
   void btnExport_Click();
   void btnStore_Click();
+  void btnPlat_Click();
   void Main();
 
   // The last run's corners and lines for the exports: each corner's status

@@ -16,6 +16,9 @@
 #include "app/shell.h"
 #include "export/export_file.h"
 #include "export/map_export.h"
+#include "parcels/parcel_run.h"
+#include "parcels/plat_file.h"
+#include "text/date.h"
 #include "restore/frm_restore.h"
 #include "secsub/corners.h"
 #include "secsub_out/drawing.h"
@@ -160,6 +163,45 @@ void frmSecSub::btnStore_Click() {
   const std::string title = drawingTitle();
   const std::string said = storeFromTool(*program().project, shell(), mapPoints(runMap(), title, &program().project->file()), title, "Store " + title);
   if (!said.empty()) shell().msgBox("Store in Project", said, Icon::Information);
+}
+
+void frmSecSub::btnPlat_Click() {
+  if (!hasRun) return;
+  const char* title = "Plat of the Section";
+  const auto chosen = shell().chooseFile(FileDialog::Save, title, program().userAppData + "Section" + CStr(record.section) + "-plat.pdf",
+                                         {"PDF document (*.pdf)", "SVG drawing (*.svg)", "DXF drawing (*.dxf)"});
+  if (!chosen || chosen->empty()) return;
+  try {
+    ParcelRun run;
+    run.sections.push_back(plattedSection(record, computed, program().crs));
+    PlatPeople people;
+    if (program().project) {
+      const ProjectSettings& s = program().project->file().settings();
+      people = PlatPeople{s.surveyor, s.license, s.firm, "", {}};
+    }
+    people.date = formatShortDate(shell().today());
+    // The smallest sheet that holds the plat with its labels clear.
+    std::optional<Sheet> sheet;
+    std::string why;
+    for (SheetSize size : {SheetSize::Letter, SheetSize::Tabloid, SheetSize::ArchD}) {
+      try {
+        sheet = drawPlat(sectionsPlat(run, people), PlatOptions{size, 0});
+        break;
+      } catch (const DeedError& e) {
+        why = e.what();
+      }
+    }
+    if (!sheet) {
+      shell().msgBox(title, "The plat cannot be drawn: " + why + ".", Icon::Exclamation);
+      return;
+    }
+    writeSheetFile(*sheet, *chosen);
+    sayWritten(std::filesystem::path(*chosen));
+  } catch (const CrsError& e) {
+    shell().msgBox(title, e.what(), Icon::Exclamation);
+  } catch (const RunTimeError& e) {
+    shell().msgBox(title, e.what(), Icon::Exclamation);
+  }
 }
 
 void frmSecSub::btnExport_Click() {

@@ -224,7 +224,7 @@ void frmSecSub::Main() {
                                         CStr(record.range < 0 ? -record.range : record.range) + record.direction);
   report = lines;
   hasRun = true;
-  btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = true;
+  btnSaveDrawing.enabled = btnExport.enabled = btnPrint.enabled = btnPlat.enabled = true;
   runNaming = naming;
   notices = std::move(said);
   // Nothing this run replaced is lost: say where the earlier files went.

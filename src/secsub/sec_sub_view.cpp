@@ -83,6 +83,7 @@ class SecSubView : public FormDialog {
     files->addWidget(button("btnExport"));
     files->addWidget(button("btnPrint"));
     files->addWidget(button("btnStore"));
+    files->addWidget(button("btnPlat"));
     side->addLayout(files);
     auto* buttons = new QHBoxLayout;
     QPushButton* go = button("btnContinue");

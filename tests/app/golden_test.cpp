@@ -105,7 +105,7 @@ TEST(SecsubJob, ResultCarriesTheWholeSectionForm) {
   const RunOutcome outcome =
       runJob(parseJob(jobText("secsub-regular-14"), allForms()), RunOptions{dir.folder(), Date{2026, 11, 21}}, allForms());
   const auto& controls = outcome.result["forms"]["frmSecSub"]["controls"];
-  EXPECT_EQ(controls.size(), 23u + 125u + 16u + 16u);  // with the notice, drawing, record, export, print, store, restore, system, later pages and inputs controls
+  EXPECT_EQ(controls.size(), 23u + 125u + 16u + 17u);  // with the notice, drawing, record, export, print, store, plat, restore, system, later pages and inputs controls
   EXPECT_EQ(controls["txt12xc"]["text"], "514967.4257");
   EXPECT_EQ(controls["txt1pn"]["text"], "2001");
   // Why each of the 25 positions is where it is.
