@@ -8,6 +8,7 @@
 #include "app/program.h"
 #include "app/shell.h"
 #include "cogo/frm_cogo.h"
+#include "parcels/frm_mapcheck.h"
 #include "crs/frm_crs.h"
 #include "grading/frm_grade.h"
 #include "hcurve/frm_horz_curve.h"
@@ -52,6 +53,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmTownship", [](Program& p) { return std::make_unique<frmTownship>(p); });
   registry.addForm("frmRestore", [](Program& p) { return std::make_unique<frmRestore>(p); });
   registry.addForm("frmCogo", [](Program& p) { return std::make_unique<frmCogo>(p); });
+  registry.addForm("frmMapcheck", [](Program& p) { return std::make_unique<frmMapcheck>(p); });
   registry.addForm("frmPoints", [](Program& p) { return std::make_unique<frmPoints>(p); });
   registry.addForm("frmCrs", [](Program& p) { return std::make_unique<frmCrs>(p); });
   registry.addForm("frmTraverse", [](Program& p) { return std::make_unique<frmTraverse>(p); });

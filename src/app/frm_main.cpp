@@ -89,6 +89,10 @@ frmMain::frmMain(Program& program)
     if (this->program().project && this->program().registry().hasForm("frmCogo")) shell().showModal(this->program().form("frmCogo"));
     showProject();
   });
+  add("mnuProjectMapcheck", mnuProjectMapcheck).click([this] {
+    if (this->program().registry().hasForm("frmMapcheck")) shell().showModal(this->program().form("frmMapcheck"));
+    showProject();
+  });
   add("mnuProjectClose", mnuProjectClose).click([this] { closeProject(); });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);

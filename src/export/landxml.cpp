@@ -214,6 +214,8 @@ std::vector<LandXmlParcel> landXmlParcels(const std::string& document) {
     p.name = x.node().attribute("name").value();
     p.description = x.node().attribute("desc").value();
     p.area = x.node().attribute("area").as_double();
+    p.closure = x.node().attribute("distClosure").as_double();
+    if (const auto dir = x.node().attribute("dirClosure")) p.closureAzimuth = dir.as_double();
     for (pugi::xml_node c : x.node().child("CoordGeom").children()) {
       const std::string kind = c.name();
       if (kind != "Line" && kind != "Curve") continue;

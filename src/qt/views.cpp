@@ -25,6 +25,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmTraverse", makeTraverseView);
   shell.addView("frmPoints", makePointsView);
   shell.addView("frmCogo", makeCogoView);
+  shell.addView("frmMapcheck", makeMapcheckView);
 }
 
 }  // namespace tervalo
