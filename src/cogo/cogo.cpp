@@ -291,8 +291,10 @@ Json CogoEngine::dispatch(const std::vector<std::string>& words) {
                {"area", c.area},
                {"acres", acres(c.area)}};
       answer_ = m.said;
-      answer_.push_back("  Misclosure " + length(c.distance) + (c.azimuth ? " " + bearingWords(*c.azimuth, places) : "") + "  (latitude " +
-                        length(c.latitude) + ", departure " + length(c.departure) + ")");
+      // A misclosure within the shown places is 0, never "-0.0000".
+      const auto shown = [](double v) { return length(std::fabs(v) < 5e-5 ? 0.0 : v); };
+      answer_.push_back("  Misclosure " + shown(c.distance) + (c.azimuth ? " " + bearingWords(*c.azimuth, places) : "") + "  (latitude " +
+                        shown(c.latitude) + ", departure " + shown(c.departure) + ")");
       answer_.push_back("  Precision " + (c.precision ? "1:" + grouped(*c.precision) : std::string("exact")) + "  perimeter " +
                         length(c.perimeter) + "  area " + Format(c.area, "0.00") + " sq " + unit + ", " + Format(acres(c.area), "0.0000") +
                         " acres");

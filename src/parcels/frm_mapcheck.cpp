@@ -336,13 +336,17 @@ void frmMapcheck::btnCheck_Click() {
   lstReport.items.push_back("  Precision " + precision + "  perimeter " + length(c.perimeter) + "  area " + grouped(std::llround(c.area)) +
                             " sq " + unit + ", " + Format(c.area / perAcre, "0.0000") + " acres");
   MetesWords words;
-  words.commencing = trim(txtCommence.text).empty() ? "the point of beginning" : trim(txtCommence.text);
+  const Course& first = courses_.front();
+  const std::string startPoint = upper(trim(txtStartPoint.text));
+  words.commencing = !trim(txtCommence.text).empty() ? trim(txtCommence.text)
+                     : !startPoint.empty()           ? "point " + startPoint
+                                                     : "a point at N " + length(first.fromN) + ", E " + length(first.fromE);
   words.tie = tie_;
   words.unit = unit;
   words.basis = trim(txtBasis.text);
   description_ = metesAndBounds(courses_, c.area, words);
   lstReport.items.emplace_back("");
-  for (const std::string& l : wrappedLines(description_, 96)) lstReport.items.push_back(l);
+  for (const std::string& l : wrappedLines(description_, 78)) lstReport.items.push_back(l);
   lblResult.caption = "Misclosure " + Format(c.distance, "0.000") + " " + unit + ", precision " + precision + ", area " +
                       Format(c.area / perAcre, "0.0000") + " acres.";
   btnExport.enabled = btnPlat.enabled = btnSaveReport.enabled = true;

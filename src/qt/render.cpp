@@ -20,6 +20,7 @@
 #include "grading/frm_grade.h"
 #include "points/readers.h"
 #include "cogo/frm_cogo.h"
+#include "parcels/frm_mapcheck.h"
 #include "project/frm_points.h"
 #include "project/point_import.h"
 #include "project/project_session.h"
@@ -180,7 +181,7 @@ bool saveView(Program& program, QtShell& shell, QWidget& main, const QString& di
 }
 
 // A project made from the example files, open for every tool: the source file's points and the adjusted traverse.
-void openExampleProject(Program& program, const QString& dir) {
+void openExampleProject(Program& program, QtShell& shell, const QString& dir) {
   const std::filesystem::path file = QDir(dir).filePath("section14.gpkg").toStdString();
   std::filesystem::remove(file);
   program.project = std::make_unique<ProjectSession>(createProject(file, ProjectSettings{}));
@@ -198,6 +199,12 @@ void openExampleProject(Program& program, const QString& dir) {
   cogo.setOpen(true);
   for (const char* line : {"INVERSE 1001 1002 1003", "LOCATE 3001 FROM 1001 BEARING N 89-47-00 E DISTANCE 1320.00"}) cogo.runCommand(line);
   cogo.typeText("cmbForm", "Intersect two distances");
+  // A deed of five calls, checked in the Mapcheck window.
+  auto& deed = program.form<frmMapcheck>("frmMapcheck");
+  deed.setOpen(true);
+  shell.setClipboardText("N 26-10 E\t285.10\nS 75-25 E\t610.45\nS 15-30 W\t720.48\nN 1-42 W\t203.00\nN 53-06 W\t647.02\n");
+  deed.click("btnPasteCalls");
+  deed.click("btnCheck");
 }
 
 }  // namespace
@@ -216,7 +223,7 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
   shell.unattended = true;
   fillExamples(program);
   try {
-    openExampleProject(program, dir);
+    openExampleProject(program, shell, dir);
   } catch (const ProjectError& e) {
     std::cerr << "tervalo: the example project cannot be made: " << e.what() << "\n";
     return 2;
@@ -229,6 +236,7 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     const QSize size = name == "frmTownship"                          ? QSize(1240, 720)
                        : name == "frmTraverse" || name == "frmPoints" ? QSize(1300, 720)
                        : name == "frmCogo"                          ? QSize(1240, 700)
+                       : name == "frmMapcheck"                      ? QSize(1300, 700)
                                                                       : QSize();
     failures += saveView(program, shell, main, dir, name, name, size) ? 0 : 1;
   }

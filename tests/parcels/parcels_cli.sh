@@ -24,6 +24,15 @@ assert ne_nw["corners"][0] == "1002", ne_nw["corners"]
 print("ok: 16 parts of", round(section["acres"], 2), "acres")
 PY
 
+# The example deeds: the published closure, and a curve's exact area.
+"$cli" project new "$out/deed.gpkg" >/dev/null
+deeds=$("$cli" cogo "$out/deed.gpkg" examples/deed.cogo)
+for words in "Misclosure 0.8833 S 37°07'36\" E  (latitude -0.7043, departure 0.5332)" "Precision 1:2,792  perimeter 2466.0500" \
+             "Misclosure 0.0000  (latitude 0.0000, departure 0.0000)" "area 55707.96 sq ft, 1.2789 acres"; do
+  grep -qF "$words" <<<"$deeds" || fail "the example deeds do not say \"$words\""
+done
+echo "ok: the example deeds"
+
 # The plat on each sheet, each format read back.
 "$cli" plat examples/secsub.job.json --out "$out/plat.pdf" --data-dir "$out/" --today 2026-11-25 >/dev/null
 text=$(pdftotext -layout "$out/plat.pdf" -)
