@@ -464,10 +464,11 @@ void frmMapcheck::plat() {
   PlatInput input;
   input.title = "PLAT OF " + upper(txtName.text);
   input.unit = unit;
+  input.courseBearings = true;
   const double perAcre = squareUnitsPerAcre(unit);
   input.parcels.push_back({upper(txtName.text), {Format(closure_.area / perAcre, "0.00") + " AC."}, courses_});
   for (const Course& c : courses_) input.corners.push_back({c.fromN, c.fromE, "", Monument::Computed});
-  input.notes = {trim(txtBasis.text), "Misclosure " + Format(closure_.distance, "0.00") + (unit == "m" ? " m" : " ft") + ", precision " +
+  input.notes = {description_, "Misclosure " + Format(closure_.distance, "0.00") + (unit == "m" ? " m" : " ft") + ", precision " +
                                           (closure_.precision ? "1:" + grouped(*closure_.precision) : std::string("exact")) + "."};
   if (program().project) {
     const ProjectSettings& s = program().project->file().settings();

@@ -175,7 +175,7 @@ std::vector<std::string> parcelsReport(const ParcelRun& run) {
     const bool ground = s.parts.combinedFactor.has_value();
     lines.push_back(sectionWords(s.record));
     lines.push_back(std::string(std::min<std::size_t>(79, lines.back().size()), '='));
-    lines.push_back(std::string("  Part             Corners                         Acres") + (ground ? "   Ground acres" : ""));
+    lines.push_back(std::string("  Part             Corners                         Acres     Square feet") + (ground ? "   Ground acres" : ""));
     for (const AliquotPart& p : s.parts.parts) {
       std::string corners;
       for (const auto& c : p.corners) corners += (corners.empty() ? "" : "-") + c;
@@ -185,6 +185,8 @@ std::vector<std::string> parcelsReport(const ParcelRun& run) {
       line.resize(std::max<std::size_t>(line.size() + 1, 46), ' ');
       const std::string acres = Format(p.acres, "0.00");
       line += std::string(10 - std::min<std::size_t>(10, acres.size()), ' ') + acres;
+      const std::string feet = grouped(std::llround(p.area));
+      line += std::string(16 - std::min<std::size_t>(16, feet.size()), ' ') + feet;
       if (p.groundAcres) {
         const std::string g = Format(*p.groundAcres, "0.00");
         line += std::string(15 - std::min<std::size_t>(15, g.size()), ' ') + g;

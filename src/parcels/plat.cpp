@@ -316,7 +316,8 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
         const double length = std::hypot(b.x - a.x, b.y - a.y);
         // A line's bearing as a plat states it, toward the north (a due east or west line toward the east).
         const double az = e.course.azimuth;
-        const std::string bearing = bearingWords(az > 90 + 1e-9 && az <= 270 + 1e-9 ? std::fmod(az + 180, 360) : az, 0);
+        const bool turned = !input.courseBearings && az > 90 + 1e-9 && az <= 270 + 1e-9;
+        const std::string bearing = bearingWords(turned ? std::fmod(az + 180, 360) : az, 0);
         const std::string distance = lengthText(e.course.length, input.unit);
         for (double t : {0.5, 0.4, 0.6, 0.3, 0.7, 0.22, 0.78}) {
           const P mid = a + (b - a) * t;

@@ -106,6 +106,9 @@ struct PlatInput {
   std::vector<std::string> notes;      // the basis of bearings, grid or ground, the system
   std::string surveyor, license, firm, date;
   std::vector<std::string> certificate;  // the surveyor's certificate, one paragraph a line
+  // Bearings as the courses run (a deed's calls, as its description reads);
+  // otherwise each line's bearing toward the north, as a section's plat states it.
+  bool courseBearings = false;
 };
 
 struct PlatOptions {

@@ -12,7 +12,7 @@ namespace {
 
 const std::vector<Layer>& plattingLayers() {
   static const std::vector<Layer> layers{{layer::Border, 7},   {layer::Boundary, 7}, {layer::Parcel, 8},     {layer::Monument, 1},
-                                         {layer::Dimension, 3}, {layer::Name, 5},     {layer::Point, 1},      {layer::Table, 3},
+                                         {layer::Dimension, 3}, {layer::Name, 7},     {layer::Point, 1},      {layer::Table, 3},
                                          {layer::North, 7},     {layer::Scale, 7},    {layer::Legend, 7},     {layer::Title, 7},
                                          {layer::Certificate, 7}, {layer::Notes, 7}};
   return layers;

@@ -186,6 +186,12 @@ void QtShell::playPending(FormModel& form) {
 
 std::optional<std::string> QtShell::chooseFile(FileDialog kind, const std::string& title, const std::string& initial,
                                                const std::vector<std::string>& filters) {
+  if (unattended) {
+    if (unattendedFiles.empty()) return std::nullopt;
+    const std::string file = unattendedFiles.front();
+    unattendedFiles.pop_front();
+    return file;
+  }
   // Each dialog starts in the folder it was last left in; the name proposed stays.
   QSettings settings;
   const QString folderKey = "dialogs/" + q(title);

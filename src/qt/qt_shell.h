@@ -68,6 +68,8 @@ class QtShell : public Shell {
   // default (OK, Yes) and windows opened without being shown, and no editor
   // is started.
   bool unattended = false;
+  // Unattended, the files the next file dialogs choose, in order (then cancelled).
+  std::deque<std::string> unattendedFiles;
 
  protected:
   // Shows a window modally; returns when it has closed.

@@ -257,6 +257,16 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     }
     std::cout << (drawn ? "rendered " : "could not render ") << drawing.toStdString() << "\n";
     failures += drawn ? 0 : 1;
+    // The section's plat and the Mapcheck window's, as their Plat buttons write them.
+    for (const auto& [form, file] : {std::pair{"frmSecSub", "section-plat.pdf"}, {"frmMapcheck", "mapcheck-plat.pdf"}}) {
+      const std::string path = QDir(dir).filePath(file).toStdString();
+      std::filesystem::remove(path);
+      shell.unattendedFiles.push_back(path);
+      program.form(form).click("btnPlat");
+      const bool platted = std::filesystem::exists(path);
+      std::cout << (platted ? "rendered " : "could not render ") << path << "\n";
+      failures += platted ? 0 : 1;
+    }
     // Section 7 with its "S 1/4 mile on W line" left empty: the notice and the ringed corner.
     form.click("btnClear");
     typeExampleSection(program, "7");
