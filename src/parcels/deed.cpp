@@ -22,18 +22,9 @@ struct Xy {
   double n = 0, e = 0;
 };
 
-// A course as a polyline: a line's two ends, an arc in short chords.
 std::vector<Xy> traced(const Course& c) {
-  if (!c.curve) return {{c.fromN, c.fromE}, {c.toN, c.toE}};
-  const int steps = 24;
-  const double start = std::atan2(c.fromE - c.centerE, c.fromN - c.centerN);
-  const double turn = (c.right ? 1 : -1) * c.delta * kRadian;
   std::vector<Xy> out;
-  for (int i = 0; i <= steps; ++i) {
-    const double a = start + turn * i / steps;
-    out.push_back({c.centerN + c.radius * std::cos(a), c.centerE + c.radius * std::sin(a)});
-  }
-  out.back() = {c.toN, c.toE};
+  for (const CoursePoint& p : tracedCourse(c)) out.push_back({p.n, p.e});
   return out;
 }
 
@@ -45,6 +36,19 @@ bool segmentsMeet(Xy a, Xy b, Xy c, Xy d) {
 }
 
 }  // namespace
+
+std::vector<CoursePoint> tracedCourse(const Course& c, int steps) {
+  if (!c.curve) return {{c.fromN, c.fromE}, {c.toN, c.toE}};
+  const double start = std::atan2(c.fromE - c.centerE, c.fromN - c.centerN);
+  const double turn = (c.right ? 1 : -1) * c.delta * kRadian;
+  std::vector<CoursePoint> out;
+  for (int i = 0; i <= steps; ++i) {
+    const double a = start + turn * i / steps;
+    out.push_back({c.centerN + c.radius * std::cos(a), c.centerE + c.radius * std::sin(a)});
+  }
+  out.back() = {c.toN, c.toE};
+  return out;
+}
 
 Course follow(const DeedCall& call, double n, double e, std::optional<double> before) {
   Course c;

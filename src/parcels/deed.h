@@ -50,6 +50,13 @@ struct Course {
 // diameter, a first curve with no bearing of its own).
 Course follow(const DeedCall& call, double n, double e, std::optional<double> before);
 
+// A course as points along it, northing and easting: a line's two ends, an
+// arc in `steps` equal chords, its last point the course's end exactly.
+struct CoursePoint {
+  double n = 0, e = 0;
+};
+std::vector<CoursePoint> tracedCourse(const Course& course, int steps = 24);
+
 // A figure's closure: the misclosure from the last course's end back to the
 // start, its azimuth, the precision as N of 1:N (none when it closes to
 // within a millionth of the unit), the perimeter along the arcs and the

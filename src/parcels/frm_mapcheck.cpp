@@ -363,13 +363,7 @@ Picture frmMapcheck::sketch() const {
   for (const Course& c : courses_) {
     PictureLine l;
     l.heavy = true;
-    if (c.curve) {
-      const double start = std::atan2(c.fromE - c.centerE, c.fromN - c.centerN), turn = (c.right ? 1 : -1) * c.delta * std::numbers::pi / 180;
-      for (int i = 0; i <= 32; ++i)
-        l.points.push_back({c.centerE + c.radius * std::sin(start + turn * i / 32), c.centerN + c.radius * std::cos(start + turn * i / 32)});
-    } else {
-      l.points = {{c.fromE, c.fromN}, {c.toE, c.toN}};
-    }
+    for (const CoursePoint& q : tracedCourse(c, 32)) l.points.push_back({q.e, q.n});
     p.lines.push_back(l);
     p.marks.push_back(markAt({c.fromE, c.fromN}));
   }

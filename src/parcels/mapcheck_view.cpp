@@ -2,7 +2,6 @@
 
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -48,25 +47,15 @@ class MapcheckView : public FormDialog {
     left->addLayout(row({{"lblBasis", "txtBasis"}}, 0));
 
     QLabel* calls = label("lblCalls");
-    table_ = new QTableWidget(this);
-    table_->setObjectName("tblCalls");
-    table_->setAccessibleName("Deed calls");
-    calls->setBuddy(table_);
-    table_->setColumnCount(static_cast<int>(frmMapcheck::kColumns.size()));
     QStringList headers;
     for (const char* column : frmMapcheck::kColumns) headers << column;
-    table_->setHorizontalHeaderLabels(headers);
-    table_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table_ = cellTable(
+        "tblCalls", "Deed calls", headers, [this](int r, int c, const std::string& text) { form().setCell(r, c, text); },
+        [this](int r) { form().currentRow = r; }, &filling_);
+    calls->setBuddy(table_);
     table_->setMinimumHeight(170);
     table_->setToolTip("A line: its bearing (N 45-30-15 E) and distance. A curve: its turn (L or R), radius and one of arc, chord or "
                        "delta, and a chord or radial bearing where it is not tangent to the call before it.");
-    connect(table_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
-      if (filling_) return;
-      binder_->run([this, item] { form().setCell(item->row(), item->column(), item->text().trimmed().toStdString()); });
-    });
-    connect(table_, &QTableWidget::currentCellChanged, this, [this](int r) {
-      if (!filling_) form().currentRow = r;
-    });
     left->addWidget(calls);
     left->addWidget(table_, 1);
     auto* edit = new QHBoxLayout;

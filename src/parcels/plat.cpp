@@ -71,17 +71,10 @@ std::array<P, 4> markBox(const SheetMark& m) {
   return {P{m.at.x - r, m.at.y - r}, P{m.at.x + r, m.at.y - r}, P{m.at.x + r, m.at.y + r}, P{m.at.x - r, m.at.y + r}};
 }
 
-std::vector<P> tracedCourse(const Course& c) {
-  if (!c.curve) return {{c.fromE, c.fromN}, {c.toE, c.toN}};
-  const int steps = std::max(8, static_cast<int>(c.delta / 2));
-  const double start = std::atan2(c.fromE - c.centerE, c.fromN - c.centerN);
-  const double turn = (c.right ? 1 : -1) * c.delta * kRadian;
+// A course on the ground as x (east) and y (north), an arc in chords of two degrees or less.
+std::vector<P> groundTrace(const Course& c) {
   std::vector<P> out;
-  for (int i = 0; i <= steps; ++i) {
-    const double a = start + turn * i / steps;
-    out.push_back({c.centerE + c.radius * std::sin(a), c.centerN + c.radius * std::cos(a)});
-  }
-  out.back() = {c.toE, c.toN};
+  for (const CoursePoint& q : tracedCourse(c, std::max(8, static_cast<int>(c.delta / 2)))) out.push_back({q.e, q.n});
   return out;
 }
 
@@ -225,7 +218,7 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
   double minE = 1e300, maxE = -1e300, minN = 1e300, maxN = -1e300;
   for (const PlatParcel& p : input.parcels)
     for (const Course& c : p.courses) {
-      for (const P& q : tracedCourse(c)) {
+      for (const P& q : groundTrace(c)) {
         minE = std::min(minE, q.x), maxE = std::max(maxE, q.x), minN = std::min(minN, q.y), maxN = std::max(maxN, q.y);
       }
       const std::string a = key(c.fromN, c.fromE), b = key(c.toN, c.toE);
@@ -287,7 +280,7 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
     std::vector<int> lineOfEdge;
     for (Edge& e : edges) {
       e.paper.clear();
-      for (const P& q : tracedCourse(e.course)) e.paper.push_back(paper(q.x, q.y));
+      for (const P& q : groundTrace(e.course)) e.paper.push_back(paper(q.x, q.y));
       SheetLine l;
       l.points = e.paper;
       l.layer = e.uses > 1 ? layer::Parcel : layer::Boundary;
@@ -406,7 +399,7 @@ Sheet drawPlat(const PlatInput& input, const PlatOptions& options) {
         const P q = paper(c.fromE, c.fromN), r = paper(c.toE, c.toN);
         const double k = q.x * r.y - r.x * q.y;
         twice += k, cx += (q.x + r.x) * k, cy += (q.y + r.y) * k;
-        const std::vector<P> traced = tracedCourse(c);
+        const std::vector<P> traced = groundTrace(c);
         for (std::size_t j = 0; j + 1 < traced.size(); ++j) outline.push_back(paper(traced[j].x, traced[j].y));
       }
       const P middle = std::fabs(twice) > 1e-12 ? P{cx / (3 * twice), cy / (3 * twice)} : outline.front();

@@ -1,5 +1,8 @@
 #include "qt/form_dialog.h"
 
+#include <QHeaderView>
+#include <QTableWidget>
+
 #include "qt/picture_files.h"
 #include "qt/qt_shell.h"
 #include "qt/picture_view.h"
@@ -222,6 +225,25 @@ QListWidget* FormDialog::list(const char* name, bool fixedPitch, QWidget* parent
   if (fixedPitch) l->setFont(fixedPitchFont());
   return l;
 }
+QTableWidget* FormDialog::cellTable(const char* name, const QString& accessible, const QStringList& headers,
+                                    std::function<void(int, int, const std::string&)> setCell, std::function<void(int)> current,
+                                    const bool* filling) {
+  auto* table = new QTableWidget(this);
+  table->setObjectName(name);
+  table->setAccessibleName(accessible);
+  table->setColumnCount(static_cast<int>(headers.size()));
+  table->setHorizontalHeaderLabels(headers);
+  table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+  connect(table, &QTableWidget::itemChanged, this, [this, setCell, filling](QTableWidgetItem* item) {
+    if (*filling) return;
+    binder_->run([item, setCell] { setCell(item->row(), item->column(), item->text().trimmed().toStdString()); });
+  });
+  connect(table, &QTableWidget::currentCellChanged, this, [current, filling](int r) {
+    if (!*filling) current(r);
+  });
+  return table;
+}
+
 QGroupBox* FormDialog::frame(const char* name, QWidget* parent) { return named<QGroupBox>(name, parent, this); }
 
 QHBoxLayout* FormDialog::outputNameRow() {

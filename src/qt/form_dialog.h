@@ -4,6 +4,8 @@
 
 #include <QDialog>
 #include <QString>
+#include <functional>
+#include <string>
 
 #include "qt/binder.h"
 
@@ -15,6 +17,7 @@ class QLayout;
 class QLabel;
 class QLineEdit;
 class QListWidget;
+class QTableWidget;
 class QPushButton;
 class QRadioButton;
 
@@ -43,6 +46,12 @@ class FormDialog : public QDialog {
   QRadioButton* option(const char* name, QWidget* parent = nullptr);
   QComboBox* combo(const char* name, bool editable, QWidget* parent = nullptr);
   QListWidget* list(const char* name, bool fixedPitch, QWidget* parent = nullptr);
+  // A table of typed cells under `headers`: each edit goes to the model by
+  // `setCell` (row, column, the text trimmed) and the current row by
+  // `current`, except while `filling` says the view is filling it.
+  QTableWidget* cellTable(const char* name, const QString& accessible, const QStringList& headers,
+                          std::function<void(int, int, const std::string&)> setCell, std::function<void(int)> current,
+                          const bool* filling);
   QGroupBox* frame(const char* name, QWidget* parent = nullptr);
   // The window's picture, saved from its context menu through the shell's file dialog.
   PictureView* picture(const char* name);

@@ -62,25 +62,15 @@ class TraverseView : public FormDialog {
     left->addLayout(back);
 
     QLabel* courses = label("lblCourses");
-    table_ = new QTableWidget(this);
-    table_->setObjectName("tblCourses");
-    table_->setAccessibleName("Courses");
-    courses->setBuddy(table_);
-    table_->setColumnCount(static_cast<int>(frmTraverse::kColumns.size()));
     QStringList headers;
     for (const char* column : frmTraverse::kColumns) headers << column;
-    table_->setHorizontalHeaderLabels(headers);
-    table_->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table_ = cellTable(
+        "tblCourses", "Courses", headers, [this](int r, int c, const std::string& text) { form().setCell(r, c, text); },
+        [this](int r) { form().currentRow = r; }, &filling_);
+    courses->setBuddy(table_);
     table_->setMinimumHeight(180);
     table_->setToolTip("Angles as 45-30-15 (degrees, minutes, seconds); a bearing as S 10-20-00 W; a deflection as 12-30-00 L or R. "
                        "Give a horizontal distance, or a slope distance and its zenith angle.");
-    connect(table_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* item) {
-      if (filling_) return;
-      binder_->run([this, item] { form().setCell(item->row(), item->column(), item->text().trimmed().toStdString()); });
-    });
-    connect(table_, &QTableWidget::currentCellChanged, this, [this](int r) {
-      if (!filling_) form().currentRow = r;
-    });
     left->addWidget(courses);
     left->addWidget(table_, 1);
     auto* edit = new QHBoxLayout;
