@@ -25,16 +25,7 @@ class MapcheckView : public FormDialog {
     auto* left = new QVBoxLayout;
     window->addLayout(left, 3);
     const auto row = [this](std::initializer_list<std::pair<const char*, const char*>> fields, int width = 120) {
-      auto* r = new QHBoxLayout;
-      for (const auto& [caption, field] : fields) {
-        QLabel* l = label(caption);
-        QLineEdit* e = edit(field);
-        if (width > 0) e->setMaximumWidth(width);
-        l->setBuddy(e);
-        r->addWidget(l);
-        r->addWidget(e, width > 0 ? 0 : 1);
-      }
-      return r;
+      return fieldRow(fields, width);
     };
     left->addLayout(row({{"lblName", "txtName"}}, 0));
     QHBoxLayout* start = row({{"lblStartPoint", "txtStartPoint"}, {"lblStartN", "txtStartN"}, {"lblStartE", "txtStartE"}});

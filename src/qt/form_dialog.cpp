@@ -225,6 +225,19 @@ QListWidget* FormDialog::list(const char* name, bool fixedPitch, QWidget* parent
   if (fixedPitch) l->setFont(fixedPitchFont());
   return l;
 }
+QHBoxLayout* FormDialog::fieldRow(std::initializer_list<std::pair<const char*, const char*>> fields, int width) {
+  auto* r = new QHBoxLayout;
+  for (const auto& [caption, field] : fields) {
+    QLabel* l = label(caption);
+    QLineEdit* e = edit(field);
+    if (width > 0) e->setMaximumWidth(width);
+    l->setBuddy(e);
+    r->addWidget(l);
+    r->addWidget(e, width > 0 ? 0 : 1);
+  }
+  return r;
+}
+
 QTableWidget* FormDialog::cellTable(const char* name, const QString& accessible, const QStringList& headers,
                                     std::function<void(int, int, const std::string&)> setCell, std::function<void(int)> current,
                                     const bool* filling) {

@@ -5,6 +5,8 @@
 #include <QDialog>
 #include <QString>
 #include <functional>
+#include <initializer_list>
+#include <utility>
 #include <string>
 
 #include "qt/binder.h"
@@ -46,6 +48,9 @@ class FormDialog : public QDialog {
   QRadioButton* option(const char* name, QWidget* parent = nullptr);
   QComboBox* combo(const char* name, bool editable, QWidget* parent = nullptr);
   QListWidget* list(const char* name, bool fixedPitch, QWidget* parent = nullptr);
+  // Captions and their fields, each caption the buddy of its field, in one
+  // row; fields `width` wide at most, or stretched when it is 0.
+  QHBoxLayout* fieldRow(std::initializer_list<std::pair<const char*, const char*>> fields, int width);
   // A table of typed cells under `headers`: each edit goes to the model by
   // `setCell` (row, column, the text trimmed) and the current row by
   // `current`, except while `filling` says the view is filling it.

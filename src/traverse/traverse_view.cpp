@@ -30,16 +30,7 @@ class TraverseView : public FormDialog {
 
     // A caption, its field, and the next: in one row.
     const auto row = [this](std::initializer_list<std::pair<const char*, const char*>> fields, int width = 110) {
-      auto* r = new QHBoxLayout;
-      for (const auto& [caption, field] : fields) {
-        QLabel* l = label(caption);
-        QLineEdit* e = edit(field);
-        if (width > 0) e->setMaximumWidth(width);
-        l->setBuddy(e);
-        r->addWidget(l);
-        r->addWidget(e, width > 0 ? 0 : 1);
-      }
-      return r;
+      return fieldRow(fields, width);
     };
     QHBoxLayout* source = row({{"lblSource", "txtSource"}}, 0);
     source->addWidget(button("btnSource"));
