@@ -163,6 +163,8 @@ PlatInput sectionsPlat(const ParcelRun& run, const PlatPeople& people) {
                            Format(*s.parts.combinedFactor, "0.00000000") + ".");
   }
   if (!run.sections.front().parts.combinedFactor) plat.notes.emplace_back("Distances are in US survey feet.");
+  plat.notes.push_back("Each part is described by its name as an aliquot part or government lot of its section of " +
+                       words.substr(words.find(", ") + 2) + ", containing the acres shown, more or less.");
   // One basis note for the sheet where the sections share it.
   std::sort(plat.notes.begin(), plat.notes.end());
   plat.notes.erase(std::unique(plat.notes.begin(), plat.notes.end()), plat.notes.end());

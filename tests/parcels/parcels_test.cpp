@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <numbers>
 #include <sstream>
@@ -22,6 +23,7 @@
 #include "parcels/legal.h"
 #include "parcels/parcel_run.h"
 #include "parcels/plat.h"
+#include "support/program_output.h"
 
 namespace tervalo {
 namespace {
@@ -229,6 +231,13 @@ TEST(LandXmlParcels, WrittenAndReadBackWithTheirAreas) {
   EXPECT_NEAR(closureOf(read[0].courses).area, parcel.area, 1e-3);  // four decimals of coordinates
   EXPECT_NEAR(read[0].area, parcel.area, 1e-6);
   EXPECT_THROW(landXmlParcels("<nothing/>"), ExportError);
+  // Valid against the LandXML 1.2 schema, by xmllint.
+  const std::filesystem::path file = std::filesystem::path(::testing::TempDir()) / "deed-parcel.xml";
+  std::ofstream(file) << xml;
+  const std::string said = testing::programOutput(
+      "xmllint --noout --schema " + std::string(TERVALO_SOURCE_DIR) + "/tests/export/LandXML-1.2.xsd " + file.string() + " 2>&1; true", "");
+  EXPECT_NE(said.find("validates"), std::string::npos) << said;
+  std::filesystem::remove(file);
 }
 
 TEST(Plat, NoLabelOverlapsAnotherOrALineNotItsOwnOnEverySheet) {
