@@ -63,6 +63,14 @@ ParcelRun runForParcels(const std::string& file, const RunOptions& given, const 
     const TownshipOutcome outcome = runTownship(plan, options, registry);
     out.crs = plan.crs;
     out.exitCode = outcome.exitCode;
+    if (!plan.project.empty()) {
+      // Who signs: as the plan's project says (the run has read it already, so it opens).
+      try {
+        const ProjectSettings s = openProject(plan.project)->settings();
+        out.people.surveyor = s.surveyor, out.people.license = s.license, out.people.firm = s.firm;
+      } catch (const ProjectError&) {
+      }
+    }
     for (const StoppedSection& s : outcome.stopped)
       out.stopped.push_back("Section " + s.section + ": " + (s.boxes.empty() ? std::string("did not run") : s.boxes.front()));
     for (const SectionRecord& r : outcome.records) {

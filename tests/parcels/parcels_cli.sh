@@ -60,6 +60,17 @@ assert sum(1 for t in texts if t.dxf.layer == "PARCEL-NAMES" and t.dxf.text.star
 print("ok: the DXF passes ezdxf's audit with", len(texts), "texts")
 PY
 
+# A plan on a project: its points read from it, its plat signed as the project says.
+"$cli" project new "$out/firm.gpkg" --surveyor "A. Surveyor" --license 12345 --firm "Survey Firm" >/dev/null
+"$cli" project import "$out/firm.gpkg" examples/township.csv >/dev/null
+sed -e "s|\"source\": \"township.csv\"|\"project\": \"$out/firm.gpkg\"|" examples/township.plan.json >"$out/firm.plan.json"
+"$cli" plat "$out/firm.plan.json" --out "$out/firm.pdf" --sheet archd --data-dir "$out/" >/dev/null
+signed=$(pdftotext -layout "$out/firm.pdf" -)
+for words in "A. Surveyor, License No. 12345" "Survey Firm" "PLAT OF SECTIONS 14, 13, 23, 24"; do
+  grep -qF "$words" <<<"$signed" || fail "the plan's plat does not say \"$words\""
+done
+echo "ok: a plan's plat signed from its project"
+
 # What cannot be drawn or read is refused with its reason.
 set +e
 "$cli" plat examples/secsub.job.json --out "$out/plat.dxf" --scale 100 --data-dir "$out/" 2>"$out/err"
