@@ -93,6 +93,9 @@ frmMain::frmMain(Program& program)
     if (this->program().registry().hasForm("frmMapcheck")) shell().showModal(this->program().form("frmMapcheck"));
     showProject();
   });
+  add("mnuProjectSurveyor", mnuProjectSurveyor).click([this] {
+    if (this->program().project && this->program().registry().hasForm("frmSurveyor")) shell().showModal(this->program().form("frmSurveyor"));
+  });
   add("mnuProjectClose", mnuProjectClose).click([this] { closeProject(); });
   add("mnuOptions", mnuOptions).click([this] { shell().showModal(this->program().form("frmSetOptions")); });
   add("mnuRecent", mnuRecent);
@@ -155,7 +158,7 @@ void frmMain::showProject() {
   } catch (const ProjectError& e) {
     lblProject.caption = "Project: " + project->name() + " (" + e.what() + ")";
   }
-  for (MenuItem* item : {&mnuProjectImport, &mnuProjectExport, &mnuProjectPoints, &mnuProjectCogo, &mnuProjectClose})
+  for (MenuItem* item : {&mnuProjectImport, &mnuProjectExport, &mnuProjectPoints, &mnuProjectCogo, &mnuProjectSurveyor, &mnuProjectClose})
     item->enabled = project != nullptr;
 }
 

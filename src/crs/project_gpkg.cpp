@@ -326,6 +326,43 @@ class GpkgProject : public ProjectFile {
 
   const std::filesystem::path& path() const override { return file_; }
 
+  void setSigner(const ProjectSettings& people) override {
+    OGRLayerH about = GDALDatasetGetLayerByName(ds_, "tervalo_project");
+    if (!about) fail("cannot be changed");
+    begin();
+    try {
+      for (const auto& [key, value] : {std::pair<const char*, std::string>{"surveyor", people.surveyor},
+                                       {"license", people.license},
+                                       {"firm", people.firm}}) {
+        // The key's row changed where there is one, else added.
+        OGRFeatureH row = nullptr;
+        OGR_L_ResetReading(about);
+        while (OGRFeatureH f = OGR_L_GetNextFeature(about)) {
+          if (key == std::string(OGR_F_GetFieldAsString(f, 0))) {
+            row = f;
+            break;
+          }
+          OGR_F_Destroy(f);
+        }
+        const bool found = row != nullptr;
+        if (!found) row = OGR_F_Create(OGR_L_GetLayerDefn(about));
+        OGR_F_SetFieldString(row, 0, key);
+        OGR_F_SetFieldString(row, 1, value.c_str());
+        const OGRErr e = found ? OGR_L_SetFeature(about, row) : OGR_L_CreateFeature(about, row);
+        OGR_F_Destroy(row);
+        if (e != OGRERR_NONE) fail("cannot be changed");
+      }
+      journal("project signer", "surveyor, license and firm set");
+      commit();
+    } catch (...) {
+      GDALDatasetRollbackTransaction(ds_);
+      throw;
+    }
+    settings_.surveyor = people.surveyor;
+    settings_.license = people.license;
+    settings_.firm = people.firm;
+  }
+
  private:
   // The columns of a point as a query selects them, its key first.
   static constexpr const char* kSelect =

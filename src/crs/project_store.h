@@ -101,6 +101,8 @@ class ProjectFile {
   virtual void apply(const ProjectEdit& edit, const std::string& source) = 0;
   // The file the project is.
   virtual const std::filesystem::path& path() const = 0;
+  // Who signs the project's plats (surveyor, license, firm of `people`), kept in one transaction.
+  virtual void setSigner(const ProjectSettings& people) = 0;
 };
 
 // A new project at `file` (refused when the file exists), or the one there.

@@ -78,6 +78,25 @@ class HeaderView : public FormDialog {
   }
 };
 
+// Who signs the open project's plats.
+class SurveyorView : public FormDialog {
+ public:
+  SurveyorView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* layout = new QVBoxLayout(this);
+    auto* form = new QFormLayout;
+    for (const auto& [caption, field] : {std::pair{"lblSurveyor", "txtSurveyor"}, {"lblLicense", "txtLicense"}, {"lblFirm", "txtFirm"}}) {
+      QLabel* l = label(caption);
+      QLineEdit* e = edit(field);
+      l->setBuddy(e);
+      form->addRow(l, e);
+    }
+    layout->addLayout(form);
+    layout->addLayout(acceptRow("btnOK"));
+    setMinimumWidth(420);
+    bind();
+  }
+};
+
 class SetOptionsView : public FormDialog {
  public:
   SetOptionsView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
@@ -148,6 +167,8 @@ class HistoryView : public FormDialog {
 QDialog* makeAboutView(FormModel& m, QtShell& s, QWidget* p) { return new AboutView(m, s, p); }
 QDialog* makeHistoryView(FormModel& m, QtShell& s, QWidget* p) { return new HistoryView(m, s, p); }
 QDialog* makeHeaderView(FormModel& m, QtShell& s, QWidget* p) { return new HeaderView(m, s, p); }
+
+QDialog* makeSurveyorView(FormModel& m, QtShell& s, QWidget* p) { return new SurveyorView(m, s, p); }
 QDialog* makeSetOptionsView(FormModel& m, QtShell& s, QWidget* p) { return new SetOptionsView(m, s, p); }
 QDialog* makeOutputView(FormModel& m, QtShell& s, QWidget* p) { return new OutputView(m, s, p); }
 

@@ -2,7 +2,8 @@
 // COGO MAPCHECK block and as a spreadsheet's cells, checked course by course
 // with the published closure; a bad call refused by its row with nothing
 // checked; the figure stored in a project as one step of Undo, exported as
-// LandXML and drawn as a plat; what was typed kept for the next opening.
+// LandXML and drawn as a plat; what was typed kept for the next opening;
+// the Surveyor window keeps who signs in the project.
 
 #include <gtest/gtest.h>
 
@@ -11,6 +12,7 @@
 
 #include "export/landxml.h"
 #include "parcels/frm_mapcheck.h"
+#include "parcels/frm_surveyor.h"
 #include "project/project_session.h"
 #include "support/bench.h"
 
@@ -105,6 +107,25 @@ TEST(MapcheckWindow, ABadCallIsRefusedByItsRowAndWhatWasTypedIsKept) {
   EXPECT_EQ(next.txtName.text, "Deed of 1998");
   ASSERT_EQ(next.rows.size(), b.form.rows.size());
   EXPECT_EQ(next.cell(1, 2), "X");
+}
+
+TEST(SurveyorWindow, WhoSignsIsKeptInTheProject) {
+  testing::Bench b;
+  const auto file = b.dir.path() / "signed.gpkg";
+  b.program.project = std::make_unique<ProjectSession>(createProject(file, {}));
+  auto& form = b.program.form<frmSurveyor>("frmSurveyor");
+  form.setOpen(true);
+  form.opened();
+  EXPECT_EQ(form.txtSurveyor.text, "");
+  form.typeText("txtSurveyor", "A. Surveyor");
+  form.typeText("txtLicense", "12345");
+  form.typeText("txtFirm", "Survey Firm");
+  form.click("btnOK");
+  b.program.project.reset();
+  const ProjectSettings kept = openProject(file)->settings();
+  EXPECT_EQ(kept.surveyor, "A. Surveyor");
+  EXPECT_EQ(kept.license, "12345");
+  EXPECT_EQ(kept.firm, "Survey Firm");
 }
 
 }  // namespace
