@@ -30,14 +30,13 @@ bool segmentsTouch(P a, P b, P c, P d) {
 }
 
 bool inside(const std::array<P, 4>& q, P p) {
-  bool any = false, pos = false, neg = false;
+  bool pos = false, neg = false;
   for (std::size_t i = 0; i < 4; ++i) {
     const double c = crossOf(q[i], q[(i + 1) % 4], p);
     pos = pos || c > 0;
     neg = neg || c < 0;
-    any = true;
   }
-  return any && !(pos && neg);
+  return !(pos && neg);
 }
 
 bool quadsMeet(const std::array<P, 4>& a, const std::array<P, 4>& b) {
