@@ -218,7 +218,7 @@ Adjustment adjustNetwork(const Network& net) {
                        " unknowns: it needs " + std::to_string(-out.dof) + " more to be adjusted");
   Eigen::SimplicialLDLT<Eigen::SparseMatrix<double>> solver;
   std::vector<Row> last;
-  for (out.iterations = 1; out.iterations <= 20; ++out.iterations) {
+  for (out.iterations = 1; out.iterations <= 50; ++out.iterations) {
     last = rows();
     std::vector<Eigen::Triplet<double>> triplets;
     Eigen::VectorXd rhs = Eigen::VectorXd::Zero(u.count);
@@ -250,8 +250,8 @@ Adjustment adjustNetwork(const Network& net) {
       if (u.z[static_cast<std::size_t>(p)] >= 0) Z[static_cast<std::size_t>(p)] += dx[u.z[static_cast<std::size_t>(p)]];
     }
     for (auto& [k, w] : orientation) w += dx[k];
-    if (dx.size() == 0 || dx.cwiseAbs().maxCoeff() < 1e-9) break;
-    if (out.iterations == 20) throw NetworkError("the adjustment does not converge in 20 iterations: look for a blunder or a poor first approximation");
+    if (dx.size() == 0 || dx.cwiseAbs().maxCoeff() < 1e-8) break;
+    if (out.iterations == 50) throw NetworkError("the adjustment does not converge in 50 iterations: look for a blunder or a poor first approximation");
   }
   last = rows();  // the residuals at the adjusted values: v = computed - observed = -misclosure
 

@@ -14,6 +14,7 @@
 #include "app/runner.h"
 #include "cli/parcels_command.h"
 #include "cli/points_command.h"
+#include "cli/adjust_command.h"
 #include "cli/cogo_command.h"
 #include "cli/project_command.h"
 #include "cli/restore_command.h"
@@ -231,6 +232,13 @@ int run(int argc, char** argv) {
   cogoCmd->add_flag("--json", cogoJson, "Print every result and the points stored as JSON");
   cogoCmd->add_option("--seconds", cogoSeconds, "Decimals of seconds in the answers' angles and bearings, 0 to 3 (0)")->check(CLI::Range(0, 3));
 
+  // A network adjusted by least squares.
+  std::string adjustFile;
+  bool adjustJson = false;
+  auto* adjustCmd = app.add_subcommand("adjust", "Adjust a network file by least squares: statistics, residuals, blunders and error ellipses.");
+  adjustCmd->add_option("file", adjustFile, "The network file (NAME.network.json)")->required();
+  adjustCmd->add_flag("--json", adjustJson, "Print the adjustment as JSON");
+
   std::string pointsFile;
   auto* pointsCmd = app.add_subcommand("points", "Show the format recognised in a coordinate file and every point read.");
   pointsCmd->add_option("file", pointsFile, "The coordinate file")->required();
@@ -245,7 +253,7 @@ int run(int argc, char** argv) {
         known = known || command->get_name() == argv[1];
       if (!known) {
         std::cerr << "tervalo-cli: there is no command \"" << argv[1] << "\"; the commands are run, township, restore, traverse, "
-                  << "points, project, cogo, parcels and plat (tervalo-cli --help says what each does).\n";
+                  << "points, project, cogo, parcels, plat and adjust (tervalo-cli --help says what each does).\n";
         return kUsage;
       }
     }
@@ -255,6 +263,7 @@ int run(int argc, char** argv) {
   if (runCmd->parsed()) return runCommand(run);
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
+  if (adjustCmd->parsed()) return tervalo::adjustCommand(adjustFile, adjustJson, std::cout, std::cerr);
   if (cogoCmd->parsed()) return tervalo::cogoCommand(cogoProject, cogoFile, cogoJson, cogoSeconds, std::cout, std::cerr);
   if (projectNewCmd->parsed()) {
     tervalo::ProjectSettings settings = projectPeople;
