@@ -57,7 +57,7 @@ Ellipse ellipseOf(double qnn, double qee, double qne, double scale) {
 
 Adjustment adjustNetwork(const Network& net) {
   const int points = static_cast<int>(net.points.size());
-  const auto P = [&net](int i) -> const NetworkPoint& { return net.points[static_cast<std::size_t>(i)]; };
+  const auto P = [&net](int i) -> const NetworkStation& { return net.points[static_cast<std::size_t>(i)]; };
   // Which points take part horizontally and in height, and how often.
   std::vector<int> horizontalUses(static_cast<std::size_t>(points)), heightUses(static_cast<std::size_t>(points));
   std::vector<int> parentH(static_cast<std::size_t>(points)), parentZ(static_cast<std::size_t>(points));
@@ -76,7 +76,7 @@ Adjustment adjustNetwork(const Network& net) {
   u.e = u.n;
   u.z = u.n;
   for (int p = 0; p < points; ++p) {
-    const NetworkPoint& q = P(p);
+    const NetworkStation& q = P(p);
     if (q.fixed) continue;
     if (q.northing && (horizontalUses[static_cast<std::size_t>(p)] > 0 || q.sigma)) {
       u.n[static_cast<std::size_t>(p)] = u.count++;
@@ -97,7 +97,7 @@ Adjustment adjustNetwork(const Network& net) {
 
   // What is missing, in words, before any number is tried.
   for (int p = 0; p < points; ++p) {
-    const NetworkPoint& q = P(p);
+    const NetworkStation& q = P(p);
     if (u.n[static_cast<std::size_t>(p)] >= 0 && !q.sigma && horizontalUses[static_cast<std::size_t>(p)] < 2)
       throw NetworkError("point " + q.name + " is joined by " + std::to_string(horizontalUses[static_cast<std::size_t>(p)]) +
                          " observation; a free point needs 2 at least to be placed");
@@ -107,7 +107,7 @@ Adjustment adjustNetwork(const Network& net) {
     for (int p = 0; p < points; ++p) {
       if ((*uses)[static_cast<std::size_t>(p)] == 0) continue;
       auto& part = parts[find(*parent, p)];
-      const NetworkPoint& q = P(p);
+      const NetworkStation& q = P(p);
       const bool held = q.fixed || (isHeight ? q.sigmaZ.has_value() : q.sigma.has_value());
       part.first = part.first || held;
       if (!held) part.second.push_back(q.name);
@@ -199,7 +199,7 @@ Adjustment adjustNetwork(const Network& net) {
     }
     // Weighted control: its given coordinates as observations of themselves.
     for (int p = 0; p < points; ++p) {
-      const NetworkPoint& q = P(p);
+      const NetworkStation& q = P(p);
       if (q.sigma && u.n[static_cast<std::size_t>(p)] >= 0) {
         out.push_back({{{u.n[static_cast<std::size_t>(p)], 1}}, *q.northing - N[static_cast<std::size_t>(p)], (*q.sigma)[0]});
         out.push_back({{{u.e[static_cast<std::size_t>(p)], 1}}, *q.easting - E[static_cast<std::size_t>(p)], (*q.sigma)[1]});
@@ -295,7 +295,7 @@ Adjustment adjustNetwork(const Network& net) {
   for (AdjustedObservation& o : out.observations) o.flagged = out.flagged && *out.flagged == o.place;
   const double sigma0 = std::sqrt(out.variance);
   for (int p = 0; p < points; ++p) {
-    const NetworkPoint& q = P(p);
+    const NetworkStation& q = P(p);
     AdjustedPoint a;
     a.name = q.name;
     const int in = u.n[static_cast<std::size_t>(p)], ie = u.e[static_cast<std::size_t>(p)], iz = u.z[static_cast<std::size_t>(p)];

@@ -88,7 +88,7 @@ Network parseNetwork(const std::string& text) {
     const std::string where = "point " + std::to_string(n.points.size() + 1);
     if (!p.is_object() || !p.contains("name") || !p["name"].is_string() || p["name"].get<std::string>().empty())
       throw NetworkError(where + " has no name");
-    NetworkPoint point;
+    NetworkStation point;
     point.name = p["name"].get<std::string>();
     const std::string named = "point " + point.name;
     if (!index.emplace(point.name, static_cast<int>(n.points.size())).second) throw NetworkError(named + " is given twice");
@@ -126,7 +126,7 @@ Network parseNetwork(const std::string& text) {
         if (!has(p)) throw NetworkError(where + ": point " + n.points[static_cast<std::size_t>(p)].name + " has no northing and easting");
     };
     const auto length = [&](int a, int b) {
-      const NetworkPoint &p = n.points[static_cast<std::size_t>(a)], &q = n.points[static_cast<std::size_t>(b)];
+      const NetworkStation &p = n.points[static_cast<std::size_t>(a)], &q = n.points[static_cast<std::size_t>(b)];
       return std::hypot(*q.northing - *p.northing, *q.easting - *p.easting);
     };
     if (type == "distance" || type == "slope") {

@@ -19,7 +19,7 @@ class NetworkError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-struct NetworkPoint {
+struct NetworkStation {
   std::string name;
   std::optional<double> northing, easting, elevation;
   bool fixed = false;                            // held in position (and in height)
@@ -45,7 +45,7 @@ struct Network {
   std::string units = "ft";
   double significance = 0.05;  // of the global test
   double snooping = 0.001;     // of the w-test, two-sided
-  std::vector<NetworkPoint> points;
+  std::vector<NetworkStation> points;
   std::vector<Observation> observations;
   std::vector<std::array<int, 2>> relative;  // pairs for relative ellipses
 };
