@@ -97,7 +97,8 @@ Network parseNetwork(const std::string& text) {
       point.easting = number(p, named, "easting");
     }
     if (p.contains("elevation")) point.elevation = number(p, named, "elevation");
-    point.fixed = p.value("fixed", false);
+    if (p.contains("fixed") && !p["fixed"].is_boolean()) throw NetworkError(named + ": \"fixed\" is true or false");
+    point.fixed = p.contains("fixed") && p["fixed"].get<bool>();
     if (p.contains("sigma")) {
       if (!p["sigma"].is_array() || p["sigma"].size() != 2 || !p["sigma"][0].is_number() || !p["sigma"][1].is_number())
         throw NetworkError(named + ": \"sigma\" is [σN, σE]");
