@@ -107,6 +107,36 @@ TEST(Adjustment, ALevellingLoopSharesItsMisclosure) {
   for (const AdjustedObservation& o : a.observations) EXPECT_NEAR(o.redundancy, 1.0 / 3, 1e-9);
 }
 
+// A published level net (differential levels run forward and back round
+// four points from one bench mark at 1000.000 m, every run 5 mm): the
+// adjusted heights to 0.01 mm, their standard deviations from the a priori
+// 5 mm to 0.1 mm, the a posteriori 5.42 mm and the largest normalized
+// residual, 1.68 at the sixth run, as the worked example prints them.
+TEST(Adjustment, APublishedLevelNetIsReproduced) {
+  Json net{{"version", 1}, {"units", "m"}, {"significance", 0.05}, {"snooping", 0.05}};
+  net["points"] = {{{"name", "1a"}, {"elevation", 1000.0}, {"fixed", true}},
+                   {{"name", "4"}, {"elevation", 998.775}},
+                   {{"name", "3"}, {"elevation", 997.927}},
+                   {{"name", "2"}, {"elevation", 999.269}}};
+  net["observations"] = Json::array();
+  for (const auto& [from, to, dh] : {std::tuple{"1a", "4", -1.225}, {"4", "3", -0.848}, {"3", "2", 1.342}, {"2", "1a", 0.720},
+                                     {"1a", "2", -0.724}, {"2", "3", -1.335}, {"3", "4", 0.842}, {"4", "1a", 1.231}})
+    net["observations"].push_back({{"type", "dh"}, {"from", from}, {"to", to}, {"value", dh}, {"sigma", 0.005}});
+  const Adjustment a = adjustNetwork(parseNetwork(net.dump()));
+  EXPECT_EQ(a.dof, 5);
+  EXPECT_NEAR(std::sqrt(a.variance) * 5.0, 5.42, 0.005);
+  const double published[][2] = {{998.77513, 3.1}, {997.93325, 3.5}, {999.27487, 3.1}};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_NEAR(*a.points[i + 1].elevation, published[i][0], 0.5e-5) << a.points[i + 1].name;
+    EXPECT_NEAR(*a.points[i + 1].sz / std::sqrt(a.variance) * 1000, published[i][1], 0.05) << a.points[i + 1].name;
+  }
+  EXPECT_NEAR(-1.335 + a.observations[5].residual, -1.34163, 0.501e-5);  // the adjusted run, rounded half up in print
+  EXPECT_NEAR(std::abs(a.observations[5].standardized), 1.68, 0.005);
+  for (const AdjustedObservation& o : a.observations) EXPECT_LE(std::abs(o.standardized), std::abs(a.observations[5].standardized));
+  EXPECT_FALSE(a.flagged);  // 1.68 stays under 1.96
+  EXPECT_TRUE(a.passed);
+}
+
 TEST(Adjustment, EveryDefectIsNamed) {
   const auto refused = [](const Json& net) {
     try {
