@@ -183,6 +183,13 @@ int run(int argc, char** argv) {
   traverseCmd->add_option("--epsg", rawEpsg, "A raw file's coordinate system, by EPSG code: its GNSS points are placed on its grid");
   traverseCmd->add_option("--foot", rawFoot, "With --epsg on a system in metres: the coordinates' foot, us or international")
       ->check(CLI::IsMember({"us", "international"}));
+  std::string traverseMethod;
+  traverseCmd->add_option("--method", traverseMethod, "The adjustment: compass, transit, crandall or ls (least squares); without it the file's")
+      ->check(CLI::IsMember({"compass", "transit", "crandall", "ls"}));
+  traverseCmd->add_option("--precision", rawOptions.precision, "The allowable precision, N of 1:N (5000)")->check(CLI::Range(1.0, 1e9));
+  traverseCmd->add_option("--angular", rawOptions.angular,
+                          "The allowable angular misclosure, K of K seconds times the square root of the angles (10)")
+      ->check(CLI::Range(0.0, 3600.0));
   traverseCmd->add_option("--export", traverse.exports,
                           "Also export the adjusted traverse to FILE, its kind by the ending (.csv .txt .xml .dxf .gpkg .geojson .kml); "
                           "a name without a folder lies in the data folder");
@@ -305,6 +312,7 @@ int run(int argc, char** argv) {
     });
   if (traverseCmd->parsed()) {
     if (!crsOfOptions(rawEpsg, rawFoot, rawOptions.crs)) return kUsage;
+    if (!traverseMethod.empty()) rawOptions.method = tervalo::ruleNamed(traverseMethod == "ls" ? "least-squares" : traverseMethod);
     return fileCommand(traverse, [&](const std::string& folder, const tervalo::Date& today) {
       return tervalo::traverseCommand(traverse.job, traverse.exports, traverse.json, folder, today, std::cout, std::cerr, rawOptions);
     });

@@ -27,7 +27,6 @@
 namespace tervalo {
 namespace {
 
-constexpr double kAllowablePrecision = 5000;  // 1:5,000
 
 bool isRawFile(const std::string& name) { return exportKind(name) == ".rw5"; }
 
@@ -110,6 +109,9 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
     err << "tervalo-cli: " << name << ": " << e.what() << "\n";
     return kExitUsage;
   }
+  if (raw.method) input.adjust = *raw.method;
+  if (raw.precision) input.allowablePrecision = *raw.precision;
+  if (raw.angular) input.allowableAngular = *raw.angular;
   nlohmann::ordered_json messages = nlohmann::ordered_json::array(), files = nlohmann::ordered_json::array();
   TraverseRun run;
   std::string failing;
@@ -141,13 +143,9 @@ int traverseCommand(const std::string& name, const std::vector<std::string>& exp
         run.json["points"].push_back(j);
       }
     }
-    const auto& precision = run.result.closure.precision;
-    if (isRawFile(name) && precision && *precision < kAllowablePrecision) {
-      failing = "The traverse misclosure of 1:" + std::to_string(std::llround(*precision)) + " is worse than the allowable 1:5,000: a blunder "
-                "is likely (a wrong backsight, a bust shot); the adjusted points are written, marked as failing.";
-      run.report.push_back("  ** FAILING: " + failing + " **");
-      run.json["failing"] = failing;
-    }
+    // Beyond the allowable misclosure, a failed test or a flagged blunder: said, never adjusted silently.
+    for (const std::string& f : run.failing) failing += (failing.empty() ? "" : " ") + f;
+    if (!failing.empty()) run.json["failing"] = failing;
     // "loop.traverse.json" writes "loop-traverse.rpt" and "loop-adjusted.txt".
     std::string stem = std::filesystem::path(name).stem().string();
     if (stem.ends_with(".traverse")) stem.erase(stem.size() - 9);

@@ -52,6 +52,7 @@ frmTraverse::frmTraverse(Program& program) : FormModel(program, "frmTraverse", "
                              {"lblClose", &lblClose}, {"lblCloseX", &lblCloseX}, {"lblCloseY", &lblCloseY},
                              {"lblCloseAzimuth", &lblCloseAzimuth}, {"lblCloseAngle", &lblCloseAngle}, {"lblAdjust", &lblAdjust},
                              {"lblSigmaAngle", &lblSigmaAngle}, {"lblSigmaDistance", &lblSigmaDistance}, {"lblPpm", &lblPpm},
+                             {"lblAllowPrecision", &lblAllowPrecision}, {"lblAllowAngular", &lblAllowAngular},
                              {"lblSideShots", &lblSideShots}, {"lblResult", &lblResult}})
     add(name, *label);
   add("txtStart", txtStart).change(edited);
@@ -86,6 +87,8 @@ frmTraverse::frmTraverse(Program& program) : FormModel(program, "frmTraverse", "
   add("txtSigmaAngle", txtSigmaAngle).numeric().change(edited);
   add("txtSigmaDistance", txtSigmaDistance).numeric().change(edited);
   add("txtPpm", txtPpm).numeric().change(edited);
+  add("txtAllowPrecision", txtAllowPrecision).numeric().change(edited);
+  add("txtAllowAngular", txtAllowAngular).numeric().change(edited);
   showWeights();
   add("btnOpenRaw", btnOpenRaw).click([this] { openRaw(); });
   add("btnOpenInputs", btnOpenInputs).click([this] { openFile(); });
@@ -107,7 +110,7 @@ std::vector<std::pair<const char*, TextBox*>> frmTraverse::texts() {
           {"txtBacksight", &txtBacksight}, {"txtBackX", &txtBackX}, {"txtBackY", &txtBackY}, {"txtBackAzimuth", &txtBackAzimuth},
           {"txtClose", &txtClose}, {"txtCloseX", &txtCloseX}, {"txtCloseY", &txtCloseY}, {"txtCloseAzimuth", &txtCloseAzimuth},
           {"txtCloseAngle", &txtCloseAngle}, {"txtSigmaAngle", &txtSigmaAngle}, {"txtSigmaDistance", &txtSigmaDistance},
-          {"txtPpm", &txtPpm}};
+          {"txtPpm", &txtPpm}, {"txtAllowPrecision", &txtAllowPrecision}, {"txtAllowAngular", &txtAllowAngular}};
 }
 
 std::filesystem::path frmTraverse::keptFile(const std::string& dataFolder) {
@@ -265,6 +268,10 @@ TraverseInput frmTraverse::input() const {
   in.sigmaAngle = number(txtSigmaAngle.text, "Angle standard error");
   in.sigmaDistance = number(txtSigmaDistance.text, "Distance standard error");
   in.ppm = number(txtPpm.text, "Parts per million");
+  in.allowablePrecision = number(txtAllowPrecision.text, "Allowable precision");
+  if (in.allowablePrecision < 1) throw TraverseFileError("Allowable precision must be 1 or more (1:N)");
+  in.allowableAngular = number(txtAllowAngular.text, "Allowable angular k");
+  if (in.allowableAngular < 0) throw TraverseFileError("Allowable angular k must not be negative");
   in.sideShots = sideShots_;
   in.notes = notes_;
   in.crs = crs_;
@@ -312,6 +319,8 @@ void frmTraverse::setInput(const TraverseInput& in) {
   txtSigmaAngle.text = CStr(in.sigmaAngle);
   txtSigmaDistance.text = CStr(in.sigmaDistance);
   txtPpm.text = CStr(in.ppm);
+  txtAllowPrecision.text = CStr(in.allowablePrecision);
+  txtAllowAngular.text = CStr(in.allowableAngular);
   showWeights();
   sideShots_ = in.sideShots;
   notes_ = in.notes;
@@ -352,6 +361,13 @@ void frmTraverse::btnAdjust_Click() {
   lstReport.items = run_->report;
   lblResult.caption = closureSummary(*in, run_->result);
   btnWriteReport.enabled = btnExport.enabled = true;
+  // Beyond the allowable, a failed test or a blunder: said loudly, the adjustment shown all the same.
+  if (!run_->failing.empty()) {
+    std::string said;
+    for (const std::string& f : run_->failing) said += (said.empty() ? "" : "\n") + f;
+    lblResult.caption += "\nFAILING: " + run_->failing.front();
+    shell().msgBox("Traverse", said, Icon::Critical);
+  }
 }
 
 void frmTraverse::btnWriteReport_Click() {

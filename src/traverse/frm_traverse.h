@@ -66,6 +66,11 @@ class frmTraverse : public FormModel {
   TextBox txtSigmaDistance{"0.01"};
   Label lblPpm{"+ ppm:"};
   TextBox txtPpm{"0"};
+  // The allowable closure: a precision of 1:N, and k seconds times the root of the angles.
+  Label lblAllowPrecision{"Allowable closure: precision 1:"};
+  TextBox txtAllowPrecision{"5000"};
+  Label lblAllowAngular{"angular (k√n seconds), k:"};
+  TextBox txtAllowAngular{"10"};
   Label lblSideShots;  // the side shots and raw notes the traverse carries from a raw file
   Button btnOpenRaw{"Open Raw File..."};
   Button btnAdjust{"Adjust"};

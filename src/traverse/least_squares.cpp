@@ -1,138 +1,91 @@
 #include "traverse/least_squares.h"
 
-#include <Eigen/Dense>
-
 #include <cmath>
+#include <numbers>
+
+#include "adjust/adjustment.h"
 
 namespace tervalo {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kRadian = kPi / 180;
+constexpr double kRadian = std::numbers::pi / 180;
 constexpr double kSecond = kRadian / 3600;
-
-// The direction from `at` as the points stand: radians clockwise from north.
-double direction(const std::vector<PlanePosition>& x, int at, const NetworkDirection& d) {
-  if (d.point < 0) return d.azimuth * kRadian;
-  return std::atan2(x[static_cast<std::size_t>(d.point)].x - x[static_cast<std::size_t>(at)].x,
-                    x[static_cast<std::size_t>(d.point)].y - x[static_cast<std::size_t>(at)].y);
-}
-
-// An angle brought within half a turn of `near`.
-double near(double angle, double target) {
-  while (angle - target > kPi) angle -= 2 * kPi;
-  while (angle - target < -kPi) angle += 2 * kPi;
-  return angle;
-}
 
 }  // namespace
 
-NetworkAdjustment adjustNetwork(const std::vector<NetworkPoint>& points, const std::vector<NetworkObservation>& observations) {
-  // The free points' coordinates are the unknowns, two each.
-  std::vector<int> unknown(points.size(), -1);
-  int u = 0;
-  for (std::size_t i = 0; i < points.size(); ++i)
-    if (!points[i].fixed) unknown[i] = u, u += 2;
-  std::vector<PlanePosition> x;
-  for (const NetworkPoint& p : points) x.push_back(p.at);
-  const Eigen::Index n = static_cast<Eigen::Index>(observations.size());
-  if (u == 0 || n < u) throw TraverseError("the least-squares adjustment has fewer observations than unknown coordinates");
-
-  Eigen::MatrixXd a(n, u);
-  Eigen::VectorXd l(n), p(n);
-  // The observation equations at the points as they stand: A dx = l (observed less computed).
-  const auto linearise = [&] {
-    a.setZero();
-    for (Eigen::Index k = 0; k < n; ++k) {
-      const NetworkObservation& o = observations[static_cast<std::size_t>(k)];
-      const auto partials = [&](int from, int to, double dxTo, double dyTo) {  // d(value)/d(to) and its opposite for `from`
-        if (unknown[static_cast<std::size_t>(to)] >= 0) {
-          a(k, unknown[static_cast<std::size_t>(to)]) += dxTo;
-          a(k, unknown[static_cast<std::size_t>(to)] + 1) += dyTo;
-        }
-        if (unknown[static_cast<std::size_t>(from)] >= 0) {
-          a(k, unknown[static_cast<std::size_t>(from)]) -= dxTo;
-          a(k, unknown[static_cast<std::size_t>(from)] + 1) -= dyTo;
-        }
-      };
-      if (o.kind == NetworkObservation::Kind::Distance) {
-        const double dx = x[static_cast<std::size_t>(o.to)].x - x[static_cast<std::size_t>(o.at)].x;
-        const double dy = x[static_cast<std::size_t>(o.to)].y - x[static_cast<std::size_t>(o.at)].y;
-        const double d = std::hypot(dx, dy);
-        if (d == 0) throw TraverseError("the least-squares adjustment meets two stations at one place (" + o.label + ")");
-        l(k) = o.value - d;
-        partials(o.at, o.to, dx / d, dy / d);
-        p(k) = 1 / (o.sigma * o.sigma);
-      } else {
-        const double computed = direction(x, o.at, o.toward) - direction(x, o.at, o.from);
-        l(k) = near(o.value * kRadian, computed) - computed;
-        // d(azimuth at->q)/dq = (dy, -dx) / d^2.
-        for (const auto& [d, sign] : {std::pair{o.toward, 1.0}, {o.from, -1.0}}) {
-          if (d.point < 0) continue;
-          const double dx = x[static_cast<std::size_t>(d.point)].x - x[static_cast<std::size_t>(o.at)].x;
-          const double dy = x[static_cast<std::size_t>(d.point)].y - x[static_cast<std::size_t>(o.at)].y;
-          const double d2 = dx * dx + dy * dy;
-          if (d2 == 0) throw TraverseError("the least-squares adjustment meets two stations at one place (" + o.label + ")");
-          partials(o.at, d.point, sign * dy / d2, -sign * dx / d2);
-        }
-        const double sigma = o.sigma * kSecond;
-        p(k) = 1 / (sigma * sigma);
-      }
+// The traverse's stations and sightings become a network of the network
+// engine, so a least-squares traverse carries the same statistics as any
+// network: its global test, redundancy numbers and Baarda's w.
+NetworkAdjustment adjustTraverseNetwork(const std::vector<NetworkPoint>& points, const std::vector<NetworkObservation>& observations,
+                                        const std::string& units) {
+  Network net;
+  net.units = units;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    NetworkStation s;
+    s.name = points[i].name.empty() ? "station " + std::to_string(i + 1) : points[i].name;
+    s.northing = points[i].at.y;
+    s.easting = points[i].at.x;
+    s.fixed = points[i].fixed;
+    net.points.push_back(s);
+  }
+  for (const NetworkObservation& o : observations) {
+    Observation x;
+    x.place = static_cast<int>(net.observations.size()) + 1;
+    if (o.kind == NetworkObservation::Kind::Distance) {
+      x.type = ObservationType::Distance;
+      x.from = o.at, x.to = o.to, x.value = o.value, x.sigma = o.sigma;
+    } else if (o.from.point >= 0 && o.toward.point >= 0) {
+      x.type = ObservationType::Angle;
+      x.at = o.at, x.back = o.from.point, x.fore = o.toward.point;
+      x.value = o.value * kRadian, x.sigma = o.sigma * kSecond;
+    } else if (o.toward.point >= 0) {  // turned from a known direction: the azimuth of the sight
+      x.type = ObservationType::Azimuth;
+      x.from = o.at, x.to = o.toward.point;
+      x.value = (o.from.azimuth + o.value) * kRadian, x.sigma = o.sigma * kSecond;
+    } else if (o.from.point >= 0) {  // turned onto a known direction: the azimuth of the backsight
+      x.type = ObservationType::Azimuth;
+      x.from = o.at, x.to = o.from.point;
+      x.value = (o.toward.azimuth - o.value) * kRadian, x.sigma = o.sigma * kSecond;
+    } else {
+      continue;  // between two known directions: no station's position in it
     }
-  };
+    net.observations.push_back(x);
+  }
+
+  Adjustment solved;
+  try {
+    solved = adjustNetwork(net);
+  } catch (const NetworkError& e) {
+    throw TraverseError(std::string("the least-squares adjustment cannot be made: ") + e.what());
+  }
 
   NetworkAdjustment out;
-  Eigen::MatrixXd normal;
-  const double scale = [&] {
-    double s = 1;
-    for (const PlanePosition& q : x) s = std::max({s, std::abs(q.x), std::abs(q.y)});
-    return s;
-  }();
-  bool converged = false;
-  for (int iteration = 1; iteration <= 20 && !converged; ++iteration) {
-    linearise();
-    normal = a.transpose() * p.asDiagonal() * a;
-    const Eigen::LDLT<Eigen::MatrixXd> solver(normal);
-    if (solver.info() != Eigen::Success || !solver.isPositive() || solver.rcond() < 1e-14)
-      throw TraverseError("the observations do not fix every station (a station without both a distance and a direction)");
-    const Eigen::VectorXd dx = solver.solve(a.transpose() * p.asDiagonal() * l);
-    for (std::size_t i = 0; i < points.size(); ++i)
-      if (unknown[i] >= 0) x[i].x += dx(unknown[i]), x[i].y += dx(unknown[i] + 1);
-    out.report.iterations = iteration;
-    converged = dx.cwiseAbs().maxCoeff() < 1e-10 * scale;
-  }
-  if (!converged) throw TraverseError("the least-squares adjustment does not converge: check the observations for a blunder");
-
-  // The residuals at the adjusted points: adjusted less observed.
-  linearise();
-  normal = a.transpose() * p.asDiagonal() * a;
-  double weighted = 0;
-  for (Eigen::Index k = 0; k < n; ++k) {
-    const NetworkObservation& o = observations[static_cast<std::size_t>(k)];
+  out.report.iterations = solved.iterations;
+  out.report.redundancy = solved.dof;
+  out.report.referenceVariance = solved.variance;
+  out.report.chiSquare = solved.chiSquare;
+  out.report.lower = solved.lower;
+  out.report.upper = solved.upper;
+  out.report.passed = solved.passed;
+  out.report.critical = solved.critical;
+  std::size_t k = 0;
+  for (const NetworkObservation& o : observations) {
+    if (o.kind != NetworkObservation::Kind::Distance && o.from.point < 0 && o.toward.point < 0) continue;
+    const AdjustedObservation& a = solved.observations[k++];
     const bool angular = o.kind == NetworkObservation::Kind::Angle;
-    const double v = -l(k);  // adjusted less observed
-    weighted += p(k) * v * v;
-    out.report.residuals.push_back({o.label, o.value, angular ? o.value + v / kRadian : o.value + v, angular ? v / kSecond : v, angular});
+    Residual r{o.label, o.value, angular ? o.value + a.residual / 3600 : o.value + a.residual, a.residual, angular};
+    r.standardized = a.standardized;
+    r.redundancy = a.redundancy;
+    r.flagged = a.flagged;
+    if (a.flagged) out.report.flagged = o.label;
+    out.report.residuals.push_back(r);
   }
-  out.report.redundancy = static_cast<int>(n) - u;
-  out.report.referenceVariance = out.report.redundancy > 0 ? weighted / out.report.redundancy : 1;
-
-  // Each free point's standard error ellipse from its block of the covariance.
-  const Eigen::MatrixXd covariance = out.report.referenceVariance * normal.inverse();
-  out.points = x;
-  for (std::size_t i = 0; i < points.size(); ++i) {
-    if (unknown[i] < 0) {
+  for (const AdjustedPoint& p : solved.points) {
+    out.points.push_back({*p.easting, *p.northing});
+    if (p.moved)
+      out.ellipses.push_back(ErrorEllipse{p.se, p.sn, p.standard.a, p.standard.b, p.standard.azimuth});
+    else
       out.ellipses.emplace_back();
-      continue;
-    }
-    const Eigen::Matrix2d c = covariance.block<2, 2>(unknown[i], unknown[i]);
-    const Eigen::SelfAdjointEigenSolver<Eigen::Matrix2d> eigen(c);
-    const Eigen::Vector2d axis = eigen.eigenvectors().col(1);  // of the larger value
-    double azimuth = std::atan2(axis(0), axis(1)) / kRadian;
-    while (azimuth < 0) azimuth += 180;
-    while (azimuth >= 180) azimuth -= 180;
-    out.ellipses.push_back(ErrorEllipse{std::sqrt(c(0, 0)), std::sqrt(c(1, 1)), std::sqrt(std::max(0.0, eigen.eigenvalues()(1))),
-                                        std::sqrt(std::max(0.0, eigen.eigenvalues()(0))), azimuth});
   }
   return out;
 }

@@ -1,10 +1,11 @@
 #pragma once
-// A least-squares adjustment of a small plane network: distances and
-// angles (an azimuth being an angle from north) among points, some held
-// fixed, each observation weighted by its standard error; solved by
-// Gauss-Newton iteration with Eigen. Gives the adjusted points, each
-// observation's residual, the reference variance and each free point's
-// standard error ellipse.
+// A traverse adjusted by least squares as a plane network: distances and
+// angles (an azimuth being an angle from north) among its stations, the
+// known ones held, each observation weighted by its standard error; solved
+// by the network engine. Gives the adjusted points, each observation's
+// residual with its redundancy number and standardized residual, the
+// reference variance with the global test, and each free point's standard
+// error ellipse.
 
 #include <optional>
 #include <string>
@@ -17,6 +18,7 @@ namespace tervalo {
 struct NetworkPoint {
   PlanePosition at;  // held, or where the iteration starts
   bool fixed = false;
+  std::string name{};  // for a message
 };
 
 // A direction from a point: toward another point, or a fixed azimuth.
@@ -42,7 +44,9 @@ struct NetworkAdjustment {
   LeastSquaresReport report;
 };
 
-// TraverseError when the network does not fix its free points or does not converge.
-NetworkAdjustment adjustNetwork(const std::vector<NetworkPoint>& points, const std::vector<NetworkObservation>& observations);
+// TraverseError when the network does not fix its free points or does not
+// converge. `units` ("ft" or "m") is the traverse's.
+NetworkAdjustment adjustTraverseNetwork(const std::vector<NetworkPoint>& points, const std::vector<NetworkObservation>& observations,
+                                        const std::string& units);
 
 }  // namespace tervalo

@@ -310,7 +310,7 @@ TraverseResult computeTraverse(const TraverseInput& in, const PointList& points,
         }
         const bool fixed = s == 0 || (s == names.size() - 1);
         index.push_back(static_cast<int>(network.size()));
-        network.push_back({s == names.size() - 1 ? knownEnd : unadjusted[s], fixed});
+        network.push_back({s == names.size() - 1 ? knownEnd : unadjusted[s], fixed, names[s]});
       }
       // The compass rule's stations are where the iteration starts.
       double run = 0;
@@ -322,7 +322,7 @@ TraverseResult computeTraverse(const TraverseInput& in, const PointList& points,
       NetworkDirection backsight{-1, backAz.value_or(0)};
       if (backsightAt) {
         backsight.point = static_cast<int>(network.size());
-        network.push_back({*backsightAt, true});
+        network.push_back({*backsightAt, true, in.backsightPoint ? in.backsightPoint->point : "the backsight"});
       } else if (backsightIsLastStation) {
         backsight.point = index[n - 1];
       }
@@ -361,7 +361,7 @@ TraverseResult computeTraverse(const TraverseInput& in, const PointList& points,
       if (backsightIsLastStation)  // the loop's known direction, held
         obs.push_back({NetworkObservation::Kind::Angle, 0, 0, {-1, 0}, {index[n - 1], 0}, *in.backsightAzimuth, sigmaAngle / 1000,
                        "azimuth " + names[0] + "-" + names[n - 1]});
-      const NetworkAdjustment solved = adjustNetwork(network, obs);
+      const NetworkAdjustment solved = adjustTraverseNetwork(network, obs, in.units);
       out.leastSquares = solved.report;
       for (std::size_t s = 0; s < names.size(); ++s) adjusted.push_back(solved.points[static_cast<std::size_t>(index[s])]);
       for (std::size_t k = 0; k < n; ++k) {

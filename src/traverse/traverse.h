@@ -82,6 +82,10 @@ struct TraverseInput {
   double sigmaAngle = 5;       // seconds
   double sigmaDistance = 0.01; // in the unit, plus
   double ppm = 0;              // parts per million of the distance
+  // What the closure may be: a precision of 1:N at least, and an angular
+  // misclosure of k seconds times the square root of the angles at most.
+  double allowablePrecision = 5000;
+  double allowableAngular = 10;
   std::vector<SideShot> sideShots{};
   CrsChoice crs{};
   // The distances were measured on the ground: each is reduced to the
@@ -139,6 +143,9 @@ struct Residual {
   std::string observation;  // "distance 1-2", "angle at 2 from 1 to 3"
   double observed = 0, adjusted = 0, residual = 0;
   bool angular = false;  // degrees (residual in seconds) rather than lengths
+  double standardized = 0;  // Baarda's w
+  double redundancy = 0;
+  bool flagged = false;     // the likely blunder
 };
 
 struct LeastSquaresReport {
@@ -146,6 +153,10 @@ struct LeastSquaresReport {
   int redundancy = 0;
   double referenceVariance = 0;  // a posteriori; 1 without redundancy
   int iterations = 0;
+  double chiSquare = 0, lower = 0, upper = 0;  // the global test at 95 %
+  bool passed = true;
+  double critical = 0;  // of |w|
+  std::string flagged{};  // the observation flagged as the likely blunder
 };
 
 struct TraverseResult {

@@ -114,7 +114,7 @@ TraverseInput parseTraverse(const std::string& text) {
   }
   if (!json.is_object()) throw TraverseFileError("a traverse file is a JSON object");
   Fields::refuseUnknown(json, {"version", "units", "source", "project", "adjust", "start", "backsight", "courses", "close", "sigma_angle",
-                               "sigma_distance", "ppm", "side_shots", "crs", "ground"},
+                               "sigma_distance", "ppm", "side_shots", "crs", "ground", "allowable_precision", "allowable_angular"},
                         "the file");
   const Json version = json.value("version", Json(std::uint64_t{kTraverseVersion}));
   if (!version.is_number_unsigned() || version.get<std::uint64_t>() < 1) throw TraverseFileError("\"version\" must be 1");
@@ -137,6 +137,13 @@ TraverseInput parseTraverse(const std::string& text) {
     if (json.contains(key)) {
       *field = Fields::number(json[key], "the file", key);
       if (!(*field >= 0) || !std::isfinite(*field)) throw TraverseFileError(std::string("\"") + key + "\" must not be negative");
+    }
+  // The allowable closure: a precision of 1:N (N at least 1) and k seconds times the root of the angles.
+  for (const auto& [key, field, least] : {std::tuple{"allowable_precision", &in.allowablePrecision, 1.0}, {"allowable_angular", &in.allowableAngular, 0.0}})
+    if (json.contains(key)) {
+      *field = Fields::number(json[key], "the file", key);
+      if (!(*field >= least) || !std::isfinite(*field))
+        throw TraverseFileError(std::string("\"") + key + "\" must be " + (least > 0 ? "1 or more" : "0 or more"));
     }
   if (!json.contains("start") || !json["start"].is_object()) throw TraverseFileError("\"start\" must give the starting point");
   Fields::refuseUnknown(json["start"], {"point", "x", "y"}, "start");
@@ -232,6 +239,9 @@ std::string traverseText(const TraverseInput& in) {
     json["sigma_distance"] = in.sigmaDistance;
     json["ppm"] = in.ppm;
   }
+  const TraverseInput defaults;
+  if (in.allowablePrecision != defaults.allowablePrecision) json["allowable_precision"] = in.allowablePrecision;
+  if (in.allowableAngular != defaults.allowableAngular) json["allowable_angular"] = in.allowableAngular;
   json["start"] = known(in.start);
   if (in.backsightPoint || in.backsightAzimuth) {
     Json b = in.backsightPoint ? known(*in.backsightPoint) : Json::object();

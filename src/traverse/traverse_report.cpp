@@ -79,6 +79,38 @@ void reduceToGrid(TraverseInput& in, const TraverseResult& measured) {
   for (std::size_t i = 0; i < in.sideShots.size(); ++i) in.sideShots[i].factor = f[3 * in.courses.size() + i].combined;
 }
 
+// The angular misclosure allowed: k seconds times the square root of the angles.
+double allowedAngular(const TraverseInput& in, const Closure& c) {
+  return in.allowableAngular * std::sqrt(static_cast<double>(std::max(c.angles, 1)));
+}
+
+}  // namespace
+
+std::vector<std::string> traverseFaults(const TraverseInput& in, const TraverseResult& r) {
+  std::vector<std::string> out;
+  const Closure& c = r.closure;
+  if (c.precision && *c.precision < in.allowablePrecision)
+    out.push_back("The traverse misclosure of 1:" + grouped(*c.precision) + " is worse than the allowable 1:" + grouped(in.allowablePrecision) +
+                  ": a blunder is likely (a wrong backsight, a bust shot); the adjusted points are written, marked as failing.");
+  if (c.angular && std::fabs(*c.angular) > allowedAngular(in, c))
+    out.push_back("The angular misclosure of " + fixed(std::fabs(*c.angular), "0.0") + "\" is more than the allowable " +
+                  fixed(allowedAngular(in, c), "0.0") + "\" (" + fixed(in.allowableAngular, "0.0") + "\" times the square root of " +
+                  std::to_string(std::max(c.angles, 1)) + "): a blunder in an angle is likely.");
+  if (r.leastSquares && !r.leastSquares->passed)
+    out.push_back("The least-squares traverse fails the global test: the sum of its weighted squared residuals, " +
+                  fixed(r.leastSquares->chiSquare, "0.00") + ", lies outside " + fixed(r.leastSquares->lower, "0.00") + " to " +
+                  fixed(r.leastSquares->upper, "0.00") + " (the standard errors given, or a blunder).");
+  if (r.leastSquares && !r.leastSquares->flagged.empty()) {
+    const auto v = std::find_if(r.leastSquares->residuals.begin(), r.leastSquares->residuals.end(), [](const Residual& x) { return x.flagged; });
+    out.push_back("The " + r.leastSquares->flagged + " is flagged as the likely blunder: its standardized residual " +
+                  fixed(std::fabs(v->standardized), "0.00") + " is above " + fixed(r.leastSquares->critical, "0.00") +
+                  "; remove or reweigh it and adjust again.");
+  }
+  return out;
+}
+
+namespace {
+
 std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResult& r, const std::string& today) {
   const std::string unit = in.units == "m" ? "m" : "ft";
   const Closure& c = r.closure;
@@ -141,6 +173,11 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
   out.push_back("  Linear misclosure " + fixed(c.length, "0.0000") + " " + unit + " toward " +
                 (c.length > 0 ? bearingText(c.direction) : std::string("nowhere")));
   out.push_back("  Precision " + (c.precision ? "1:" + grouped(*c.precision) : std::string("exact (no misclosure)")));
+  out.push_back("  Allowable: precision 1:" + grouped(in.allowablePrecision) +
+                (c.angular ? "; angular misclosure " + fixed(in.allowableAngular, "0.0") + "\" times the square root of " +
+                                 std::to_string(std::max(c.angles, 1)) + " = " + fixed(allowedAngular(in, c), "0.0") + "\""
+                           : std::string()));
+  for (const std::string& fault : traverseFaults(in, r)) out.push_back("  ** FAILING: " + fault + " **");
   out.emplace_back("");
 
   out.push_back("  ADJUSTMENT: " + std::string(ruleWords(r.rule)));
@@ -182,15 +219,20 @@ std::vector<std::string> reportLines(const TraverseInput& in, const TraverseResu
     out.push_back(ls.redundancy > 0 ? "  Reference variance " + fixed(ls.referenceVariance, "0.000") + " (standard error of unit weight " +
                                           fixed(std::sqrt(ls.referenceVariance), "0.000") + ")"
                                     : "  No redundancy: the errors are those given, the residuals zero");
+    if (ls.redundancy > 0)
+      out.push_back("  Global test (chi-square, 95 %): " + fixed(ls.chiSquare, "0.00") + " against " + fixed(ls.lower, "0.00") + " to " +
+                    fixed(ls.upper, "0.00") + ": " + (ls.passed ? "passed" : "FAILED"));
+    out.push_back("  Standardized residuals (w) flagged above " + fixed(ls.critical, "0.00"));
     int label = 12;
     for (const Residual& v : ls.residuals) label = std::max(label, static_cast<int>(textLength(v.observation)) + 2);
     out.push_back("  " + leftJustify("Observation", label) + rightJustify("Observed", 16) + rightJustify("Adjusted", 16) +
-                  rightJustify("Residual", 11));
+                  rightJustify("Residual", 11) + rightJustify("Redund", 8) + rightJustify("w", 8));
     for (const Residual& v : ls.residuals)
       out.push_back("  " + leftJustify(v.observation, label) +
                     rightJustify(v.angular ? decimalToDmsCarried(v.observed) : length(v.observed), 16) +
                     rightJustify(v.angular ? decimalToDmsCarried(v.adjusted) : length(v.adjusted), 16) +
-                    rightJustify(v.angular ? seconds(v.residual) : signedLength(v.residual), 11));
+                    rightJustify(v.angular ? seconds(v.residual) : signedLength(v.residual), 11) + rightJustify(fixed(v.redundancy, "0.00"), 8) +
+                    rightJustify(fixed(v.standardized, "0.00"), 8) + (v.flagged ? "  << likely blunder" : ""));
   }
   if (!r.sideShots.empty()) {
     out.emplace_back("");
@@ -235,6 +277,7 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
   }
   const TraverseResult& r = run.result;
   run.report = reportLines(reduced, r, today);
+  run.failing = traverseFaults(reduced, r);
 
   // The adjusted points as a source file: the stations, then the side shots.
   const std::string rule = upper(ruleName(r.rule));
@@ -290,7 +333,12 @@ TraverseRun runTraverse(const TraverseInput& in, const std::string& today) {
   if (r.leastSquares)
     run.json["least_squares"] = Json{{"redundancy", r.leastSquares->redundancy},
                                      {"reference_variance", r.leastSquares->referenceVariance},
-                                     {"iterations", r.leastSquares->iterations}};
+                                     {"iterations", r.leastSquares->iterations},
+                                     {"chi_square", Json{{"value", r.leastSquares->chiSquare},
+                                                         {"lower", r.leastSquares->lower},
+                                                         {"upper", r.leastSquares->upper},
+                                                         {"passed", r.leastSquares->passed}}},
+                                     {"flagged", r.leastSquares->flagged.empty() ? Json(nullptr) : Json(r.leastSquares->flagged)}};
   if (!in.notes.empty()) run.json["raw_notes"] = in.notes;
   return run;
 }

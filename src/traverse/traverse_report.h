@@ -24,6 +24,10 @@ struct TraverseRun {
   std::vector<std::string> report;
   std::vector<std::string> points;  // name, X, Y, feature, description: the program's comma-delimited source format
   nlohmann::ordered_json json;      // points, closure, courses, rule
+  // What fails: a closure beyond the allowable, a failed global test, a
+  // flagged observation; each a sentence. The points are adjusted all the
+  // same, and said to be failing.
+  std::vector<std::string> failing;
 };
 
 // Reads the traverse's source (TraverseFileError when it cannot be read),
@@ -32,6 +36,10 @@ TraverseRun runTraverse(const TraverseInput& input, const std::string& today);
 
 // "<stem>-traverse.rpt" and "<stem>-adjusted.txt" in `folder`.
 std::pair<std::filesystem::path, std::filesystem::path> traverseOutputs(const std::filesystem::path& folder, const std::string& stem);
+
+// The allowable misclosures exceeded, the global test failed or a blunder
+// flagged, each a sentence.
+std::vector<std::string> traverseFaults(const TraverseInput& input, const TraverseResult& result);
 
 // The stations and side shots as points, the courses as lines (group "TRAV"), for the exports.
 // One line for the window: the misclosure, the precision, the angular

@@ -88,6 +88,9 @@ class TraverseView : public FormDialog {
     adjust->addLayout(row({{"lblSigmaAngle", "txtSigmaAngle"}, {"lblSigmaDistance", "txtSigmaDistance"}, {"lblPpm", "txtPpm"}}, 70));
     adjust->addStretch();
     left->addLayout(adjust);
+    QHBoxLayout* allowable = row({{"lblAllowPrecision", "txtAllowPrecision"}, {"lblAllowAngular", "txtAllowAngular"}}, 80);
+    allowable->addStretch();
+    left->addLayout(allowable);
     left->addLayout(resultRow("btnAdjust", "lblResult"));
     auto* files = new QHBoxLayout;
     for (const char* name : {"btnOpenRaw", "btnOpenInputs", "btnSaveInputs", "btnWriteReport", "btnExport", "btnStore"}) files->addWidget(button(name));

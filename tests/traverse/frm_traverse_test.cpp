@@ -86,5 +86,30 @@ TEST(TraverseWindow, ARawFileIsAdjustedReportedExportedAndSaved) {
   EXPECT_EQ(back.lblSideShots.caption, form.lblSideShots.caption);
 }
 
+// A minute's blunder in one angle is said in a critical box and on the
+// window, never adjusted silently; a wider allowance the user types passes
+// it, and a saved file keeps that allowance.
+TEST(TraverseWindow, AClosureBeyondTheAllowableIsSaidLoudly) {
+  testing::Bench bench;
+  auto& [dir, shell, program] = bench;
+  auto& form = program.form<frmTraverse>("frmTraverse");
+  form.setOpen(true);
+  ASSERT_TRUE(form.openPath(std::string(TERVALO_SOURCE_DIR) + "/tests/traverse/blunder.traverse.json"));
+  form.click("btnAdjust");
+  ASSERT_EQ(shell.boxes.size(), 1u);
+  EXPECT_EQ(shell.boxes[0].icon, Icon::Critical);
+  EXPECT_NE(shell.boxes[0].text.find("The angular misclosure of 60.0\" is more than the allowable 20.0\""), std::string::npos);
+  EXPECT_NE(form.lblResult.caption.find("\nFAILING: The angular misclosure"), std::string::npos) << form.lblResult.caption;
+  EXPECT_TRUE(form.btnWriteReport.enabled);  // the adjustment is shown all the same
+
+  form.typeText("txtAllowAngular", "40");
+  form.click("btnAdjust");
+  EXPECT_EQ(shell.boxes.size(), 1u);
+  EXPECT_EQ(form.lblResult.caption.find("FAILING"), std::string::npos);
+  shell.chosenFiles.push_back((dir.path() / "wide.traverse.json").string());
+  form.click("btnSaveInputs");
+  EXPECT_EQ(readTraverseFile((dir.path() / "wide.traverse.json").string()).allowableAngular, 40);
+}
+
 }  // namespace
 }  // namespace tervalo
