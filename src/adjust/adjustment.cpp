@@ -10,6 +10,8 @@
 #include <map>
 #include <numbers>
 #include <numeric>
+#include <optional>
+#include <set>
 
 namespace tervalo {
 namespace {
@@ -52,6 +54,72 @@ Ellipse ellipseOf(double qnn, double qee, double qne, double scale) {
   e.azimuth = t;
   return e;
 }
+
+// The elements of the inverse of the normal matrix that the statistics
+// need (each point's block, each observation's unknowns, the pairs joined
+// by observations), taken from the sparse factor P N Pᵀ = L D Lᵀ by
+// Takahashi's recurrence over the factor's own pattern: every such element
+// lies in that pattern, so no dense inverse and no solve per point. An
+// element outside it (a relative pair joined by no observation) is solved
+// for by its column.
+class SparseInverse {
+ public:
+  explicit SparseInverse(const Eigen::SimplicialLDLT<Eigen::SparseMatrix<double>>& solver) : solver_(solver) {
+    const Eigen::SparseMatrix<double>& L = solver.matrixL().nestedExpression();  // strictly lower, columns sorted by row
+    const Eigen::Index n = L.cols();
+    outer_ = L.outerIndexPtr();
+    inner_ = L.innerIndexPtr();
+    lower_.assign(static_cast<std::size_t>(L.nonZeros()), 0.0);
+    diagonal_.assign(static_cast<std::size_t>(n), 0.0);
+    const double* l = L.valuePtr();
+    const Eigen::VectorXd& d = solver.vectorD();
+    for (Eigen::Index j = n - 1; j >= 0; --j) {
+      const int begin = outer_[j], end = outer_[j + 1];
+      for (int p = begin; p < end; ++p) {  // Z(i, j) = -Σk L(k, j) Z(i, k), i and k below j
+        const int i = inner_[p];
+        double sum = 0;
+        for (int q = begin; q < end; ++q) sum += l[q] * permuted(i, inner_[q]);
+        lower_[static_cast<std::size_t>(p)] = -sum;
+      }
+      double sum = 0;
+      for (int p = begin; p < end; ++p) sum += l[p] * lower_[static_cast<std::size_t>(p)];
+      diagonal_[static_cast<std::size_t>(j)] = 1 / d[j] - sum;
+    }
+  }
+
+  // The element of the inverse at the unknowns a and b, in their own order.
+  double operator()(int a, int b) const {
+    const auto& perm = solver_.permutationP().indices();
+    const int i = perm[a], j = perm[b];
+    if (const auto z = find(i, j)) return *z;
+    auto column = columns_.find(b);
+    if (column == columns_.end()) {
+      Eigen::VectorXd unit = Eigen::VectorXd::Zero(static_cast<Eigen::Index>(diagonal_.size()));
+      unit[b] = 1;
+      column = columns_.emplace(b, solver_.solve(unit)).first;
+    }
+    return column->second[a];
+  }
+
+ private:
+  // Z(i, j) where the factor's pattern holds it.
+  std::optional<double> find(int i, int j) const {
+    if (i == j) return diagonal_[static_cast<std::size_t>(i)];
+    if (i < j) std::swap(i, j);
+    const int* first = inner_ + outer_[j];
+    const int* last = inner_ + outer_[j + 1];
+    const int* at = std::lower_bound(first, last, i);
+    if (at == last || *at != i) return std::nullopt;
+    return lower_[static_cast<std::size_t>(at - inner_)];
+  }
+  double permuted(int i, int k) const { return find(i, k).value_or(0.0); }
+
+  const Eigen::SimplicialLDLT<Eigen::SparseMatrix<double>>& solver_;
+  const int* outer_ = nullptr;
+  const int* inner_ = nullptr;
+  std::vector<double> lower_, diagonal_;
+  mutable std::map<int, Eigen::VectorXd> columns_;
+};
 
 }  // namespace
 
@@ -269,7 +337,7 @@ Adjustment adjustNetwork(const Network& net) {
     out.passed = true;
   }
   out.critical = boost::math::quantile(boost::math::complement(boost::math::normal(), net.snooping / 2));
-  const Eigen::MatrixXd Q = u.count ? Eigen::MatrixXd(solver.solve(Eigen::MatrixXd::Identity(u.count, u.count))) : Eigen::MatrixXd();
+  const SparseInverse Q(solver);
   const double scale95 = std::sqrt(boost::math::quantile(boost::math::chi_squared(2), 0.95));
   double worst = 0;
   for (std::size_t i = 0; i < net.observations.size(); ++i) {
@@ -312,7 +380,26 @@ Adjustment adjustNetwork(const Network& net) {
     out.points.push_back(a);
   }
   // Relative ellipses, and the relative positional precision allowed: 2 cm or 0.07 ft, plus 50 ppm.
-  for (const auto& [i, j] : net.relative) {
+  std::vector<std::array<int, 2>> pairs = net.relative;
+  if (!net.relativeGiven) {
+    // Every pair joined by an observation, once, where one of them moves.
+    std::set<std::array<int, 2>> joined;
+    const auto join = [&](int a, int b) {
+      if (a == b || (u.n[static_cast<std::size_t>(a)] < 0 && u.n[static_cast<std::size_t>(b)] < 0)) return;
+      if (!P(a).northing || !P(b).northing) return;
+      if (joined.insert({std::min(a, b), std::max(a, b)}).second) pairs.push_back({std::min(a, b), std::max(a, b)});
+    };
+    for (const Observation& o : net.observations) {
+      if (o.type == ObservationType::Dh) continue;
+      if (o.type == ObservationType::Angle) {
+        join(o.at, o.back);
+        join(o.at, o.fore);
+      } else {
+        join(o.from, o.to);
+      }
+    }
+  }
+  for (const auto& [i, j] : pairs) {
     const auto q = [&](int a, int b) { return a >= 0 && b >= 0 ? Q(a, b) : 0.0; };
     const int ni = u.n[static_cast<std::size_t>(i)], ei = u.e[static_cast<std::size_t>(i)], nj = u.n[static_cast<std::size_t>(j)],
               ej = u.e[static_cast<std::size_t>(j)];

@@ -186,6 +186,7 @@ Network parseNetwork(const std::string& text) {
     n.observations.push_back(ob);
   }
   if (j.contains("relative")) {
+    n.relativeGiven = true;
     if (!j["relative"].is_array()) throw NetworkError("\"relative\" is a list of pairs of points");
     for (const Json& pair : j["relative"]) {
       if (!pair.is_array() || pair.size() != 2) throw NetworkError("\"relative\" is a list of pairs of points");

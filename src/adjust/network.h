@@ -47,7 +47,10 @@ struct Network {
   double snooping = 0.001;     // of the w-test, two-sided
   std::vector<NetworkStation> points;
   std::vector<Observation> observations;
-  std::vector<std::array<int, 2>> relative;  // pairs for relative ellipses
+  // Pairs for relative ellipses; where the file names none, every pair of
+  // points joined by an observation, not both held.
+  std::vector<std::array<int, 2>> relative;
+  bool relativeGiven = false;
 };
 
 // The network of a file's text. NetworkError names what is wrong and where.

@@ -76,6 +76,18 @@ TEST(Adjustment, ExactObservationsGiveBackTheTruthWithNoResidual) {
   EXPECT_FALSE(a.flagged);
   EXPECT_GT(a.points[2].ellipse95.a, a.points[2].standard.a * 2.4);
   EXPECT_NEAR(a.critical, 3.2905, 1e-4);
+  // Without weighted control the redundancy numbers sum to the degrees of
+  // freedom: a check on every element of the inverse the statistics take.
+  Json held = network();
+  held["points"][1].erase("sigma");
+  held["points"][1]["fixed"] = true;
+  const Adjustment h = adjustNetwork(parseNetwork(held.dump()));
+  double redundancy = 0;
+  for (const AdjustedObservation& o : h.observations) redundancy += o.redundancy;
+  EXPECT_NEAR(redundancy, h.dof, 1e-9);
+  // With no pairs named, every pair joined by an observation where one moves (A-B both held: none).
+  EXPECT_EQ(h.relative.size(), 8u);
+  for (const RelativeEllipse& r : h.relative) EXPECT_FALSE(r.from == 0 && r.to == 1);
 }
 
 TEST(Adjustment, GaussianErrorsPassTheGlobalTestAndABlunderIsFlaggedWhereItIs) {
