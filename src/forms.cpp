@@ -9,6 +9,7 @@
 #include "app/shell.h"
 #include "cogo/frm_cogo.h"
 #include "parcels/frm_mapcheck.h"
+#include "adjust/frm_network.h"
 #include "parcels/frm_surveyor.h"
 #include "crs/frm_crs.h"
 #include "grading/frm_grade.h"
@@ -55,6 +56,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmRestore", [](Program& p) { return std::make_unique<frmRestore>(p); });
   registry.addForm("frmCogo", [](Program& p) { return std::make_unique<frmCogo>(p); });
   registry.addForm("frmMapcheck", [](Program& p) { return std::make_unique<frmMapcheck>(p); });
+  registry.addForm("frmNetwork", [](Program& p) { return std::make_unique<frmNetwork>(p); });
   registry.addForm("frmSurveyor", [](Program& p) { return std::make_unique<frmSurveyor>(p); });
   registry.addForm("frmPoints", [](Program& p) { return std::make_unique<frmPoints>(p); });
   registry.addForm("frmCrs", [](Program& p) { return std::make_unique<frmCrs>(p); });

@@ -93,6 +93,10 @@ frmMain::frmMain(Program& program)
     if (this->program().registry().hasForm("frmMapcheck")) shell().showModal(this->program().form("frmMapcheck"));
     showProject();
   });
+  add("mnuProjectNetwork", mnuProjectNetwork).click([this] {
+    if (this->program().registry().hasForm("frmNetwork")) shell().showModal(this->program().form("frmNetwork"));
+    showProject();
+  });
   add("mnuProjectSurveyor", mnuProjectSurveyor).click([this] {
     if (this->program().project && this->program().registry().hasForm("frmSurveyor")) shell().showModal(this->program().form("frmSurveyor"));
   });

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "adjust/adjustment.h"
+#include "adjust/adjustment_report.h"
 #include "app/json_text.h"
 #include "app/runner.h"
 #include "cogo/cogo.h"
@@ -76,37 +77,7 @@ int adjustCommand(const std::string& file, bool json, std::ostream& out, std::os
     }
     out << jsonText(j) << "\n";
   } else {
-    out << "Least-squares adjustment of " << file << "\n";
-    out << "  Degrees of freedom " << a.dof << ", reference variance " << Format(a.variance, "0.0000") << " after " << a.iterations
-        << " iterations\n";
-    const double percent = network.significance * 100;
-    out << "  Chi-square test at " << Format(percent, percent == std::round(percent) ? "0" : "0.0##") << " %: " << Format(a.chiSquare, "0.000") << " within ["
-        << Format(a.lower, "0.000") << ", " << Format(a.upper, "0.000") << "]: " << (a.passed ? "passed" : "FAILED") << "\n";
-    // The residuals, the largest standardized first.
-    std::vector<AdjustedObservation> sorted = a.observations;
-    std::stable_sort(sorted.begin(), sorted.end(), [](const auto& x, const auto& y) { return std::fabs(x.standardized) > std::fabs(y.standardized); });
-    out << "  Observation                                          residual       w      r\n";
-    for (const AdjustedObservation& o : sorted) {
-      std::string name = observationName(network, network.observations[static_cast<std::size_t>(o.place - 1)]);
-      name.resize(std::max<std::size_t>(name.size(), 50), ' ');
-      out << "  " << name << " " << Format(o.residual, "0.0000") << "  " << Format(o.standardized, "0.00") << "  " << Format(o.redundancy, "0.00")
-          << (o.flagged ? "  <- likely blunder (|w| > " + Format(a.critical, "0.00") + ")" : "") << "\n";
-    }
-    out << "  Point            Northing        Easting      sN      sE   95 % a, b, azimuth\n";
-    for (const AdjustedPoint& p : a.points) {
-      if (!p.northing) continue;
-      std::string name = p.name;
-      name.resize(std::max<std::size_t>(name.size(), 12), ' ');
-      out << "  " << name << " " << Format(*p.northing, "0.0000") << "  " << Format(*p.easting, "0.0000") << "  " << Format(p.sn, "0.0000") << "  "
-          << Format(p.se, "0.0000") << "  " << Format(p.ellipse95.a, "0.0000") << ", " << Format(p.ellipse95.b, "0.0000") << ", "
-          << angleText(p.ellipse95.azimuth, 0) << (p.moved ? "" : "  (held)") << "\n";
-    }
-    for (const AdjustedPoint& p : a.points)
-      if (p.elevation) out << "  " << p.name << "  elevation " << Format(*p.elevation, "0.0000") << "  sZ " << Format(p.sz.value_or(0), "0.0000") << "\n";
-    for (const RelativeEllipse& r : a.relative)
-      out << "  Relative " << network.points[static_cast<std::size_t>(r.from)].name << "-" << network.points[static_cast<std::size_t>(r.to)].name
-          << ": 95 % " << Format(r.ellipse95.a, "0.0000") << " allowed " << Format(r.allowed, "0.0000") << ": " << (r.passed ? "passed" : "FAILED") << "\n";
-    out << (good ? "  The network passed its tests.\n" : "  The network did NOT pass: look at the flagged observation, remove or reweight it, and adjust again.\n");
+    for (const std::string& line : adjustmentReport(network, a, file)) out << line << "\n";
   }
   return good ? 0 : kExitCriticalBox;
 }

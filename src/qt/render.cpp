@@ -21,6 +21,7 @@
 #include "points/readers.h"
 #include "cogo/frm_cogo.h"
 #include "parcels/frm_mapcheck.h"
+#include "adjust/frm_network.h"
 #include "project/frm_points.h"
 #include "project/point_import.h"
 #include "project/project_session.h"
@@ -205,6 +206,11 @@ void openExampleProject(Program& program, QtShell& shell, const QString& dir) {
   shell.setClipboardText("N 26-10 E\t285.10\nS 75-25 E\t610.45\nS 15-30 W\t720.48\nN 1-42 W\t203.00\nN 53-06 W\t647.02\n");
   deed.click("btnPasteCalls");
   deed.click("btnCheck");
+  // The example network, adjusted with its ellipses.
+  auto& net = program.form<frmNetwork>("frmNetwork");
+  net.setOpen(true);
+  net.openPath("examples/braced.network.json");
+  net.click("btnAdjust");
 }
 
 }  // namespace
@@ -236,7 +242,7 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     const QSize size = name == "frmTownship"                          ? QSize(1240, 720)
                        : name == "frmTraverse" || name == "frmPoints" ? QSize(1300, 720)
                        : name == "frmCogo"                          ? QSize(1240, 700)
-                       : name == "frmMapcheck"                      ? QSize(1300, 700)
+                       : name == "frmMapcheck" || name == "frmNetwork" ? QSize(1300, 700)
                                                                       : QSize();
     failures += saveView(program, shell, main, dir, name, name, size) ? 0 : 1;
   }

@@ -26,6 +26,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmPoints", makePointsView);
   shell.addView("frmCogo", makeCogoView);
   shell.addView("frmMapcheck", makeMapcheckView);
+  shell.addView("frmNetwork", makeNetworkView);
   shell.addView("frmSurveyor", makeSurveyorView);
 }
 
