@@ -90,14 +90,22 @@ void frmNetwork::changed() {
 }
 
 bool frmNetwork::openPath(const std::string& file) {
+  if (!readDefaults(file, "Open a Network")) return false;
+  lstReport.items.clear();
+  lblResult.caption = "";
+  return true;
+}
+
+bool frmNetwork::readDefaults(const std::string& file, const std::string& title) {
   nlohmann::ordered_json j;
   try {
     j = parseStrictJson(readInputFile(file));
   } catch (const std::exception& e) {
-    shell().msgBox("Open a Network", "The file " + file + " cannot be read as a network: " + e.what() + ".", Icon::Exclamation);
+    shell().msgBox(title, "The file " + file + " cannot be read as a network: " + e.what() + ".", Icon::Exclamation);
     return false;
   }
   txtFile.text = file;
+  loaded_ = file;
   // The file's own defaults and significance into the fields, the program's where it gives none.
   txtAngle.text = "5", txtDistance.text = "0.01", txtPpm.text = "5", txtCentering.text = "0", txtSignificance.text = "5";
   if (j.is_object() && j.contains("defaults") && j["defaults"].is_object()) {
@@ -112,8 +120,6 @@ bool frmNetwork::openPath(const std::string& file) {
   if (j.is_object() && j.contains("significance") && j["significance"].is_number())
     txtSignificance.text = numberText(j["significance"].get<double>() * 100);
   changed();
-  lstReport.items.clear();
-  lblResult.caption = "";
   return true;
 }
 
@@ -123,6 +129,8 @@ void frmNetwork::btnAdjust_Click() {
     shell().msgBox(kTitle, "Choose the network file first (Browse...).", Icon::Exclamation);
     return;
   }
+  // A file typed rather than browsed for brings its own defaults first, as Browse does.
+  if (txtFile.text != loaded_ && !readDefaults(txtFile.text, kTitle)) return;
   Network network;
   Adjustment a;
   try {
@@ -161,7 +169,10 @@ void frmNetwork::btnAdjust_Click() {
   btnStore.enabled = program().project != nullptr;
   // A failed test or a flagged blunder is said loudly; nothing is removed.
   if (!a.passed || a.flagged)
-    shell().msgBox(kTitle, "The network did not pass its tests. " + lblResult.caption + " Remove or reweight the observation and adjust again.",
+    shell().msgBox(kTitle,
+                   "The network did not pass its tests. " + lblResult.caption +
+                       (a.flagged ? " Remove or reweight the flagged observation and adjust again."
+                                  : " Check the standard deviations given against the instrument, and look for a blunder."),
                    Icon::Critical);
 }
 
@@ -197,6 +208,7 @@ void frmNetwork::opened() {
   try {
     const auto kept = parseStrictJson(readInputFile(keptFile(program().userAppData)));
     for (const auto& [name, box] : texts()) box->text = kept.at("fields").at(name).get<std::string>();
+    loaded_ = txtFile.text;  // the fields as they were left, the file's or the user's
   } catch (const std::exception&) {
   }
 }

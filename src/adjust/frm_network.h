@@ -57,10 +57,13 @@ class frmNetwork : public FormModel {
  private:
   void changed();
   void store();
+  // The file's defaults and significance into the fields; a box and false when it cannot be read.
+  bool readDefaults(const std::string& file, const std::string& title);
   std::vector<std::pair<const char*, TextBox*>> texts();
   std::optional<Network> network_;
   std::optional<Adjustment> adjustment_;
   bool keptTaken_ = false;
+  std::string loaded_;  // the file whose defaults the fields hold
 };
 
 }  // namespace tervalo

@@ -69,11 +69,21 @@ TEST(NetworkWindow, ABlunderIsSaidLoudlyAndABadFieldRefused) {
   const Picture p = form.picture();
   EXPECT_EQ(std::count_if(p.lines.begin(), p.lines.end(), [](const PictureLine& l) { return l.ink == Ink::Alert; }), 2);  // the angle's two sights
 
+  // A file typed, not browsed for, brings its own defaults on Adjust: the example passes at its 2".
+  form.typeText("txtFile", kExample);
+  form.click("btnAdjust");
+  EXPECT_EQ(form.txtAngle.text, "2");
+  EXPECT_EQ(b.shell.boxes.size(), 1u);
+  EXPECT_NE(form.lblResult.caption.find("Global test passed"), std::string::npos) << form.lblResult.caption;
+  form.typeText("txtFile", file.string());
+  form.click("btnAdjust");
+  ASSERT_EQ(b.shell.boxes.size(), 2u);
+
   form.typeText("txtAngle", "0");
   EXPECT_FALSE(form.btnPrint.enabled);  // a change voids the result
   form.click("btnAdjust");
-  ASSERT_EQ(b.shell.boxes.size(), 2u);
-  EXPECT_EQ(b.shell.boxes[1].text, "The network cannot be adjusted. The angle's standard deviation must be more than 0.");
+  ASSERT_EQ(b.shell.boxes.size(), 3u);
+  EXPECT_EQ(b.shell.boxes[2].text, "The network cannot be adjusted. The angle's standard deviation must be more than 0.");
 
   form.keepInputs();
   Program again{b.shell, b.dir.folder()};
