@@ -56,11 +56,18 @@ frmNetwork::frmNetwork(Program& program) : FormModel(program, "frmNetwork", "Net
   add("btnPrint", btnPrint).click([this] { shell().print({"Network adjustment", lstReport.items, picture()}); });
   add("btnSaveReport", btnSaveReport).click([this] {
     const auto chosen = shell().chooseFile(FileDialog::Save, "Save the Adjustment Report", this->program().userAppData + "adjustment.rpt",
-                                           {"Reports (*.rpt *.txt)"});
+                                           {"Reports (*.rpt *.txt)", "PDF document (*.pdf)"});
     if (!chosen || chosen->empty()) return;
     try {
-      this->program().writeOutputFile(*chosen, lstReport.items);
-      shell().fileWritten(std::filesystem::absolute(*chosen));
+      // A PDF holds the report and the picture on a page of its own; any other name, the text.
+      const std::filesystem::path file(*chosen);
+      std::string ending = file.extension().string();
+      for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+      if (ending == ".pdf")
+        shell().savePdf({"Network adjustment", lstReport.items, picture()}, file);
+      else
+        this->program().writeOutputFile(file, lstReport.items);
+      shell().fileWritten(std::filesystem::absolute(file));
     } catch (const RunTimeError& e) {
       shell().msgBox(kTitle, e.what(), Icon::Exclamation);
     }

@@ -20,6 +20,10 @@ void Shell::savePicture(const Picture&, const std::filesystem::path&) {
   throw RunTimeError("Pictures are drawn by the desktop program; save this one there.");
 }
 
+void Shell::savePdf(const PrintJob&, const std::filesystem::path&) {
+  throw RunTimeError("PDF reports are painted by the desktop program; save this one there.");
+}
+
 void Shell::print(const PrintJob& job) {
   msgBox("Print", "\"" + job.title + "\" is printed by the desktop program.", Icon::Information);
 }

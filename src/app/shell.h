@@ -62,6 +62,10 @@ class Shell {
   // which also offers a PDF file; the headless runner says it cannot.
   virtual void print(const PrintJob& job);
 
+  // Writes a text (and its picture) as a PDF file, whole, as printing into
+  // a PDF would; the headless runner says it cannot.
+  virtual void savePdf(const PrintJob& job, const std::filesystem::path& file);
+
   // Opens a calculator again with a job's inputs, in the windows a user
   // sees, as the desktop program does for a saved or previous job; the
   // runner and tests have no windows to reopen.

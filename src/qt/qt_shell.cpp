@@ -255,6 +255,8 @@ std::optional<std::filesystem::path> QtShell::runPrintDialog(const PrintJob& job
   return printWithDialog(job, QApplication::activeWindow());
 }
 
+void QtShell::savePdf(const PrintJob& job, const std::filesystem::path& file) { writePrintPdf(job, file); }
+
 void QtShell::print(const PrintJob& job) {
   try {
     if (const auto file = runPrintDialog(job)) fileWritten(std::filesystem::absolute(*file));

@@ -44,6 +44,7 @@ class QtShell : public Shell {
   void savePicture(const Picture& picture, const std::filesystem::path& file) override;
   // The print dialog; a fault of the chosen file is said in a box.
   void print(const PrintJob& job) override;
+  void savePdf(const PrintJob& job, const std::filesystem::path& file) override;
   Date today() override;
   std::string clipboardText() override;
   void setClipboardText(const std::string& text) override;

@@ -264,11 +264,13 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     std::cout << (drawn ? "rendered " : "could not render ") << drawing.toStdString() << "\n";
     failures += drawn ? 0 : 1;
     // The section's plat and the Mapcheck window's, as their Plat buttons write them.
-    for (const auto& [form, file] : {std::pair{"frmSecSub", "section-plat.pdf"}, {"frmMapcheck", "mapcheck-plat.pdf"}}) {
+    // The network's adjustment report as a PDF, as its Save Report button writes it.
+    for (const auto& [form, file, button] : {std::tuple{"frmSecSub", "section-plat.pdf", "btnPlat"}, {"frmMapcheck", "mapcheck-plat.pdf", "btnPlat"},
+                                             {"frmNetwork", "network-report.pdf", "btnSaveReport"}}) {
       const std::string path = QDir(dir).filePath(file).toStdString();
       std::filesystem::remove(path);
       shell.unattendedFiles.push_back(path);
-      program.form(form).click("btnPlat");
+      program.form(form).click(button);
       const bool platted = std::filesystem::exists(path);
       std::cout << (platted ? "rendered " : "could not render ") << path << "\n";
       failures += platted ? 0 : 1;

@@ -51,6 +51,12 @@ TEST(NetworkWindow, TheExampleIsAdjustedReportedDrawnAndStored) {
   b.shell.chosenFiles.push_back((b.dir.path() / "net.rpt").string());
   form.click("btnSaveReport");
   EXPECT_NE(readInputFile(b.dir.path() / "net.rpt").find("RELATIVE PRECISION"), std::string::npos);
+  // As a PDF: the report and the picture, painted by the desktop program.
+  b.shell.chosenFiles.push_back((b.dir.path() / "net.PDF").string());
+  form.click("btnSaveReport");
+  ASSERT_EQ(b.shell.pdfs.size(), 1u);
+  EXPECT_EQ(b.shell.pdfs[0].first.lines, form.lstReport.items);
+  EXPECT_TRUE(b.shell.pdfs[0].first.picture && !b.shell.pdfs[0].first.picture->empty());
 }
 
 TEST(NetworkWindow, ABlunderIsSaidLoudlyAndABadFieldRefused) {

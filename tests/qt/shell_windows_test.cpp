@@ -13,10 +13,12 @@
 #include <QRadioButton>
 #include <QStandardPaths>
 #include <QMessageBox>
+#include <QProcess>
 #include <QTest>
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "adjust/frm_network.h"
 #include "app/data_folder.h"
 #include "app/forms_misc.h"
 #include "app/identity.h"
@@ -124,6 +126,25 @@ class ShellWindows : public QObject, testing::DesktopFixture {
     QCOMPARE(view.get<QListWidget>("lstD")->count(), 3);
     QVERIFY(view.get<QLabel>("lblHidden")->isVisible());
     QCOMPARE(view.windowTitle(), QString("Kinds"));
+  }
+
+  // The Network Adjustment window's report as a PDF: written whole and read
+  // back by another program with the report's text and the picture's caption.
+  void networkReportAsPdfReadsBack() {
+    auto& network = program->form<frmNetwork>("frmNetwork");
+    network.setOpen(true);
+    QVERIFY(network.openPath(std::string(TERVALO_SOURCE_DIR) + "/examples/braced.network.json"));
+    network.click("btnAdjust");
+    const std::filesystem::path pdf = dir->path() / "network.pdf";
+    shell->chosenFiles.push_back(pdf.string());
+    network.click("btnSaveReport");
+    QVERIFY(std::filesystem::exists(pdf));
+    QProcess text;
+    text.start("pdftotext", {"-layout", QString::fromStdString(pdf.string()), "-"});
+    QVERIFY(text.waitForFinished(20000));
+    const QString read = QString::fromUtf8(text.readAllStandardOutput());
+    QVERIFY2(read.contains("LEAST-SQUARES ADJUSTMENT") && read.contains("The network passed its tests."), qPrintable(read.left(400)));
+    QVERIFY(read.contains("95 % error ellipses enlarged 5,000 times"));
   }
 
   void continueWithAMissingFileSaysSo() {

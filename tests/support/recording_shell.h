@@ -64,6 +64,8 @@ class RecordingShell : public Shell, public BoxScript {
   void openInEditor(const std::filesystem::path& file) override { editorFiles.push_back(file); }
   void fileWritten(const std::filesystem::path& file) override { writtenFiles.push_back(file); }
   void print(const PrintJob& job) override { printed.push_back(job); }
+  void savePdf(const PrintJob& job, const std::filesystem::path& file) override { pdfs.push_back({job, file}); }
+  std::vector<std::pair<PrintJob, std::filesystem::path>> pdfs;
   std::vector<PrintJob> printed;
   Date today() override { return date; }
 };
