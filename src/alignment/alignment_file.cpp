@@ -1,0 +1,100 @@
+#include "alignment/alignment_file.h"
+
+#include <cmath>
+
+#include "app/json_fields.h"
+
+namespace tervalo {
+namespace {
+
+using Fields = JsonFields<AlignmentError>;
+using Json = nlohmann::ordered_json;
+
+double finite(const Json& j, const std::string& where, const char* key) {
+  if (!j.contains(key)) throw AlignmentError(where + " has no \"" + key + "\"");
+  const double v = Fields::number(j[key], where, key);
+  if (!std::isfinite(v)) throw AlignmentError(where + ": \"" + key + "\" must be a finite number");
+  return v;
+}
+
+double station(const Json& j, const std::string& where, const char* key) {
+  if (!j.contains(key)) throw AlignmentError(where + " has no \"" + key + "\"");
+  if (j[key].is_number()) return finite(j, where, key);
+  if (j[key].is_string())
+    if (const auto s = parseStation(j[key].get<std::string>())) return *s;
+  throw AlignmentError(where + ": \"" + key + "\" must be a station (\"12+34.56\" or 1234.56)");
+}
+
+}  // namespace
+
+AlignmentFile parseAlignmentFile(const std::string& text) {
+  Json j;
+  try {
+    j = parseStrictJson(text);
+  } catch (const std::exception& e) {
+    throw AlignmentError(std::string("the file is not JSON: ") + e.what());
+  }
+  if (!j.is_object()) throw AlignmentError("the file is not an alignment file: it holds no object");
+  Fields::refuseUnknown(j, {"version", "units", "start", "pis", "equations", "profile", "chord"}, "the file");
+  if (!j.contains("version") || !j["version"].is_number_integer() || j["version"].get<int>() != 1)
+    throw AlignmentError("the file: \"version\" must be 1");
+  AlignmentFile f;
+  AlignmentInput& a = f.alignment;
+  if (j.contains("units")) {
+    a.units = Fields::text(j["units"], "the file", "units");
+    if (a.units != "ft" && a.units != "m") throw AlignmentError("the file: \"units\" is \"ft\" or \"m\"");
+  }
+  a.start = j.contains("start") ? station(j, "the file", "start") : 0;
+  if (j.contains("chord")) {
+    if (!j["chord"].is_boolean()) throw AlignmentError("the file: \"chord\" is true or false");
+    a.chord = j["chord"].get<bool>();
+  }
+  if (!j.contains("pis") || !j["pis"].is_array()) throw AlignmentError("the file: \"pis\" must list the PIs");
+  for (std::size_t i = 0; i < j["pis"].size(); ++i) {
+    const Json& p = j["pis"][i];
+    const std::string where = "PI " + std::to_string(i + 1);
+    if (!p.is_object()) throw AlignmentError(where + " must be an object");
+    Fields::refuseUnknown(p, {"northing", "easting", "radius", "spiral_in", "spiral_out"}, where);
+    AlignmentPi pi;
+    pi.northing = finite(p, where, "northing");
+    pi.easting = finite(p, where, "easting");
+    if (p.contains("radius")) pi.radius = finite(p, where, "radius");
+    if (p.contains("spiral_in")) pi.spiralIn = finite(p, where, "spiral_in");
+    if (p.contains("spiral_out")) pi.spiralOut = finite(p, where, "spiral_out");
+    a.pis.push_back(pi);
+  }
+  if (j.contains("equations")) {
+    if (!j["equations"].is_array()) throw AlignmentError("the file: \"equations\" must list the station equations");
+    for (std::size_t i = 0; i < j["equations"].size(); ++i) {
+      const Json& q = j["equations"][i];
+      const std::string where = "station equation " + std::to_string(i + 1);
+      if (!q.is_object()) throw AlignmentError(where + " must be an object");
+      Fields::refuseUnknown(q, {"back", "ahead"}, where);
+      a.equations.push_back({station(q, where, "back"), station(q, where, "ahead")});
+    }
+  }
+  if (j.contains("profile")) {
+    if (!j["profile"].is_array()) throw AlignmentError("the file: \"profile\" must list the VPIs");
+    for (std::size_t i = 0; i < j["profile"].size(); ++i) {
+      const Json& v = j["profile"][i];
+      const std::string where = "VPI " + std::to_string(i + 1);
+      if (!v.is_object()) throw AlignmentError(where + " must be an object");
+      Fields::refuseUnknown(v, {"station", "elevation", "length", "length_in", "length_out"}, where);
+      Vpi vpi;
+      vpi.station = station(v, where, "station");
+      vpi.elevation = finite(v, where, "elevation");
+      if (v.contains("length")) {
+        if (v.contains("length_in") || v.contains("length_out"))
+          throw AlignmentError(where + ": give \"length\" (symmetric) or \"length_in\" and \"length_out\", not both");
+        vpi.lengthIn = vpi.lengthOut = finite(v, where, "length") / 2;
+      } else {
+        if (v.contains("length_in")) vpi.lengthIn = finite(v, where, "length_in");
+        if (v.contains("length_out")) vpi.lengthOut = finite(v, where, "length_out");
+      }
+      f.profile.push_back(vpi);
+    }
+  }
+  return f;
+}
+
+}  // namespace tervalo
