@@ -224,6 +224,7 @@ Alignment::Alignment(const AlignmentInput& in) : input_(in) {
     heading = e.kind == ElementKind::Line ? e.azimuth
               : e.kind == ElementKind::Arc ? e.azimuth + e.k0 * e.length * e.arcScale
                                            : e.azimuth + (e.k0 + e.k1) / 2 * e.length;
+    e.endNorthing = end.northing, e.endEasting = end.easting, e.endAzimuth = heading;
     elements_.push_back(e);
   };
   for (int i = 1; i < n; ++i) {
@@ -346,11 +347,11 @@ std::vector<Projection> Alignment::project(double northing, double easting) cons
       if (std::fabs(f.along - along) < 1e-7 && std::fabs(f.offset - offset) < 1e-7) return;  // at a joint, once
     found.push_back({along, offset, static_cast<int>(i), e.kind});
   };
-  // f(l): the point's distance ahead of the element's normal at l.
+  // f(l): the point's distance ahead of the element's normal at l; at the ends from the kept poses.
+  const auto aheadOf = [&](double n, double e, double a) { return (northing - n) * std::cos(a) + (easting - e) * std::sin(a); };
   const auto ahead = [&](const Element& e, double l) {
     const Pose p = poseOn(e, l);
-    const double a = p.azimuth * kDegree;
-    return (northing - p.northing) * std::cos(a) + (easting - p.easting) * std::sin(a);
+    return aheadOf(p.northing, p.easting, p.azimuth * kDegree);
   };
   for (std::size_t i = 0; i < elements_.size(); ++i) {
     const Element& e = elements_[i];
@@ -377,7 +378,7 @@ std::vector<Projection> Alignment::project(double northing, double easting) cons
       continue;
     }
     // A spiral: a root of f between its ends, by bisection sharpened with the secant.
-    double a = 0, b = e.length, fa = ahead(e, a), fb = ahead(e, b);
+    double a = 0, b = e.length, fa = aheadOf(e.northing, e.easting, e.azimuth), fb = aheadOf(e.endNorthing, e.endEasting, e.endAzimuth);
     if (std::fabs(fa) <= tol) {
       consider(i, 0);
       continue;

@@ -51,6 +51,7 @@ struct Element {
   double northing = 0, easting = 0, azimuth = 0;  // at its start; azimuth in radians
   double k0 = 0, k1 = 0;
   double arcScale = 1;  // an arc by chord definition: its true length over its stationed length
+  double endNorthing = 0, endEasting = 0, endAzimuth = 0;  // at its end, kept: a spiral's is an integral
   int pi = -1;          // the PI whose curve it belongs to, -1 for a tangent
 };
 

@@ -29,6 +29,8 @@ Profile::Profile(const std::vector<Vpi>& vpis, const Alignment& alignment) : vpi
       throw AlignmentError(vpiName(i) + " at " + alignment.stationText(v.station) + " is not ahead of " + vpiName(i - 1) + " at " +
                            alignment.stationText(vpis[i - 1].station));
   }
+  from_ = alignment.stationText(vpis.front().station);
+  to_ = alignment.stationText(vpis.back().station);
   for (std::size_t i = 0; i + 1 < vpis.size(); ++i)
     grades_.push_back((vpis[i + 1].elevation - vpis[i].elevation) / (along_[i + 1] - along_[i]));
   for (std::size_t i = 1; i + 1 < vpis.size(); ++i) {
@@ -88,9 +90,7 @@ ProfilePoint Profile::at(double along) const {
     return {c.pvtElevation - c.g2 * x + e * (x / l2) * (x / l2), c.g2 - 2 * e * x / (l2 * l2)};
   }
   // On a tangent: the grade of the VPIs either side.
-  if (along < along_.front() - 1e-9 || along > along_.back() + 1e-9)
-    throw AlignmentError("the profile runs from " + Format(along_.front(), "0.000") + " to " + Format(along_.back(), "0.000") + " along; " +
-                         Format(along, "0.000") + " is beyond it");
+  if (!covers(along)) throw AlignmentError("the profile runs from " + from_ + " to " + to_ + " only");
   std::size_t i = static_cast<std::size_t>(std::upper_bound(along_.begin(), along_.end(), along) - along_.begin());
   i = std::clamp<std::size_t>(i, 1, along_.size() - 1) - 1;
   return {vpis_[i].elevation + grades_[i] * (along - along_[i]), grades_[i]};

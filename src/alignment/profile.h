@@ -39,6 +39,8 @@ class Profile {
   Profile(const std::vector<Vpi>& vpis, const Alignment& alignment);
 
   ProfilePoint at(double along) const;
+  // Whether the profile reaches this far along: from its first VPI to its last.
+  bool covers(double along) const { return along >= along_.front() - 1e-9 && along <= along_.back() + 1e-9; }
   const std::vector<VerticalCurveData>& curves() const { return curves_; }
   const std::vector<double>& vpiAlong() const { return along_; }
   const std::vector<Vpi>& vpis() const { return vpis_; }
@@ -48,6 +50,7 @@ class Profile {
   std::vector<double> along_;
   std::vector<double> grades_;  // of each tangent, ratios
   std::vector<VerticalCurveData> curves_;
+  std::string from_, to_;  // the first and last VPIs' stations, for a refusal
 };
 
 }  // namespace tervalo

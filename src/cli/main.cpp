@@ -15,6 +15,7 @@
 #include "cli/parcels_command.h"
 #include "cli/points_command.h"
 #include "cli/adjust_command.h"
+#include "cli/alignment_command.h"
 #include "cli/cogo_command.h"
 #include "cli/project_command.h"
 #include "cli/restore_command.h"
@@ -239,6 +240,21 @@ int run(int argc, char** argv) {
   cogoCmd->add_flag("--json", cogoJson, "Print every result and the points stored as JSON");
   cogoCmd->add_option("--seconds", cogoSeconds, "Decimals of seconds in the answers' angles and bearings, 0 to 3 (0)")->check(CLI::Range(0, 3));
 
+  // An alignment: its key points, a station's point, a point's station, a stakeout.
+  std::string alignmentFile, alignmentStation;
+  std::vector<double> alignmentPoint;
+  tervalo::AlignmentQuery alignmentQuery;
+  auto* alignmentCmd = app.add_subcommand("alignment", "An alignment's key points and curves, the point at a station and offset, the station "
+                                                       "and offset of a point, or a stakeout listing.");
+  alignmentCmd->add_option("file", alignmentFile, "The alignment file (NAME.alignment.json)")->required();
+  auto* stationOpt = alignmentCmd->add_option("--station", alignmentStation, "The point at this station (12+34.56)");
+  alignmentCmd->add_option("--offset", alignmentQuery.offset, "With --station or --every: the offset, right positive (0)");
+  auto* pointOpt = alignmentCmd->add_option("--point", alignmentPoint, "The station and offset of the point at N E")->expected(2);
+  auto* everyOpt = alignmentCmd->add_option("--every", alignmentQuery.every, "A stakeout listing at this interval, with every key point");
+  stationOpt->excludes(pointOpt)->excludes(everyOpt);
+  pointOpt->excludes(everyOpt);
+  alignmentCmd->add_flag("--json", alignmentQuery.json, "Print the answer as JSON");
+
   // A network adjusted by least squares.
   std::string adjustFile;
   bool adjustJson = false;
@@ -260,7 +276,7 @@ int run(int argc, char** argv) {
         known = known || command->get_name() == argv[1];
       if (!known) {
         std::cerr << "tervalo-cli: there is no command \"" << argv[1] << "\"; the commands are run, township, restore, traverse, "
-                  << "points, project, cogo, parcels, plat and adjust (tervalo-cli --help says what each does).\n";
+                  << "points, project, cogo, parcels, plat, adjust and alignment (tervalo-cli --help says what each does).\n";
         return kUsage;
       }
     }
@@ -271,6 +287,11 @@ int run(int argc, char** argv) {
   if (townshipCmd->parsed()) return townshipCommand(township);
   if (pointsCmd->parsed()) return tervalo::pointsCommand(pointsFile, std::cout, std::cerr);
   if (adjustCmd->parsed()) return tervalo::adjustCommand(adjustFile, adjustJson, std::cout, std::cerr);
+  if (alignmentCmd->parsed()) {
+    if (*stationOpt) alignmentQuery.station = alignmentStation;
+    if (*pointOpt) alignmentQuery.point = std::pair{alignmentPoint[0], alignmentPoint[1]};
+    return tervalo::alignmentCommand(alignmentFile, alignmentQuery, std::cout, std::cerr);
+  }
   if (cogoCmd->parsed()) return tervalo::cogoCommand(cogoProject, cogoFile, cogoJson, cogoSeconds, std::cout, std::cerr);
   if (projectNewCmd->parsed()) {
     tervalo::ProjectSettings settings = projectPeople;
