@@ -169,24 +169,41 @@ TEST(Alignment, StationsAcrossAnEquation) {
   EXPECT_EQ(a.stationText(-49.995), "-0+50.00");
 }
 
-TEST(Profile, SymmetricAndUnsymmetricCurvesAndTheirTurningPoints) {
-  const Alignment a(threePis(0.0, 1000, 0, 3000, 1000));  // straight: 20+00 to 40+00
-  // A crest: +4 % into -2 %, 600 feet symmetric about 30+00 at 100.00.
-  const Profile crest({{2000, 60}, {3000, 100, 300, 300}, {4000, 80}}, a);
-  const VerticalCurveData& c = crest.curves()[0];
-  EXPECT_NEAR(c.k, 100, 1e-9);
-  ASSERT_TRUE(c.turning);
-  EXPECT_NEAR(a.stationAt(*c.turning), 3100, 1e-6);  // 400 past the PVC at 27+00
-  EXPECT_NEAR(*c.turningElevation, 96, 1e-6);
-  EXPECT_NEAR(crest.at(a.alongAt(3000)).elevation, 100 - 0.06 * 600 / 8, 1e-9);  // the middle ordinate below the VPI
+// Two published vertical curve tables, to their printed places: a crest
+// (+5 % into -3.5 %, 500 feet about 56+50.00 at 1325.00) and a sag (-4 %
+// into +2.75 %, 425 feet from 88+00.00 at 1220.00) with its low point.
+TEST(Profile, PublishedCurveTablesAndUnsymmetricCurves) {
+  const Alignment a(threePis(0.0, 1000, 0, 7000, 3000));  // straight: 40+00 to 100+00
+  const Profile crest({{5000, 1325 - 0.05 * 650}, {5650, 1325, 250, 250}, {6200, 1325 - 0.035 * 550}}, a);
+  const double crestTable[][3] = {{5400, 1312.500, 5.0}, {5500, 1316.650, 3.3}, {5600, 1319.100, 1.6},
+                                  {5700, 1319.850, -0.1}, {5800, 1318.900, -1.8}, {5900, 1316.250, -3.5}};
+  for (const auto& [station, elevation, grade] : crestTable) {
+    EXPECT_NEAR(crest.at(a.alongAt(station)).elevation, elevation, 0.0005) << station;
+    EXPECT_NEAR(crest.at(a.alongAt(station)).grade * 100, grade, 0.05) << station;
+  }
+  const Profile sag({{8000, 1211.5 + 0.04 * 1012.5}, {9012.5, 1211.5, 212.5, 212.5}, {10000, 1211.5 + 0.0275 * 987.5}}, a);
+  // 91+00 is printed 1216.147, a misprint by one foot: its grade (+0.76 %), its neighbours and
+  // the low point (1214.963 at 90+51.852) all put it at 1215.147.
+  const double sagTable[][3] = {{8900, 1216.794, -2.41}, {9000, 1215.176, -0.82}, {9100, 1215.147, 0.76},
+                                {9200, 1216.706, 2.35},  {9225, 1217.344, 2.75}};
+  for (const auto& [station, elevation, grade] : sagTable) {
+    EXPECT_NEAR(sag.at(a.alongAt(station)).elevation, elevation, 0.0005) << station;
+    EXPECT_NEAR(sag.at(a.alongAt(station)).grade * 100, grade, 0.005) << station;
+  }
+  const VerticalCurveData& low = sag.curves()[0];
+  ASSERT_TRUE(low.turning);
+  EXPECT_NEAR(a.stationAt(*low.turning), 9051.852, 0.0005);
+  EXPECT_NEAR(*low.turningElevation, 1214.963, 0.0005);
+  EXPECT_NEAR(low.k, 425 / 6.75, 1e-9);
+
   // Unsymmetric: 200 before, 400 after; the elevation and grade run on without a break.
-  const Profile odd({{2000, 60}, {3000, 100, 200, 400}, {4000, 80}}, a);
-  for (double station : {2800.0, 3000.0, 3400.0}) {
+  const Profile odd({{5000, 60}, {6000, 100, 200, 400}, {7000, 80}}, a);
+  for (double station : {5800.0, 6000.0, 6400.0}) {
     const double s = a.alongAt(station);
     EXPECT_NEAR(odd.at(s - 1e-7).elevation, odd.at(s + 1e-7).elevation, 1e-7) << station;
     EXPECT_NEAR(odd.at(s - 1e-7).grade, odd.at(s + 1e-7).grade, 1e-6) << station;
   }
-  EXPECT_THROW(Profile({{2000, 60}, {3000, 100, 1200, 1200}, {4000, 80}}, a), AlignmentError);  // runs past the VPIs
+  EXPECT_THROW(Profile({{5000, 60}, {6000, 100, 1200, 1200}, {7000, 80}}, a), AlignmentError);  // runs past the VPIs
 }
 
 TEST(AlignmentFile, TheContractsExampleReadsAndBadFieldsAreNamed) {
