@@ -78,7 +78,7 @@ int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostr
       if (q.json) {
         out << jsonText(j) << "\n";
       } else {
-        out << "Station " << a.stationText(*station) << (q.offset ? ", offset " + fixed(q.offset, "0.000") + (q.offset > 0 ? " right" : " left") : "")
+        out << "Station " << a.stationText(*station) << (q.offset ? ", offset " + fixed(std::fabs(q.offset), "0.000") + (q.offset > 0 ? " right" : " left") : "")
             << ": N " << fixed(p.northing, "0.0000") << "  E " << fixed(p.easting, "0.0000") << "  tangent azimuth "
             << decimalToDmsCarried(a.at(along).azimuth);
         if (j.contains("elevation")) out << "  elevation " << fixed(j["elevation"].get<double>(), "0.000") << "  grade " << fixed(j["grade"].get<double>(), "0.000") << " %";
@@ -96,7 +96,7 @@ int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostr
       } else {
         if (found.size() > 1) out << "The point projects onto " << found.size() << " elements, the nearest first:\n";
         for (const Json& p : list)
-          out << "Station " << p["station"].get<std::string>() << "  offset " << fixed(p["offset"].get<double>(), "0.000")
+          out << "Station " << p["station"].get<std::string>() << "  offset " << fixed(std::fabs(p["offset"].get<double>()), "0.000")
               << (p["offset"].get<double>() >= 0 ? " right" : " left") << "  on the " << p["element"].get<std::string>() << "\n";
       }
       return 0;
