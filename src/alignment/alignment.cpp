@@ -292,6 +292,38 @@ Alignment::Alignment(const AlignmentInput& in) : input_(in) {
   }
 }
 
+Alignment::Alignment(const AlignmentInput& in, std::vector<Element> elements, std::vector<double> equationAlong)
+    : input_(in), elements_(std::move(elements)), equationAlong_(std::move(equationAlong)) {
+  if (elements_.empty()) throw AlignmentError("the alignment has no elements");
+  double along = 0;
+  const auto kindName = [](const Element& e) { return e.kind == ElementKind::Line ? 'L' : e.kind == ElementKind::Arc ? 'C' : 'S'; };
+  for (std::size_t i = 0; i < elements_.size(); ++i) {
+    Element& e = elements_[i];
+    if (!(e.length > 0)) throw AlignmentError("element " + std::to_string(i + 1) + ": a length of " + number(e.length) + "; it must be more than 0");
+    e.start = along;
+    const Pose end = poseOn(e, e.length);
+    e.endNorthing = end.northing, e.endEasting = end.easting;
+    e.endAzimuth = e.kind == ElementKind::Line ? e.azimuth
+                   : e.kind == ElementKind::Arc ? e.azimuth + e.k0 * e.length * e.arcScale
+                                                : e.azimuth + (e.k0 + e.k1) / 2 * e.length;
+    // Where two elements meet: TS, SC, CS, ST, PC, PT, or a curve joining a curve (PCC, or a spiral's own).
+    std::string name = "POT";
+    if (i > 0) {
+      const char a = kindName(elements_[i - 1]), b = kindName(e);
+      name = a == 'L' && b == 'S' ? "TS" : a == 'S' && b == 'C' ? "SC" : a == 'C' && b == 'S' ? "CS" : a == 'S' && b == 'L' ? "ST"
+           : a == 'L' && b == 'C' ? "PC" : a == 'C' && b == 'L' ? "PT" : a == 'C' && b == 'C' ? "PCC" : a == 'S' && b == 'S' ? "SS" : "POT";
+    }
+    if (i == 0 || name != "POT") keys_.push_back({name, along, e.northing, e.easting, -1});
+    along += e.length;
+  }
+  length_ = along;
+  const Element& last = elements_.back();
+  keys_.push_back({"POT", along, last.endNorthing, last.endEasting, -1});
+  for (std::size_t j = 0; j < equationAlong_.size(); ++j)
+    if (equationAlong_[j] < -1e-6 || equationAlong_[j] > length_ + 1e-6 || (j > 0 && equationAlong_[j] <= equationAlong_[j - 1]))
+      throw AlignmentError("station equation " + std::to_string(j + 1) + ": it does not stand on the alignment in the order of stationing");
+}
+
 double Alignment::stationAt(double along) const {
   double s = input_.start + along;
   for (std::size_t j = 0; j < equationAlong_.size(); ++j)

@@ -102,6 +102,13 @@ class Alignment {
   // turning more than the tangents do, curves whose tangents overlap,
   // equations out of order or beyond the alignment.
   explicit Alignment(const AlignmentInput& input);
+  // An alignment as another program gives it, element by element (each
+  // from its own start, so a gap of a tenth of a millimetre between two
+  // stays as it is), stationed from `input.start` with `input.equations`
+  // standing at `equationAlong` from the beginning. Its key points are
+  // named by the elements they join; its PIs and curve data are the file's
+  // to give, so `curves()` is empty.
+  Alignment(const AlignmentInput& input, std::vector<Element> elements, std::vector<double> equationAlong);
 
   const AlignmentInput& input() const { return input_; }
   const std::vector<Element>& elements() const { return elements_; }

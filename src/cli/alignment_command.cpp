@@ -6,7 +6,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include <filesystem>
+
 #include "alignment/alignment_file.h"
+#include "alignment/alignment_landxml.h"
+#include "export/export_file.h"
+#include "text/date.h"
 #include "app/json_text.h"
 #include "app/runner.h"
 #include "text/angle.h"
@@ -58,11 +63,35 @@ std::optional<std::pair<double, double>> deflection(const Alignment& a, double a
 
 int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostream& out, std::ostream& err) {
   try {
-    const AlignmentFile f = parseAlignmentFile(readInputFile(file));
-    const Alignment a(f.alignment);
+    // An alignment file, or the first alignment of a LandXML file.
+    std::string ending = std::filesystem::path(file).extension().string();
+    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    std::optional<Alignment> read;
+    std::vector<Vpi> vpis;
+    std::string name = std::filesystem::path(file).stem().string();
+    if (name.ends_with(".alignment")) name.erase(name.size() - 10);
+    if (ending == ".xml") {
+      std::vector<LandXmlAlignment> all = landXmlAlignments(readInputFile(file));
+      read.emplace(all[0].alignment);
+      vpis = all[0].profile;
+      if (!all[0].name.empty()) name = all[0].name;
+    } else {
+      const AlignmentFile f = parseAlignmentFile(readInputFile(file));
+      read.emplace(f.alignment);
+      vpis = f.profile;
+    }
+    const Alignment& a = *read;
     std::optional<Profile> profile;
-    if (!f.profile.empty()) profile.emplace(f.profile, a);
-    const std::string unit = f.alignment.units;
+    if (!vpis.empty()) profile.emplace(vpis, a);
+    const std::string unit = a.input().units;
+    if (!q.landxml.empty()) {
+      try {
+        writeDocument(q.landxml, alignmentLandXml(a, profile ? &*profile : nullptr, name, stampOf(localToday())));
+      } catch (const RunTimeError& e) {
+        err << "tervalo-cli: " << q.landxml << ": " << e.what() << "\n";
+        return kExitEnded;
+      }
+    }
 
     if (q.station) {
       const auto station = parseStation(*q.station);

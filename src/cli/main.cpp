@@ -246,13 +246,14 @@ int run(int argc, char** argv) {
   tervalo::AlignmentQuery alignmentQuery;
   auto* alignmentCmd = app.add_subcommand("alignment", "An alignment's key points and curves, the point at a station and offset, the station "
                                                        "and offset of a point, or a stakeout listing.");
-  alignmentCmd->add_option("file", alignmentFile, "The alignment file (NAME.alignment.json)")->required();
+  alignmentCmd->add_option("file", alignmentFile, "The alignment file (NAME.alignment.json) or a LandXML file (.xml)")->required();
   auto* stationOpt = alignmentCmd->add_option("--station", alignmentStation, "The point at this station (12+34.56)");
   alignmentCmd->add_option("--offset", alignmentQuery.offset, "With --station or --every: the offset, right positive (0)");
   auto* pointOpt = alignmentCmd->add_option("--point", alignmentPoint, "The station and offset of the point at N E")->expected(2);
   auto* everyOpt = alignmentCmd->add_option("--every", alignmentQuery.every, "A stakeout listing at this interval, with every key point");
   stationOpt->excludes(pointOpt)->excludes(everyOpt);
   pointOpt->excludes(everyOpt);
+  alignmentCmd->add_option("--landxml", alignmentQuery.landxml, "Also write the alignment and its profile to this LandXML file");
   alignmentCmd->add_flag("--json", alignmentQuery.json, "Print the answer as JSON");
 
   // A network adjusted by least squares.

@@ -14,7 +14,9 @@ namespace {
 
 const char* const kNamespace = "http://www.landxml.org/schema/LandXML-1.2";
 
-pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool metric, const std::string& linearUnit = "USSurveyFoot") {
+}  // namespace
+
+pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool metric, const std::string& linearUnit) {
   pugi::xml_node declaration = doc.append_child(pugi::node_declaration);
   declaration.append_attribute("version") = "1.0";
   declaration.append_attribute("encoding") = "UTF-8";
@@ -44,11 +46,15 @@ pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool 
   return root;
 }
 
-std::string text(const pugi::xml_document& doc) {
+std::string landXmlText(const pugi::xml_document& doc) {
   std::ostringstream out;
   doc.save(out, "  ", pugi::format_default, pugi::encoding_utf8);
   return out.str();
 }
+
+namespace {
+
+std::string text(const pugi::xml_document& doc) { return landXmlText(doc); }
 
 std::string coordinate(double v) { return Format(v, "0.0000"); }
 

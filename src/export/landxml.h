@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <pugixml.hpp>
+
 #include "export/corner_map.h"
 #include "parcels/deed.h"
 #include "vcurve/vertical_curve.h"
@@ -19,6 +21,12 @@ struct XmlStamp {
   std::string date;
   std::string time;
 };
+
+// For every LandXML writer: the declaration and the LandXML 1.2 root with
+// its Units (feet as `linearUnit` says, or metres) in decimal degrees; and
+// the document as text, indented, UTF-8.
+pugi::xml_node landXmlRoot(pugi::xml_document& doc, const XmlStamp& stamp, bool metric, const std::string& linearUnit = "USSurveyFoot");
+std::string landXmlText(const pugi::xml_document& doc);
 
 // Units in the map's linear unit (US survey feet where no system says
 // otherwise) and its CoordinateSystem ("local" where none is chosen); one CgPoint per present position ("northing

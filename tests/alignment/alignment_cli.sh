@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # tervalo-cli alignment on the example: its key points in the shape DESIGN.md
-# gives; a station's point comes back as that station by --point; a
+# gives; a station's point comes back as that station by --point; its
+# LandXML validates against the schema and reads back the same; a
 # stakeout lists every key point once among the round stations; a station
 # in the equation's gap and a file with a bad PI are refused with 2.
 #   alignment_cli.sh TERVALO_CLI
@@ -34,6 +35,23 @@ assert named == names, named
 assert "25+50.00" not in [r["station"] for r in rows]  # in the equation's gap
 assert all("deflection" in r for r in rows if r["name"] in ("SC", "CS"))
 print("ok: key points, station and point both ways, stakeout")
+PY
+
+# As LandXML: valid against the schema, and read back to the same key points and profile.
+"$cli" alignment "$example" --landxml "$out/highway.xml" >/dev/null
+xmllint --noout --schema tests/export/LandXML-1.2.xsd "$out/highway.xml" 2>"$out/xmllint" || fail "$(cat "$out/xmllint")"
+"$cli" alignment "$out/highway.xml" --json >"$out/back.json"
+"$cli" alignment "$out/highway.xml" --station 22+00 --offset -12 --json >"$out/back-station.json"
+/usr/bin/python3 - "$out" <<'PY'
+import json, sys
+d = sys.argv[1]
+a, b = json.load(open(d + "/keys.json")), json.load(open(d + "/back.json"))
+for x, y in zip(a["key_points"], b["key_points"]):
+    assert x["name"] == y["name"] and x["station"] == y["station"], (x, y)
+    assert abs(x["northing"] - y["northing"]) < 1e-6 and abs(x["easting"] - y["easting"]) < 1e-6, (x, y)
+s, t = json.load(open(d + "/station.json")), json.load(open(d + "/back-station.json"))
+assert all(abs(s[k] - t[k]) < 1e-6 for k in ("northing", "easting", "elevation", "grade")), (s, t)
+print("ok: LandXML validates and reads back to the same stations")
 PY
 
 set +e

@@ -12,8 +12,10 @@
 
 #include "alignment/alignment.h"
 #include "alignment/alignment_file.h"
+#include "alignment/alignment_landxml.h"
 #include "alignment/profile.h"
 #include "hcurve/curve.h"
+#include "text/format.h"
 
 namespace tervalo {
 namespace {
@@ -230,6 +232,52 @@ TEST(AlignmentFile, TheContractsExampleReadsAndBadFieldsAreNamed) {
       EXPECT_EQ(std::string(e.what()), said);
     }
   }
+}
+
+// LandXML as other programs write it: an older namespace, a tenth of a
+// millimetre between two elements, a spiral between two finite radii, an
+// equation without its back station; read back to the same stations.
+TEST(AlignmentLandXml, WrittenAndReadBackAsOtherProgramsWriteIt) {
+  AlignmentInput in = threePis(30, 1000, 150, 5000);
+  in.equations = {{4000, 4100}};
+  const Alignment a(in);
+  std::string xml = alignmentLandXml(a, nullptr, "Main", {"2026-11-26", "00:00:00"});
+  for (const auto& [from, to] : {std::pair{"LandXML-1.2", "LandXML-1.0"}, {"version=\"1.2\"", "version=\"1.0\""}})
+    xml.replace(xml.find(from), std::string(from).size(), to);
+  xml.erase(xml.find(" staBack="), std::string(" staBack=\"4000.0\"").size());
+  const std::size_t second = xml.find("<Start>", xml.find("</Spiral>", xml.find("</Spiral>") + 1));
+  const std::size_t number = second + 7;
+  xml.replace(number, xml.find(' ', number) - number, Format(a.elements().back().northing + 0.0001, "0.0######"));
+  const std::vector<LandXmlAlignment> back = landXmlAlignments(xml);
+  ASSERT_EQ(back.size(), 1u);
+  const Alignment& b = back[0].alignment;
+  ASSERT_EQ(b.keyPoints().size(), a.keyPoints().size());
+  for (std::size_t i = 0; i < a.keyPoints().size(); ++i) {
+    EXPECT_EQ(b.keyPoints()[i].name, a.keyPoints()[i].name);
+    EXPECT_NEAR(b.stationAt(b.keyPoints()[i].along), a.stationAt(a.keyPoints()[i].along), 2e-4) << i;
+  }
+  EXPECT_NEAR(b.alongAt(4100), a.alongAt(4100), 2e-4);
+
+  // A spiral from a 1000 to a 500 radius, to the left, between a curve and a curve.
+  Element arc{ElementKind::Arc, 0, 300, 100, 200, 0.3, -1e-3, -1e-3};
+  Element spiral{ElementKind::Spiral, 0, 120, 0, 0, 0, -1e-3, -2e-3};
+  Element tight{ElementKind::Arc, 0, 200, 0, 0, 0, -2e-3, -2e-3};
+  std::vector<Element> chain{arc};
+  for (Element e : {spiral, tight}) {
+    const Pose end = poseOn(chain.back(), chain.back().length);
+    e.northing = end.northing, e.easting = end.easting, e.azimuth = end.azimuth * kDeg;
+    chain.push_back(e);
+  }
+  AlignmentInput plain;
+  const Alignment c(plain, chain, {});
+  const Alignment d = landXmlAlignments(alignmentLandXml(c, nullptr, "Loop", {"2026-11-26", "00:00:00"}))[0].alignment;
+  for (double s = 0; s <= c.length(); s += 37.5) {
+    const Pose p = c.at(s, 5), q = d.at(s, 5);
+    EXPECT_NEAR(p.northing, q.northing, 1e-6) << s;
+    EXPECT_NEAR(p.easting, q.easting, 1e-6) << s;
+  }
+  EXPECT_EQ(d.keyPoints()[1].name, "CS");
+  EXPECT_THROW(landXmlAlignments("<LandXML/>"), AlignmentError);
 }
 
 }  // namespace
