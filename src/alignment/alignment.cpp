@@ -343,6 +343,7 @@ double Alignment::alongAt(double station) const {
   const double along = station - offset;
   if (region > 0 && along < equationAlong_[region - 1] - 1e-9) {
     const StationEquation& q = input_.equations[region - 1];
+    if (std::fabs(station - q.back) < 1e-9) return equationAlong_[region - 1];  // the back station names the equation's own point
     throw AlignmentError("station " + stationText(station) + " is in the gap of station equation " + std::to_string(region) + " (back " +
                          stationText(q.back) + ", ahead " + stationText(q.ahead) + "): no point of the alignment has it");
   }

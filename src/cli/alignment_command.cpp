@@ -8,6 +8,7 @@
 
 #include <filesystem>
 
+#include "alignment/alignment_dxf.h"
 #include "alignment/alignment_file.h"
 #include "alignment/alignment_landxml.h"
 #include "export/export_file.h"
@@ -89,6 +90,14 @@ int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostr
         writeDocument(q.landxml, alignmentLandXml(a, profile ? &*profile : nullptr, name, stampOf(localToday())));
       } catch (const RunTimeError& e) {
         err << "tervalo-cli: " << q.landxml << ": " << e.what() << "\n";
+        return kExitEnded;
+      }
+    }
+    if (!q.dxf.empty()) {
+      try {
+        writeAlignmentDxf(a, q.dxf);
+      } catch (const RunTimeError& e) {
+        err << "tervalo-cli: " << q.dxf << ": " << e.what() << "\n";
         return kExitEnded;
       }
     }

@@ -15,6 +15,7 @@ struct AlignmentQuery {
   std::optional<std::pair<double, double>> point{};  // northing, easting
   std::optional<double> every{};
   std::string landxml{};  // also write the alignment and its profile here as LandXML
+  std::string dxf{};      // and its plan here as a DXF drawing
   bool json = false;
 };
 

@@ -254,6 +254,7 @@ int run(int argc, char** argv) {
   stationOpt->excludes(pointOpt)->excludes(everyOpt);
   pointOpt->excludes(everyOpt);
   alignmentCmd->add_option("--landxml", alignmentQuery.landxml, "Also write the alignment and its profile to this LandXML file");
+  alignmentCmd->add_option("--dxf", alignmentQuery.dxf, "Also draw the alignment's plan, stationed, in this DXF file");
   alignmentCmd->add_flag("--json", alignmentQuery.json, "Print the answer as JSON");
 
   // A network adjusted by least squares.

@@ -54,6 +54,28 @@ assert all(abs(s[k] - t[k]) < 1e-6 for k in ("northing", "easting", "elevation",
 print("ok: LandXML validates and reads back to the same stations")
 PY
 
+# The plan in DXF, read by ezdxf: nothing to fix, the centreline's five elements, a label at
+# every full station (the equation's back station named by the equation), each key point.
+"$cli" alignment "$example" --dxf "$out/highway.dxf" >/dev/null
+/usr/bin/python3 - "$out" <<'PY'
+import json, logging, sys
+import ezdxf
+logging.disable(logging.WARNING)
+d = sys.argv[1]
+doc = ezdxf.readfile(d + "/highway.dxf")
+audit = doc.audit()
+assert not audit.has_errors and not audit.has_fixes, [e.message for e in audit.errors + audit.fixes]
+assert doc.header["$INSUNITS"] == 21
+msp = doc.modelspace()
+assert len(msp.query("*[layer=='ALIGN']")) == 5
+labels = sorted(t.dxf.text for t in msp.query("TEXT[layer=='STATION']"))
+full = sorted("%d+00" % s for s in range(10, 38) if s != 25)  # 25+00 is the equation's back station
+assert labels == full, (labels, full)
+keys = [t.dxf.text for t in msp.query("TEXT[layer=='KEYPOINT']")]
+assert "TS 16+03.16" in keys and "EQ 25+00.00 BK = 26+00.00 AH" in keys, keys
+print("ok: the plan in DXF")
+PY
+
 set +e
 "$cli" alignment "$example" --station 25+50 2>"$out/err"; status=$?
 set -e

@@ -159,6 +159,7 @@ TEST(Alignment, StationsAcrossAnEquation) {
   EXPECT_NEAR(a.stationAt(500), 2600, 1e-9);
   EXPECT_NEAR(a.alongAt(2600), 500, 1e-9);
   EXPECT_NEAR(a.alongAt(2499), 499, 1e-9);
+  EXPECT_NEAR(a.alongAt(2500), 500, 1e-9);  // the back station: the equation's own point
   EXPECT_THROW(a.alongAt(2550), AlignmentError);  // in the gap
   try {
     a.alongAt(2550);
