@@ -10,6 +10,7 @@
 #include "cogo/frm_cogo.h"
 #include "parcels/frm_mapcheck.h"
 #include "adjust/frm_network.h"
+#include "alignment/frm_alignment.h"
 #include "parcels/frm_surveyor.h"
 #include "crs/frm_crs.h"
 #include "grading/frm_grade.h"
@@ -57,6 +58,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmCogo", [](Program& p) { return std::make_unique<frmCogo>(p); });
   registry.addForm("frmMapcheck", [](Program& p) { return std::make_unique<frmMapcheck>(p); });
   registry.addForm("frmNetwork", [](Program& p) { return std::make_unique<frmNetwork>(p); });
+  registry.addForm("frmAlignment", [](Program& p) { return std::make_unique<frmAlignment>(p); });
   registry.addForm("frmSurveyor", [](Program& p) { return std::make_unique<frmSurveyor>(p); });
   registry.addForm("frmPoints", [](Program& p) { return std::make_unique<frmPoints>(p); });
   registry.addForm("frmCrs", [](Program& p) { return std::make_unique<frmCrs>(p); });

@@ -97,6 +97,10 @@ frmMain::frmMain(Program& program)
     if (this->program().registry().hasForm("frmNetwork")) shell().showModal(this->program().form("frmNetwork"));
     showProject();
   });
+  add("mnuProjectAlignment", mnuProjectAlignment).click([this] {
+    if (this->program().registry().hasForm("frmAlignment")) shell().showModal(this->program().form("frmAlignment"));
+    showProject();
+  });
   add("mnuProjectSurveyor", mnuProjectSurveyor).click([this] {
     if (this->program().project && this->program().registry().hasForm("frmSurveyor")) shell().showModal(this->program().form("frmSurveyor"));
   });

@@ -59,6 +59,7 @@ class frmMain : public FormModel {
   MenuItem mnuProjectCogo{"COGO...", true, false, "mnuProject"};
   MenuItem mnuProjectMapcheck{"Mapcheck...", true, true, "mnuProject"};  // a deed's calls need no project
   MenuItem mnuProjectNetwork{"Network Adjustment...", true, true, "mnuProject"};  // a network file needs no project
+  MenuItem mnuProjectAlignment{"Alignment...", true, true, "mnuProject"};  // an alignment file needs no project
   MenuItem mnuProjectSurveyor{"Surveyor...", true, false, "mnuProject"};  // who signs the project's plats
   MenuItem mnuProjectClose{"Close Project", true, false, "mnuProject", true};
   MenuItem mnuOptions{"Options", true, true, ""};  // output options, after the calculators' entries

@@ -22,6 +22,7 @@
 #include "cogo/frm_cogo.h"
 #include "parcels/frm_mapcheck.h"
 #include "adjust/frm_network.h"
+#include "alignment/frm_alignment.h"
 #include "project/frm_points.h"
 #include "project/point_import.h"
 #include "project/project_session.h"
@@ -211,6 +212,13 @@ void openExampleProject(Program& program, QtShell& shell, const QString& dir) {
   net.setOpen(true);
   net.openPath("examples/braced.network.json");
   net.click("btnAdjust");
+  // The example alignment, a station asked for.
+  auto& road = program.form<frmAlignment>("frmAlignment");
+  road.setOpen(true);
+  road.openFile("examples/highway.alignment.json");
+  road.txtStation.text = "20+00";
+  road.txtOffset.text = "12";
+  road.click("btnPoint");
 }
 
 }  // namespace
@@ -242,7 +250,7 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     const QSize size = name == "frmTownship"                          ? QSize(1240, 720)
                        : name == "frmTraverse" || name == "frmPoints" ? QSize(1300, 720)
                        : name == "frmCogo"                          ? QSize(1240, 700)
-                       : name == "frmMapcheck" || name == "frmNetwork" ? QSize(1300, 700)
+                       : name == "frmMapcheck" || name == "frmNetwork" || name == "frmAlignment" ? QSize(1300, 700)
                                                                       : QSize();
     failures += saveView(program, shell, main, dir, name, name, size) ? 0 : 1;
   }

@@ -27,6 +27,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmCogo", makeCogoView);
   shell.addView("frmMapcheck", makeMapcheckView);
   shell.addView("frmNetwork", makeNetworkView);
+  shell.addView("frmAlignment", makeAlignmentView);
   shell.addView("frmSurveyor", makeSurveyorView);
 }
 

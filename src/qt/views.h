@@ -35,6 +35,7 @@ QDialog* makePointsView(FormModel& model, QtShell& shell, QWidget* parent);
 // COGO on the project's points: the command line, its forms, the log and the map.
 QDialog* makeMapcheckView(FormModel& m, QtShell& s, QWidget* p);
 QDialog* makeNetworkView(FormModel& m, QtShell& s, QWidget* p);
+QDialog* makeAlignmentView(FormModel& m, QtShell& s, QWidget* p);
 QDialog* makeSurveyorView(FormModel& m, QtShell& s, QWidget* p);
 QDialog* makeCogoView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeGradeView(FormModel& model, QtShell& shell, QWidget* parent);

@@ -36,13 +36,13 @@ TEST_F(MainWindow, TheCaptionAndMenuStandInOrder) {
   EXPECT_EQ(menu[25], "mnuPrevious");
   EXPECT_TRUE(main.mnuPrevious.separatorBefore);
   EXPECT_EQ(menu.back(), "mnuHistoryKeep");
-  // New, Open, the recent projects, Import, Export, Points, COGO, Mapcheck, Network Adjustment, Surveyor, Close.
-  ASSERT_EQ(project.size(), 3u + 10u + 8u);
+  // New, Open, the recent projects, Import, Export, Points, COGO, Mapcheck, Network Adjustment, Alignment, Surveyor, Close.
+  ASSERT_EQ(project.size(), 3u + 10u + 9u);
   EXPECT_EQ(std::vector<std::string>(project.begin(), project.begin() + 3),
             (std::vector<std::string>{"mnuProjectNew", "mnuProjectOpen", "mnuProjectRecent"}));
-  EXPECT_EQ(std::vector<std::string>(project.end() - 8, project.end()),
+  EXPECT_EQ(std::vector<std::string>(project.end() - 9, project.end()),
             (std::vector<std::string>{"mnuProjectImport", "mnuProjectExport", "mnuProjectPoints", "mnuProjectCogo", "mnuProjectMapcheck",
-                                      "mnuProjectNetwork", "mnuProjectSurveyor", "mnuProjectClose"}));
+                                      "mnuProjectNetwork", "mnuProjectAlignment", "mnuProjectSurveyor", "mnuProjectClose"}));
   EXPECT_EQ(main.mnuMprop.caption, "Proportion (S:V)");
   EXPECT_EQ(main.mnuMprop.parent, "mnuMisc");
 }
