@@ -21,7 +21,9 @@ class AlignmentView : public FormDialog {
     auto* window = new QVBoxLayout(this);
     QHBoxLayout* file = fieldRow({{"lblFile", "txtFile"}}, 0);
     file->addWidget(button("btnBrowse"));
-    file->addWidget(button("btnOpen"));
+    QPushButton* open = button("btnOpen");
+    open->setDefault(true);  // a path typed, Enter opens it
+    file->addWidget(open);
     window->addLayout(file);
     QLabel* summary = label("lblSummary");
     summary->setWordWrap(true);
