@@ -384,18 +384,18 @@ Adjustment adjustNetwork(const Network& net) {
   if (!net.relativeGiven) {
     // Every pair joined by an observation, once, where one of them moves.
     std::set<std::array<int, 2>> joined;
-    const auto join = [&](int a, int b) {
-      if (a == b || (u.n[static_cast<std::size_t>(a)] < 0 && u.n[static_cast<std::size_t>(b)] < 0)) return;
-      if (!P(a).northing || !P(b).northing) return;
-      if (joined.insert({std::min(a, b), std::max(a, b)}).second) pairs.push_back({std::min(a, b), std::max(a, b)});
+    const auto joinPair = [&](int i, int j) {
+      if (i == j || (u.n[static_cast<std::size_t>(i)] < 0 && u.n[static_cast<std::size_t>(j)] < 0)) return;
+      if (!P(i).northing || !P(j).northing) return;
+      if (joined.insert({std::min(i, j), std::max(i, j)}).second) pairs.push_back({std::min(i, j), std::max(i, j)});
     };
     for (const Observation& o : net.observations) {
       if (o.type == ObservationType::Dh) continue;
       if (o.type == ObservationType::Angle) {
-        join(o.at, o.back);
-        join(o.at, o.fore);
+        joinPair(o.at, o.back);
+        joinPair(o.at, o.fore);
       } else {
-        join(o.from, o.to);
+        joinPair(o.from, o.to);
       }
     }
   }

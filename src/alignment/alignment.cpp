@@ -47,8 +47,6 @@ void integrateHeading(double a0, double a1, double a2, double l, double& n, doub
   }
 }
 
-double curvatureAt(const Element& e, double l) { return e.length > 0 ? e.k0 + (e.k1 - e.k0) * l / e.length : e.k0; }
-
 }  // namespace
 
 void clothoidPoint(double l, double radius, double spiralLength, double& x, double& y) {

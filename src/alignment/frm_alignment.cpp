@@ -80,7 +80,7 @@ bool frmAlignment::openFile(const std::string& file) {
       if (!all[0].name.empty()) name = all[0].name;
     } else {
       const AlignmentFile f = parseAlignmentFile(readInputFile(file));
-      read.emplace(f.alignment);
+      read.emplace(alignmentOf(f));
       vpis = f.profile;
     }
     if (!vpis.empty()) profile.emplace(vpis, *read);
@@ -146,7 +146,7 @@ void frmAlignment::pointAtStation() {
     const double along = a.alongAt(*station);
     const Pose p = a.at(along, *offset);
     asked_ = PicturePoint{p.easting, p.northing};
-    lblAnswer.caption = a.stationText(*station) + (*offset ? ", " + fixed(std::fabs(*offset), "0.000") + (*offset > 0 ? " right" : " left") : "") +
+    lblAnswer.caption = a.stationText(*station) + (*offset != 0 ? ", " + fixed(std::fabs(*offset), "0.000") + (*offset > 0 ? " right" : " left") : "") +
                         ": N " + fixed(p.northing, "0.0000") + "  E " + fixed(p.easting, "0.0000");
     if (profile_ && profile_->covers(along)) {
       const ProfilePoint z = profile_->at(along);

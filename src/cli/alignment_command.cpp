@@ -78,7 +78,7 @@ int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostr
       if (!all[0].name.empty()) name = all[0].name;
     } else {
       const AlignmentFile f = parseAlignmentFile(readInputFile(file));
-      read.emplace(f.alignment);
+      read.emplace(alignmentOf(f));
       vpis = f.profile;
     }
     const Alignment& a = *read;
@@ -116,7 +116,7 @@ int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostr
       if (q.json) {
         out << jsonText(j) << "\n";
       } else {
-        out << "Station " << a.stationText(*station) << (q.offset ? ", offset " + fixed(std::fabs(q.offset), "0.000") + (q.offset > 0 ? " right" : " left") : "")
+        out << "Station " << a.stationText(*station) << (q.offset != 0 ? ", offset " + fixed(std::fabs(q.offset), "0.000") + (q.offset > 0 ? " right" : " left") : "")
             << ": N " << fixed(p.northing, "0.0000") << "  E " << fixed(p.easting, "0.0000") << "  tangent azimuth "
             << decimalToDmsCarried(a.at(along).azimuth);
         if (j.contains("elevation")) out << "  elevation " << fixed(j["elevation"].get<double>(), "0.000") << "  grade " << fixed(j["grade"].get<double>(), "0.000") << " %";
@@ -156,29 +156,29 @@ int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostr
       Json list = Json::array();
       if (!q.json)
         out << leftJustify("Station", 12) << leftJustify("Point", 6) << rightJustify("Northing", 14) << rightJustify("Easting", 14)
-            << rightJustify("Deflection", 15) << rightJustify("Chord", 11) << (q.offset ? rightJustify("Left N", 14) + rightJustify("Left E", 14) +
+            << rightJustify("Deflection", 15) << rightJustify("Chord", 11) << (q.offset != 0 ? rightJustify("Left N", 14) + rightJustify("Left E", 14) +
                                                                                        rightJustify("Right N", 14) + rightJustify("Right E", 14)
                                                                                  : std::string())
             << "\n";
       for (std::size_t i = 0; i < stops.size(); ++i) {
-        const auto& [along, name] = stops[i];
-        if (i > 0 && name.empty() && std::fabs(stops[i - 1].first - along) < 1e-6) continue;  // a round station at a key point: once
+        const auto& [along, key] = stops[i];
+        if (i > 0 && key.empty() && std::fabs(stops[i - 1].first - along) < 1e-6) continue;  // a round station at a key point: once
         const Pose p = a.at(along);
-        Json j{{"station", a.stationText(a.stationAt(along))}, {"name", name}, {"northing", p.northing}, {"easting", p.easting}};
+        Json j{{"station", a.stationText(a.stationAt(along))}, {"name", key}, {"northing", p.northing}, {"easting", p.easting}};
         const auto d = deflection(a, along);
         if (d) j["deflection"] = d->first, j["chord"] = d->second;
-        if (q.offset) {
+        if (q.offset != 0) {
           const Pose l = a.at(along, -std::fabs(q.offset)), r = a.at(along, std::fabs(q.offset));
           j["left"] = {{"northing", l.northing}, {"easting", l.easting}};
           j["right"] = {{"northing", r.northing}, {"easting", r.easting}};
         }
         if (profile && profile->covers(along)) j["elevation"] = profile->at(along).elevation;
         if (!q.json) {
-          std::string line = leftJustify(j["station"].get<std::string>(), 12) + leftJustify(name, 6) + rightJustify(fixed(p.northing, "0.0000"), 14) +
+          std::string line = leftJustify(j["station"].get<std::string>(), 12) + leftJustify(key, 6) + rightJustify(fixed(p.northing, "0.0000"), 14) +
                              rightJustify(fixed(p.easting, "0.0000"), 14) +
                              rightJustify(d ? decimalToDmsCarried(std::fabs(d->first)) + (d->first < 0 ? "L" : "R") : "", 15) +
                              rightJustify(d ? fixed(d->second, "0.000") : "", 11);
-          if (q.offset)
+          if (q.offset != 0)
             line += rightJustify(fixed(j["left"]["northing"].get<double>(), "0.0000"), 14) + rightJustify(fixed(j["left"]["easting"].get<double>(), "0.0000"), 14) +
                     rightJustify(fixed(j["right"]["northing"].get<double>(), "0.0000"), 14) +
                     rightJustify(fixed(j["right"]["easting"].get<double>(), "0.0000"), 14);

@@ -273,12 +273,12 @@ int renderWindows(Program& program, QtShell& shell, MainWindow& main, const QStr
     failures += drawn ? 0 : 1;
     // The section's plat and the Mapcheck window's, as their Plat buttons write them.
     // The network's adjustment report as a PDF, as its Save Report button writes it.
-    for (const auto& [form, file, button] : {std::tuple{"frmSecSub", "section-plat.pdf", "btnPlat"}, {"frmMapcheck", "mapcheck-plat.pdf", "btnPlat"},
+    for (const auto& [window, file, button] : {std::tuple{"frmSecSub", "section-plat.pdf", "btnPlat"}, {"frmMapcheck", "mapcheck-plat.pdf", "btnPlat"},
                                              {"frmNetwork", "network-report.pdf", "btnSaveReport"}}) {
       const std::string path = QDir(dir).filePath(file).toStdString();
       std::filesystem::remove(path);
       shell.unattendedFiles.push_back(path);
-      program.form(form).click(button);
+      program.form(window).click(button);
       const bool platted = std::filesystem::exists(path);
       std::cout << (platted ? "rendered " : "could not render ") << path << "\n";
       failures += platted ? 0 : 1;

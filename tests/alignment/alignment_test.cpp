@@ -221,7 +221,31 @@ TEST(AlignmentFile, TheContractsExampleReadsAndBadFieldsAreNamed) {
   EXPECT_EQ(a.keyPoints().size(), 6u);  // POT, TS, SC, CS, ST, POT
   const Profile p(f.profile, a);
   EXPECT_NEAR(p.at(a.alongAt(1000)).elevation, 100, 1e-12);
+  // The same alignment by its elements, from the first PI along the first tangent.
+  const Alignment byPis(f.alignment);
+  std::string elements = R"({ "version": 1, "start": "10+00", "origin": { "northing": 5000, "easting": 5000, "azimuth": AZ },
+    "elements": [ { "type": "line", "length": L1 }, { "type": "spiral", "length": 200, "radius_end": 1000, "turn": "R" },
+                  { "type": "arc", "length": LC, "radius": 1000, "turn": "R" }, { "type": "spiral", "length": 200, "radius_start": 1000, "turn": "R" },
+                  { "type": "line", "length": L2 } ],
+    "equations": [ { "back": "25+00.00", "ahead": "26+00.00" } ] })";
+  const auto put = [&](const std::string& key, double v) { elements.replace(elements.find(key), key.size(), Format(v, "0.000000000000")); };
+  put("AZ", std::atan2(500.0, 1000.0) / kDeg);
+  put("L1", byPis.elements()[0].length);
+  put("LC", byPis.elements()[2].length);
+  put("L2", byPis.elements()[4].length);
+  const Alignment byElements = alignmentOf(parseAlignmentFile(elements));
+  ASSERT_EQ(byElements.keyPoints().size(), byPis.keyPoints().size());
+  for (std::size_t i = 0; i < byPis.keyPoints().size(); ++i) {
+    EXPECT_EQ(byElements.keyPoints()[i].name, byPis.keyPoints()[i].name);
+    EXPECT_NEAR(byElements.keyPoints()[i].northing, byPis.keyPoints()[i].northing, 1e-6) << i;
+    EXPECT_NEAR(byElements.keyPoints()[i].easting, byPis.keyPoints()[i].easting, 1e-6) << i;
+  }
+  EXPECT_NEAR(byElements.alongAt(2600), byPis.alongAt(2600), 1e-9);
   const std::pair<const char*, const char*> bad[] = {
+      {R"({"version": 1, "origin": {"northing": 0, "easting": 0, "azimuth": 0}, "elements": [{"type": "spiral", "length": 5, "turn": "R"}]})",
+       "element 1: a spiral runs to or from a radius: give \"radius_start\" or \"radius_end\" (none is a tangent)"},
+      {R"({"version": 1, "pis": [], "elements": []})",
+       "the file: give the alignment by its \"pis\" or by its \"elements\" (with its \"origin\"), one of the two"},
       {R"({"version": 1, "pis": [{"northing": 1}]})", "PI 1 has no \"easting\""},
       {R"({"version": 1, "pis": [], "start": "ten"})", "the file: \"start\" must be a station (\"12+34.56\" or 1234.56)"},
       {R"({"version": 1, "pis": [{"northing": 1, "easting": 2, "radious": 5}]})", "PI 1: unknown key \"radious\""}};
