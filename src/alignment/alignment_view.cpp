@@ -1,5 +1,6 @@
 #include "qt/views.h"
 
+#include <QComboBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -66,6 +67,14 @@ class AlignmentView : public FormDialog {
     window->addLayout(body, 1);
 
     auto* files = new QHBoxLayout;
+    files->addWidget(button("btnStore"));
+    QLabel* kept = label("lblKept");
+    QComboBox* names = combo("cmbKept", false);
+    kept->setBuddy(names);
+    files->addWidget(kept);
+    files->addWidget(names);
+    files->addWidget(button("btnOpenKept"));
+    files->addSpacing(12);
     for (const char* name : {"btnLandXml", "btnDxf"}) files->addWidget(button(name));
     files->addStretch();
     files->addWidget(button("btnReturn"));

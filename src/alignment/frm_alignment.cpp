@@ -12,6 +12,8 @@
 #include "app/output_file.h"
 #include "app/program.h"
 #include "app/shell.h"
+#include "crs/project_store.h"
+#include "project/project_session.h"
 #include "export/export_file.h"
 #include "text/angle.h"
 #include "text/errors.h"
@@ -51,6 +53,10 @@ frmAlignment::frmAlignment(Program& program) : FormModel(program, "frmAlignment"
   add("txtNorthing", txtNorthing).numeric();
   add("txtEasting", txtEasting).numeric();
   add("btnStation", btnStation).click([this] { stationOfPoint(); });
+  add("btnStore", btnStore).click([this] { store(); });
+  add("lblKept", lblKept);
+  add("cmbKept", cmbKept);
+  add("btnOpenKept", btnOpenKept).click([this] { openKept(cmbKept.text); });
   add("btnLandXml", btnLandXml).click([this] { exportLandXml(); });
   add("btnDxf", btnDxf).click([this] { exportDxf(); });
   add("btnReturn", btnReturn).click([this] { unload(); });
@@ -65,33 +71,53 @@ bool frmAlignment::openFile(const std::string& file) {
     shell().msgBox(kTitle, "Choose the alignment file first (Browse...).", Icon::Exclamation);
     return false;
   }
-  std::optional<Alignment> read;
-  std::optional<Profile> profile;
   std::string name = std::filesystem::path(file).stem().string();
   if (name.ends_with(".alignment")) name.erase(name.size() - 10);
+  std::string ending = std::filesystem::path(file).extension().string();
+  for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  std::string text;
   try {
-    std::string ending = std::filesystem::path(file).extension().string();
-    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    text = readInputFile(file);
+  } catch (const InputFileError& e) {
+    shell().msgBox(kTitle, "The file " + file + " cannot be read: " + e.what() + ".", Icon::Exclamation);
+    return false;
+  }
+  if (!load(text, ending == ".xml" ? "landxml" : "alignment", name, "The file " + file)) return false;
+  txtFile.text = file;
+  return true;
+}
+
+bool frmAlignment::openKept(const std::string& name) {
+  if (!program().project) return false;
+  for (const StoredAlignment& a : program().project->file().alignments())
+    if (a.name == name) return load(a.definition, a.format, a.name, "The alignment " + name + " kept in the project");
+  shell().msgBox(kTitle, "The project keeps no alignment named " + name + ".", Icon::Exclamation);
+  return false;
+}
+
+bool frmAlignment::load(const std::string& text, const std::string& format, const std::string& fallbackName, const std::string& from) {
+  std::optional<Alignment> read;
+  std::optional<Profile> profile;
+  std::string name = fallbackName;
+  try {
     std::vector<Vpi> vpis;
-    if (ending == ".xml") {
-      std::vector<LandXmlAlignment> all = landXmlAlignments(readInputFile(file));
+    if (format == "landxml") {
+      std::vector<LandXmlAlignment> all = landXmlAlignments(text);
       read.emplace(all[0].alignment);
       vpis = all[0].profile;
       if (!all[0].name.empty()) name = all[0].name;
     } else {
-      const AlignmentFile f = parseAlignmentFile(readInputFile(file));
+      const AlignmentFile f = parseAlignmentFile(text);
       read.emplace(alignmentOf(f));
       vpis = f.profile;
     }
     if (!vpis.empty()) profile.emplace(vpis, *read);
   } catch (const AlignmentError& e) {
-    shell().msgBox(kTitle, "The file " + file + " cannot be read as an alignment: " + e.what() + ".", Icon::Exclamation);
-    return false;
-  } catch (const InputFileError& e) {
-    shell().msgBox(kTitle, "The file " + file + " cannot be read: " + e.what() + ".", Icon::Exclamation);
+    shell().msgBox(kTitle, from + " cannot be read as an alignment: " + e.what() + ".", Icon::Exclamation);
     return false;
   }
-  txtFile.text = file;
+  format_ = format;
+  definition_ = text;
   alignment_ = std::move(read);
   profile_ = std::move(profile);
   name_ = name;
@@ -126,6 +152,7 @@ bool frmAlignment::openFile(const std::string& file) {
                                              : ""));
   lblAnswer.caption = "";
   btnLandXml.enabled = btnDxf.enabled = true;
+  btnStore.enabled = program().project != nullptr;
   return true;
 }
 
@@ -236,7 +263,43 @@ void frmAlignment::keepInputs() {
   writeTextFile(keptFile(program().userAppData), {jsonText(kept)});
 }
 
+void frmAlignment::showKept() {
+  cmbKept.items.clear();
+  if (program().project) {
+    try {
+      for (const StoredAlignment& a : program().project->file().alignments()) cmbKept.items.push_back(a.name);
+    } catch (const ProjectError&) {
+    }
+  }
+  if (std::find(cmbKept.items.begin(), cmbKept.items.end(), cmbKept.text) == cmbKept.items.end())
+    cmbKept.text = cmbKept.items.empty() ? "" : cmbKept.items.front();
+  cmbKept.enabled = btnOpenKept.enabled = !cmbKept.items.empty();
+  btnStore.enabled = program().project != nullptr && alignment_.has_value();
+}
+
+void frmAlignment::store() {
+  if (!program().project || !alignment_) return;
+  StoredAlignment kept{name_, format_, definition_};
+  // The centreline as GIS programs draw it: a vertex every few feet on the curves.
+  for (const Element& e : alignment_->elements()) {
+    const int pieces = e.kind == ElementKind::Line ? 1 : std::max(8, static_cast<int>(e.length / 5));
+    for (int i = kept.centreline.empty() ? 0 : 1; i <= pieces; ++i) {
+      const Pose p = poseOn(e, e.length * i / pieces);
+      kept.centreline.push_back({p.northing, p.easting});
+    }
+  }
+  try {
+    program().project->file().storeAlignment(kept);
+  } catch (const ProjectError& e) {
+    shell().msgBox("Store in Project", std::string("The alignment is not kept: ") + e.what() + ".", Icon::Exclamation);
+    return;
+  }
+  lblAnswer.caption = "The alignment " + name_ + " is kept in the project.";
+  showKept();
+}
+
 void frmAlignment::opened() {
+  showKept();
   if (keptTaken_) return;
   keptTaken_ = true;
   // Read once, at the window's first opening; a damaged kept file is left unread.

@@ -38,12 +38,19 @@ class frmAlignment : public FormModel {
   TextBox txtEasting;
   Button btnStation{"Station of Point"};
   Label lblAnswer;
+  // Kept in the open project: stored under the alignment's name, and opened again from there.
+  Button btnStore{"Store in Project", true, false};
+  Label lblKept{"Kept in the project:"};
+  ComboBox cmbKept;
+  Button btnOpenKept{"Open Kept", true, false};
   Button btnLandXml{"Export LandXML...", true, false};
   Button btnDxf{"Export DXF...", true, false};
   Button btnReturn{"Return"};
 
   // The alignment opened, or nothing (a box said why).
   bool openFile(const std::string& file);
+  // The alignment of that name the project keeps.
+  bool openKept(const std::string& name);
   bool openPath(const std::string& file) override { return openFile(file); }
   void pointAtStation();
   void stationOfPoint();
@@ -57,12 +64,17 @@ class frmAlignment : public FormModel {
 
  private:
   std::vector<std::pair<const char*, TextBox*>> texts();
+  // An alignment from its text ("alignment" JSON or "landxml"); `from` names where it came from for a refusal.
+  bool load(const std::string& text, const std::string& format, const std::string& name, const std::string& from);
+  void store();
+  void showKept();
   void exportLandXml();
   void exportDxf();
   std::optional<Alignment> alignment_;
   std::optional<Profile> profile_;
   std::optional<PicturePoint> asked_;
   std::string name_;
+  std::string format_, definition_;  // as read, to keep in the project
   bool keptTaken_ = false;
 };
 

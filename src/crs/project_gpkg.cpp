@@ -363,6 +363,72 @@ class GpkgProject : public ProjectFile {
     settings_.firm = people.firm;
   }
 
+  void storeAlignment(const StoredAlignment& a) override {
+    begin();
+    try {
+      // The layer is made with the first alignment kept: a project without one is as it was.
+      OGRLayerH layer = GDALDatasetGetLayerByName(ds_, "alignments");
+      if (!layer) {
+        OGRLayerH points = GDALDatasetGetLayerByName(ds_, "points");
+        char** options = CSLSetNameValue(nullptr, "GEOMETRY_NAME", "geom");
+        layer = GDALDatasetCreateLayer(ds_, "alignments", points ? OGR_L_GetSpatialRef(points) : nullptr, wkbLineString, options);
+        CSLDestroy(options);
+        if (!layer) fail("cannot be changed");
+        for (const char* name : {"name", "format", "definition", "modified"}) {
+          OGRFieldDefnH d = OGR_Fld_Create(name, OFTString);
+          const OGRErr e = OGR_L_CreateField(layer, d, TRUE);
+          OGR_Fld_Destroy(d);
+          if (e != OGRERR_NONE) fail("cannot be changed");
+        }
+      }
+      // The one of this name, if any, goes.
+      std::vector<GIntBig> old;
+      OGR_L_ResetReading(layer);
+      while (OGRFeatureH f = OGR_L_GetNextFeature(layer)) {
+        if (a.name == OGR_F_GetFieldAsString(f, OGR_F_GetFieldIndex(f, "name"))) old.push_back(OGR_F_GetFID(f));
+        OGR_F_Destroy(f);
+      }
+      for (GIntBig fid : old)
+        if (OGR_L_DeleteFeature(layer, fid) != OGRERR_NONE) fail("cannot be changed");
+      OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(layer));
+      const std::string stamp = a.modified.empty() ? now() : a.modified;
+      for (const auto& [name, value] : {std::pair<const char*, const std::string*>{"name", &a.name}, {"format", &a.format},
+                                        {"definition", &a.definition}, {"modified", &stamp}})
+        OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, name), value->c_str());
+      OGRGeometryH g = OGR_G_CreateGeometry(wkbLineString);
+      for (const auto& [n, e] : a.centreline) OGR_G_AddPoint_2D(g, e, n);
+      OGR_F_SetGeometryDirectly(f, g);
+      const OGRErr e = OGR_L_CreateFeature(layer, f);
+      OGR_F_Destroy(f);
+      if (e != OGRERR_NONE) fail("cannot be changed");
+      journal("alignment " + a.name, old.empty() ? "kept" : "kept in the place of the one before");
+      commit();
+    } catch (...) {
+      GDALDatasetRollbackTransaction(ds_);
+      throw;
+    }
+  }
+
+  std::vector<StoredAlignment> alignments() override {
+    std::vector<StoredAlignment> out;
+    OGRLayerH layer = GDALDatasetGetLayerByName(ds_, "alignments");
+    if (!layer) return out;
+    OGR_L_ResetReading(layer);
+    while (OGRFeatureH f = OGR_L_GetNextFeature(layer)) {
+      StoredAlignment a;
+      a.name = OGR_F_GetFieldAsString(f, OGR_F_GetFieldIndex(f, "name"));
+      a.format = OGR_F_GetFieldAsString(f, OGR_F_GetFieldIndex(f, "format"));
+      a.definition = OGR_F_GetFieldAsString(f, OGR_F_GetFieldIndex(f, "definition"));
+      a.modified = OGR_F_GetFieldAsString(f, OGR_F_GetFieldIndex(f, "modified"));
+      if (OGRGeometryH g = OGR_F_GetGeometryRef(f))
+        for (int i = 0; i < OGR_G_GetPointCount(g); ++i) a.centreline.push_back({OGR_G_GetY(g, i), OGR_G_GetX(g, i)});
+      out.push_back(std::move(a));
+      OGR_F_Destroy(f);
+    }
+    std::sort(out.begin(), out.end(), [](const StoredAlignment& x, const StoredAlignment& y) { return x.name < y.name; });
+    return out;
+  }
+
  private:
   // The columns of a point as a query selects them, its key first.
   static constexpr const char* kSelect =

@@ -70,6 +70,17 @@ struct ProjectEdit {
   std::vector<ProjectPoint> put;
 };
 
+// An alignment kept in the project: its definition as the file it came
+// from gave it (an alignment file's JSON, or LandXML), and its centreline
+// as a line GIS programs draw.
+struct StoredAlignment {
+  std::string name;
+  std::string format;      // "alignment" (the alignment file's JSON) or "landxml"
+  std::string definition;  // the text itself
+  std::vector<std::pair<double, double>> centreline{};  // northing, easting
+  std::string modified{};
+};
+
 class ProjectFile {
  public:
   virtual ~ProjectFile() = default;
@@ -103,6 +114,10 @@ class ProjectFile {
   virtual const std::filesystem::path& path() const = 0;
   // Who signs the project's plats (surveyor, license, firm of `people`), kept in one transaction.
   virtual void setSigner(const ProjectSettings& people) = 0;
+  // An alignment kept under its name, taking the place of one of that name, in one transaction.
+  virtual void storeAlignment(const StoredAlignment& alignment) = 0;
+  // The alignments kept, by name.
+  virtual std::vector<StoredAlignment> alignments() = 0;
 };
 
 // A new project at `file` (refused when the file exists), or the one there.

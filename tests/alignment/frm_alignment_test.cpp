@@ -5,7 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "alignment/frm_alignment.h"
+#include "crs/project_store.h"
+#include "project/project_session.h"
 #include "support/bench.h"
 #include "text/input_file.h"
 
@@ -53,6 +57,42 @@ TEST(AlignmentWindow, TheExampleIsOpenedAskedExportedAndKept) {
   back.setOpen(true);
   EXPECT_EQ(back.txtFile.text, kExample);
   EXPECT_EQ(back.txtStation.text, "25+50");
+}
+
+// Kept in the project: one alignment of a name, replaced when kept again,
+// opened from there as from its file, and drawn by GDAL's own reader.
+TEST(AlignmentWindow, AnAlignmentIsKeptInTheProjectAndOpenedFromIt) {
+  testing::Bench b;
+  const auto file = b.dir.path() / "road.gpkg";
+  b.program.project = std::make_unique<ProjectSession>(createProject(file, {}));
+  auto& form = b.program.form<frmAlignment>("frmAlignment");
+  form.setOpen(true);
+  EXPECT_FALSE(form.btnOpenKept.enabled);
+  ASSERT_TRUE(form.openFile(kExample));
+  EXPECT_TRUE(form.btnStore.enabled);
+  form.click("btnStore");
+  form.click("btnStore");  // again: in the place of the one before
+  EXPECT_EQ(form.lblAnswer.caption, "The alignment highway is kept in the project.");
+  const std::vector<StoredAlignment> kept = b.program.project->file().alignments();
+  ASSERT_EQ(kept.size(), 1u);
+  EXPECT_EQ(kept[0].format, "alignment");
+  EXPECT_NEAR(kept[0].centreline.front().first, 5000, 1e-9);
+  EXPECT_NEAR(kept[0].centreline.back().second, 7000, 1e-6);
+  EXPECT_EQ(form.cmbKept.items, std::vector<std::string>{"highway"});
+
+  auto& other = b.program.form<frmAlignment>("frmAlignment");
+  ASSERT_TRUE(other.openKept("highway"));
+  EXPECT_EQ(other.lblSummary.caption, "highway: 2654.830 ft, 10+00.00 to 37+54.83, 5 elements, a profile of 3 VPIs");
+
+  b.program.project.reset();
+  std::string read;
+  if (FILE* pipe = popen(("ogrinfo -ro -so " + file.string() + " alignments 2>&1").c_str(), "r")) {
+    char buffer[512];
+    while (fgets(buffer, sizeof buffer, pipe)) read += buffer;
+    pclose(pipe);
+  }
+  EXPECT_NE(read.find("Geometry: Line String"), std::string::npos) << read;
+  EXPECT_NE(read.find("Feature Count: 1"), std::string::npos) << read;
 }
 
 }  // namespace
