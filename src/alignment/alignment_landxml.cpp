@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "alignment/alignment_file.h"
 #include "text/format.h"
 #include "text/number.h"
 
@@ -258,6 +259,16 @@ std::vector<LandXmlAlignment> landXmlAlignments(const std::string& text) {
   }
   if (out.empty()) throw AlignmentError("the LandXML file holds no alignment");
   return out;
+}
+
+LandXmlAlignment readAlignment(const std::string& text, const std::string& format, const std::string& name) {
+  if (format == "landxml") {
+    LandXmlAlignment first = std::move(landXmlAlignments(text)[0]);
+    if (first.name.empty()) first.name = name;
+    return first;
+  }
+  const AlignmentFile f = parseAlignmentFile(text);
+  return {name, alignmentOf(f), f.profile};
 }
 
 }  // namespace tervalo

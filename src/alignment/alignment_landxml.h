@@ -27,4 +27,8 @@ struct LandXmlAlignment {
 // alignment and element that cannot be read.
 std::vector<LandXmlAlignment> landXmlAlignments(const std::string& text);
 
+// An alignment from its text: "landxml" (its first alignment and profile,
+// named as the file names it) or an alignment file's JSON (named `name`).
+LandXmlAlignment readAlignment(const std::string& text, const std::string& format, const std::string& name);
+
 }  // namespace tervalo

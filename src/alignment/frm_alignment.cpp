@@ -96,29 +96,19 @@ bool frmAlignment::openKept(const std::string& name) {
 }
 
 bool frmAlignment::load(const std::string& text, const std::string& format, const std::string& fallbackName, const std::string& from) {
-  std::optional<Alignment> read;
+  std::optional<LandXmlAlignment> read;
   std::optional<Profile> profile;
-  std::string name = fallbackName;
   try {
-    std::vector<Vpi> vpis;
-    if (format == "landxml") {
-      std::vector<LandXmlAlignment> all = landXmlAlignments(text);
-      read.emplace(all[0].alignment);
-      vpis = all[0].profile;
-      if (!all[0].name.empty()) name = all[0].name;
-    } else {
-      const AlignmentFile f = parseAlignmentFile(text);
-      read.emplace(alignmentOf(f));
-      vpis = f.profile;
-    }
-    if (!vpis.empty()) profile.emplace(vpis, *read);
+    read.emplace(readAlignment(text, format, fallbackName));
+    if (!read->profile.empty()) profile.emplace(read->profile, read->alignment);
   } catch (const AlignmentError& e) {
     shell().msgBox(kTitle, from + " cannot be read as an alignment: " + e.what() + ".", Icon::Exclamation);
     return false;
   }
+  const std::string name = read->name;
   format_ = format;
   definition_ = text;
-  alignment_ = std::move(read);
+  alignment_.emplace(std::move(read->alignment));
   profile_ = std::move(profile);
   name_ = name;
   asked_.reset();

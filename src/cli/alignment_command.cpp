@@ -67,21 +67,12 @@ int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostr
     // An alignment file, or the first alignment of a LandXML file.
     std::string ending = std::filesystem::path(file).extension().string();
     for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    std::optional<Alignment> read;
-    std::vector<Vpi> vpis;
     std::string name = std::filesystem::path(file).stem().string();
     if (name.ends_with(".alignment")) name.erase(name.size() - 10);
-    if (ending == ".xml") {
-      std::vector<LandXmlAlignment> all = landXmlAlignments(readInputFile(file));
-      read.emplace(all[0].alignment);
-      vpis = all[0].profile;
-      if (!all[0].name.empty()) name = all[0].name;
-    } else {
-      const AlignmentFile f = parseAlignmentFile(readInputFile(file));
-      read.emplace(alignmentOf(f));
-      vpis = f.profile;
-    }
-    const Alignment& a = *read;
+    LandXmlAlignment read = readAlignment(readInputFile(file), ending == ".xml" ? "landxml" : "alignment", name);
+    const std::vector<Vpi>& vpis = read.profile;
+    name = read.name;
+    const Alignment& a = read.alignment;
     std::optional<Profile> profile;
     if (!vpis.empty()) profile.emplace(vpis, a);
     const std::string unit = a.input().units;
