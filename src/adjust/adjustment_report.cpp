@@ -12,11 +12,7 @@
 namespace tervalo {
 namespace {
 
-std::string fixed(double v, const char* pattern) {
-  std::string text = Format(v, pattern);
-  if (text.size() > 1 && text[0] == '-' && text.find_first_not_of("0.", 1) == std::string::npos) text.erase(0, 1);
-  return text;
-}
+std::string fixed(double v, const char* pattern) { return FormatShown(v, pattern); }
 
 std::string percentText(double fraction) {
   const double percent = fraction * 100;

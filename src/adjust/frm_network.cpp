@@ -13,6 +13,7 @@
 #include "text/errors.h"
 #include "text/format.h"
 #include "text/input_file.h"
+#include "text/justify.h"
 #include "text/number.h"
 
 namespace tervalo {
@@ -61,9 +62,7 @@ frmNetwork::frmNetwork(Program& program) : FormModel(program, "frmNetwork", "Net
     try {
       // A PDF holds the report and the picture on a page of its own; any other name, the text.
       const std::filesystem::path file(*chosen);
-      std::string ending = file.extension().string();
-      for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-      if (ending == ".pdf")
+      if (upper(file.extension().string()) == ".PDF")
         shell().savePdf({"Network adjustment", lstReport.items, picture()}, file);
       else
         this->program().writeOutputFile(file, lstReport.items);

@@ -47,6 +47,16 @@ void integrateHeading(double a0, double a1, double a2, double l, double& n, doub
   }
 }
 
+// The direction of an element at `l` from its start, radians, unwrapped.
+double headingAt(const Element& e, double l) {
+  switch (e.kind) {
+    case ElementKind::Line: return e.azimuth;
+    case ElementKind::Arc: return e.azimuth + e.k0 * l * e.arcScale;
+    case ElementKind::Spiral: break;
+  }
+  return e.azimuth + e.k0 * l + (e.k1 - e.k0) / (2 * e.length) * l * l;
+}
+
 }  // namespace
 
 void clothoidPoint(double l, double radius, double spiralLength, double& x, double& y) {
@@ -55,15 +65,13 @@ void clothoidPoint(double l, double radius, double spiralLength, double& x, doub
 
 Pose poseOn(const Element& el, double l) {
   Pose p;
-  double heading = el.azimuth;
+  const double heading = headingAt(el, l);
   switch (el.kind) {
     case ElementKind::Line:
       p.northing = el.northing + l * std::cos(el.azimuth);
       p.easting = el.easting + l * std::sin(el.azimuth);
       break;
     case ElementKind::Arc: {
-      const double g = l * el.arcScale;
-      heading = el.azimuth + el.k0 * g;
       p.northing = el.northing + (std::sin(heading) - std::sin(el.azimuth)) / el.k0;
       p.easting = el.easting + (std::cos(el.azimuth) - std::cos(heading)) / el.k0;
       break;
@@ -74,7 +82,6 @@ Pose poseOn(const Element& el, double l) {
       integrateHeading(el.azimuth, el.k0, a2, l, n, e);
       p.northing = el.northing + n;
       p.easting = el.easting + e;
-      heading = el.azimuth + el.k0 * l + a2 * l * l;
       break;
     }
   }
@@ -219,9 +226,7 @@ Alignment::Alignment(const AlignmentInput& in) : input_(in) {
     const Pose end = poseOn(e, e.length);
     along += e.length;
     here = end;
-    heading = e.kind == ElementKind::Line ? e.azimuth
-              : e.kind == ElementKind::Arc ? e.azimuth + e.k0 * e.length * e.arcScale
-                                           : e.azimuth + (e.k0 + e.k1) / 2 * e.length;
+    heading = headingAt(e, e.length);
     e.endNorthing = end.northing, e.endEasting = end.easting, e.endAzimuth = heading;
     elements_.push_back(e);
   };
@@ -300,10 +305,7 @@ Alignment::Alignment(const AlignmentInput& in, std::vector<Element> elements, st
     if (!(e.length > 0)) throw AlignmentError("element " + std::to_string(i + 1) + ": a length of " + number(e.length) + "; it must be more than 0");
     e.start = along;
     const Pose end = poseOn(e, e.length);
-    e.endNorthing = end.northing, e.endEasting = end.easting;
-    e.endAzimuth = e.kind == ElementKind::Line ? e.azimuth
-                   : e.kind == ElementKind::Arc ? e.azimuth + e.k0 * e.length * e.arcScale
-                                                : e.azimuth + (e.k0 + e.k1) / 2 * e.length;
+    e.endNorthing = end.northing, e.endEasting = end.easting, e.endAzimuth = headingAt(e, e.length);
     // Where two elements meet: TS, SC, CS, ST, PC, PT, or a curve joining a curve (PCC, or a spiral's own).
     std::string name = "POT";
     if (i > 0) {

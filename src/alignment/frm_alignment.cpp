@@ -27,11 +27,7 @@ namespace {
 
 constexpr const char* kTitle = "Alignment";
 
-std::string fixed(double v, const char* pattern) {
-  std::string text = Format(v, pattern);
-  if (text.size() > 1 && text[0] == '-' && text.find_first_not_of("0.", 1) == std::string::npos) text.erase(0, 1);
-  return text;
-}
+std::string fixed(double v, const char* pattern) { return FormatShown(v, pattern); }
 
 }  // namespace
 
@@ -73,8 +69,6 @@ bool frmAlignment::openFile(const std::string& file) {
   }
   std::string name = std::filesystem::path(file).stem().string();
   if (name.ends_with(".alignment")) name.erase(name.size() - 10);
-  std::string ending = std::filesystem::path(file).extension().string();
-  for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   std::string text;
   try {
     text = readInputFile(file);
@@ -82,7 +76,7 @@ bool frmAlignment::openFile(const std::string& file) {
     shell().msgBox(kTitle, "The file " + file + " cannot be read: " + e.what() + ".", Icon::Exclamation);
     return false;
   }
-  if (!load(text, ending == ".xml" ? "landxml" : "alignment", name, "The file " + file)) return false;
+  if (!load(text, upper(std::filesystem::path(file).extension().string()) == ".XML" ? "landxml" : "alignment", name, "The file " + file)) return false;
   txtFile.text = file;
   return true;
 }

@@ -27,11 +27,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 constexpr double kDeg = std::numbers::pi / 180;
 
-std::string fixed(double v, const char* pattern) {
-  std::string text = Format(v, pattern);
-  if (text.size() > 1 && text[0] == '-' && text.find_first_not_of("0.", 1) == std::string::npos) text.erase(0, 1);
-  return text;
-}
+std::string fixed(double v, const char* pattern) { return FormatShown(v, pattern); }
 
 std::string elementName(const Alignment& a, int i) {
   const Element& e = a.elements()[static_cast<std::size_t>(i)];
@@ -65,11 +61,9 @@ std::optional<std::pair<double, double>> deflection(const Alignment& a, double a
 int alignmentCommand(const std::string& file, const AlignmentQuery& q, std::ostream& out, std::ostream& err) {
   try {
     // An alignment file, or the first alignment of a LandXML file.
-    std::string ending = std::filesystem::path(file).extension().string();
-    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     std::string name = std::filesystem::path(file).stem().string();
     if (name.ends_with(".alignment")) name.erase(name.size() - 10);
-    LandXmlAlignment read = readAlignment(readInputFile(file), ending == ".xml" ? "landxml" : "alignment", name);
+    LandXmlAlignment read = readAlignment(readInputFile(file), upper(std::filesystem::path(file).extension().string()) == ".XML" ? "landxml" : "alignment", name);
     const std::vector<Vpi>& vpis = read.profile;
     name = read.name;
     const Alignment& a = read.alignment;

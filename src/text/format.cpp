@@ -87,4 +87,10 @@ std::string grouped(long long count) {
   return out;
 }
 
+std::string FormatShown(double value, std::string_view mask) {
+  std::string text = Format(value, mask);
+  if (text.size() > 1 && text[0] == '-' && text.find_first_not_of("0.", 1) == std::string::npos) text.erase(0, 1);
+  return text;
+}
+
 }  // namespace tervalo

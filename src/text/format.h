@@ -16,6 +16,10 @@ namespace tervalo {
 // leading zero (".500"). A value that is not finite is an Overflow.
 std::string Format(double value, std::string_view mask);
 
+// A report's number by `mask`, and no sign where its places show nothing:
+// a residual of -0.00004 with "0.000" is 0.000, not -0.000.
+std::string FormatShown(double value, std::string_view mask);
+
 // A whole count with its thousands set apart: 12045 as "12,045".
 std::string grouped(long long count);
 

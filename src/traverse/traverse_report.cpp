@@ -17,13 +17,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// A number to its places, and no sign where those places show nothing:
-// a residual of -0.00004 is 0.000, not -0.000.
-std::string fixed(double v, const char* pattern) {
-  std::string text = Format(v, pattern);
-  if (text.size() > 1 && text[0] == '-' && text.find_first_not_of("0.", 1) == std::string::npos) text.erase(0, 1);
-  return text;
-}
+std::string fixed(double v, const char* pattern) { return FormatShown(v, pattern); }
 
 std::string coordinate(double v) { return fixed(v, "0.0000"); }
 std::string length(double v) { return fixed(v, "0.000"); }
