@@ -1,3 +1,4 @@
+#include "crs/project_store.h"
 #include "app/job.h"
 
 #include <cerrno>
@@ -178,8 +179,7 @@ Job readJobFile(const std::string& file, const FormRegistry& registry) {
   // job runs the same from any working folder. Names of files it writes
   // keep their own rule (the data folder).
   const std::filesystem::path folder = std::filesystem::absolute(std::filesystem::path(file)).parent_path();
-  if (!job.project.empty() && std::filesystem::path(job.project).is_relative())
-    job.project = (folder / job.project).lexically_normal().string();
+  job.project = projectBeside(job.project, folder);
   for (JobStep& step : job.steps)
     for (auto& [control, value] : step.set) {
       auto* name = std::get_if<std::string>(&value);

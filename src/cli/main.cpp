@@ -196,13 +196,15 @@ int run(int argc, char** argv) {
                           "a name without a folder lies in the data folder");
 
   // The survey project: new, import, export, list.
-  auto* projectCmd = app.add_subcommand("project", "Make a survey project (a GeoPackage) and import, export and list its points.");
+  auto* projectCmd = app.add_subcommand("project",
+                                        "Make a survey project (a GeoPackage, or a PostgreSQL database with PostGIS named PG:service=NAME or "
+                                        "PG:\"dbname=... host=...\") and import, export, list and copy its points.");
   projectCmd->require_subcommand(1);
   std::string projectFile, projectOther, projectColumns, projectUnit = "ft", projectFoot, projectDuplicate = "skip";
   int projectEpsg = 0;
   bool projectJson = false;
   auto* projectNewCmd = projectCmd->add_subcommand("new", "Make a new project");
-  projectNewCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectNewCmd->add_option("project", projectFile, "The project (NAME.gpkg, or PG:service=NAME)")->required();
   projectNewCmd->add_option("--epsg", projectEpsg, "The coordinate system by its EPSG code; none: local coordinates");
   projectNewCmd->add_option("--foot", projectFoot, "On a system in metres: the coordinates' foot, us or international")
       ->check(CLI::IsMember({"us", "international"}));
@@ -212,7 +214,7 @@ int run(int argc, char** argv) {
   projectNewCmd->add_option("--license", projectPeople.license, "The surveyor's license number, for the plat's certificate");
   projectNewCmd->add_option("--firm", projectPeople.firm, "The firm, for the plat's title block");
   auto* projectImportCmd = projectCmd->add_subcommand("import", "Import the points of a file into the project");
-  projectImportCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectImportCmd->add_option("project", projectFile, "The project (NAME.gpkg, or PG:service=NAME)")->required();
   projectImportCmd->add_option("file", projectOther,
                                "A coordinate file (the four formats the program reads, a CSV by its header or --columns), "
                                "LandXML (.xml) or a raw file (.rw5)")
@@ -223,19 +225,23 @@ int run(int argc, char** argv) {
       ->check(CLI::IsMember({"skip", "replace", "renumber"}));
   projectImportCmd->add_flag("--json", projectJson, "Print the counts as JSON");
   auto* projectExportCmd = projectCmd->add_subcommand("export", "Export the project's points to a file, its kind by its ending");
-  projectExportCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectExportCmd->add_option("project", projectFile, "The project (NAME.gpkg, or PG:service=NAME)")->required();
   projectExportCmd->add_option("file", projectOther, "The file (.csv .txt .xml .dxf .gpkg .geojson .kml)")->required();
   projectExportCmd->add_flag("--json", projectJson, "Print the result as JSON");
   auto* projectListCmd = projectCmd->add_subcommand("list", "List the project's points");
-  projectListCmd->add_option("project", projectFile, "The project (NAME.gpkg)")->required();
+  projectListCmd->add_option("project", projectFile, "The project (NAME.gpkg, or PG:service=NAME)")->required();
   projectListCmd->add_flag("--json", projectJson, "Print the project and its points as JSON");
+  auto* projectCopyCmd = projectCmd->add_subcommand("copy", "Copy a whole project into a new one: a GeoPackage to a database, or back");
+  projectCopyCmd->add_option("project", projectFile, "The project copied (NAME.gpkg, or PG:service=NAME)")->required();
+  projectCopyCmd->add_option("to", projectOther, "The new project (NAME.gpkg, or PG:service=NAME of a database without one)")->required();
+  projectCopyCmd->add_flag("--json", projectJson, "Print the result as JSON");
 
   // COGO commands from a text file, on a project's points.
   std::string cogoProject, cogoFile;
   bool cogoJson = false;
   int cogoSeconds = 0;
   auto* cogoCmd = app.add_subcommand("cogo", "Run the COGO commands of a text file on a project's points; the new points are stored at the end.");
-  cogoCmd->add_option("project", cogoProject, "The project (NAME.gpkg)")->required();
+  cogoCmd->add_option("project", cogoProject, "The project (NAME.gpkg, or PG:service=NAME)")->required();
   cogoCmd->add_option("file", cogoFile, "The command file: one command a line, # begins a comment")->required();
   cogoCmd->add_flag("--json", cogoJson, "Print every result and the points stored as JSON");
   cogoCmd->add_option("--seconds", cogoSeconds, "Decimals of seconds in the answers' angles and bearings, 0 to 3 (0)")->check(CLI::Range(0, 3));
@@ -308,6 +314,7 @@ int run(int argc, char** argv) {
                                                                    : tervalo::OnDuplicate::Skip,
                                   projectJson, std::cout, std::cerr);
   if (projectListCmd->parsed()) return tervalo::projectList(projectFile, projectJson, std::cout, std::cerr);
+  if (projectCopyCmd->parsed()) return tervalo::projectCopy(projectFile, projectOther, projectJson, std::cout, std::cerr);
   if (projectExportCmd->parsed()) return tervalo::projectExport(projectFile, projectOther, projectJson, tervalo::localToday(), std::cout, std::cerr);
   // restore and traverse: a file, its data folder and date, then the command itself.
   const auto fileCommand = [](const RunOptionsCli& options, auto act) {

@@ -34,7 +34,22 @@ int projectNew(const std::string& project, const ProjectSettings& settings, std:
     err << "tervalo-cli: " << e.what() << "\n";
     return kExitUsage;
   }
-  out << "Project made: " << std::filesystem::absolute(project).lexically_normal().string() << "\n";
+  out << "Project made: " << (sharedProject(project) ? project : std::filesystem::absolute(project).lexically_normal().string()) << "\n";
+  return 0;
+}
+
+int projectCopy(const std::string& from, const std::string& to, bool json, std::ostream& out, std::ostream& err) {
+  long long copied = 0;
+  try {
+    copied = copyProject(from, to);
+  } catch (const ProjectError& e) {
+    err << "tervalo-cli: " << e.what() << "\n";
+    return kExitUsage;
+  }
+  if (json)
+    out << jsonText(Json{{"from", from}, {"to", to}, {"points", copied}}) << "\n";
+  else
+    out << "Copied " << copied << (copied == 1 ? " point" : " points") << " with the project's settings, journal and alignments to " << to << ".\n";
   return 0;
 }
 

@@ -15,6 +15,7 @@ int projectNew(const std::string& project, const ProjectSettings& settings, std:
 int projectImport(const std::string& project, const std::string& file, const std::string& columns, OnDuplicate onDuplicate, bool json,
                   std::ostream& out, std::ostream& err);
 int projectList(const std::string& project, bool json, std::ostream& out, std::ostream& err);
+int projectCopy(const std::string& from, const std::string& to, bool json, std::ostream& out, std::ostream& err);
 int projectExport(const std::string& project, const std::string& file, bool json, const Date& today, std::ostream& out,
                   std::ostream& err);
 

@@ -116,4 +116,29 @@ std::unique_ptr<ProjectFile> openProject(const std::filesystem::path& file) {
   }
 }
 
+std::string projectBeside(const std::string& project, const std::filesystem::path& folder) {
+  if (project.empty() || sharedProject(project) || std::filesystem::path(project).is_absolute()) return project;
+  return (folder / project).lexically_normal().string();
+}
+
+long long copyProject(const std::filesystem::path& from, const std::filesystem::path& to) {
+  const auto source = openProject(from);
+  const std::vector<ProjectPoint> points = source->points();
+  std::vector<JournalEntry> journal = source->history();
+  const std::vector<StoredAlignment> alignments = source->alignments();
+  auto target = createProject(to, source->settings());
+  try {
+    journal.push_back({stampNow(), "project copy", "copied from " + source->name() + ": " + std::to_string(points.size()) + " points"});
+    target->append(points, journal);
+    for (const StoredAlignment& a : alignments) target->storeAlignment(a);
+  } catch (...) {
+    // A file copy is made whole or not at all; a database keeps its empty project, which the message names.
+    target.reset();
+    std::error_code ec;
+    if (!sharedProject(to.string())) std::filesystem::remove(to, ec);
+    throw;
+  }
+  return static_cast<long long>(points.size());
+}
+
 }  // namespace tervalo

@@ -25,6 +25,7 @@
 namespace tervalo {
 
 std::unique_ptr<ProjectFile> gpkgProject(const std::filesystem::path& file, const ProjectSettings* create, const std::string& wkt);
+std::unique_ptr<ProjectFile> pgProject(const std::string& connection, const ProjectSettings* create, const std::string& wkt);
 
 namespace {
 
@@ -275,6 +276,7 @@ class ProjGeo : public Geo {
       if (!text) throw CrsError("PROJ gives no WKT for " + s.description.name);
       wkt = text;
     }
+    if (sharedProject(file.string())) return pgProject(file.string(), create, wkt);
     return gpkgProject(file, create, wkt);
   }
 

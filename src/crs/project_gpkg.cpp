@@ -22,22 +22,12 @@
 
 namespace tervalo {
 
-// 1: points, project and journal; 2: indexes on feature and evidence, which the Points window filters by.
-constexpr int kProjectSchema = 2;
-
 namespace {
 
 const char* const kTextFields[] = {"number", "description", "feature", "evidence", "source", "modified"};
 const char* const kFields[] = {"number", "northing", "easting", "elevation", "description", "feature", "evidence", "source", "modified"};
 
-std::string now() {
-  const std::time_t t = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm utc{};
-  gmtime_r(&t, &utc);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
-  return text;
-}
+std::string now() { return stampNow(); }
 
 // A text as an SQL string literal for GDAL's attribute filter.
 std::string literal(const std::string& text) {
@@ -290,7 +280,7 @@ class GpkgProject : public ProjectFile {
     return n;
   }
 
-  void apply(const ProjectEdit& edit, const std::string& source) override {
+  std::map<std::string, long long> apply(const ProjectEdit& edit, const std::string& source) override {
     OGRLayerH layer = pointsLayer();
     begin();
     try {
@@ -322,9 +312,49 @@ class GpkgProject : public ProjectFile {
       GDALDatasetRollbackTransaction(ds_);
       throw;
     }
+    return {};  // one writer at a time: no versions to keep
   }
 
   const std::filesystem::path& path() const override { return file_; }
+  std::string name() const override { return file_.stem().string(); }
+
+  std::vector<JournalEntry> history() override {
+    std::vector<JournalEntry> out;
+    query("SELECT changed, source, what FROM tervalo_journal ORDER BY fid", [&out](OGRFeatureH f) {
+      out.push_back({OGR_F_GetFieldAsString(f, 0), OGR_F_GetFieldAsString(f, 1), OGR_F_GetFieldAsString(f, 2)});
+    });
+    return out;
+  }
+
+  void append(const std::vector<ProjectPoint>& points, const std::vector<JournalEntry>& entries) override {
+    OGRLayerH layer = pointsLayer();
+    OGRLayerH journalLayer = GDALDatasetGetLayerByName(ds_, "tervalo_journal");
+    begin();
+    try {
+      for (const char* index : {"points_number", "points_feature", "points_evidence"}) sql(("DROP INDEX IF EXISTS " + std::string(index)).c_str());
+      for (const ProjectPoint& p : points) {
+        OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(layer));
+        fill(f, p);
+        const OGRErr e = OGR_L_CreateFeature(layer, f);
+        OGR_F_Destroy(f);
+        if (e != OGRERR_NONE) throw ProjectError("point " + p.number + " cannot be stored: " + lastError());
+      }
+      makeIndexes();
+      for (const JournalEntry& j : entries) {
+        OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(journalLayer));
+        OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "changed"), j.changed.c_str());
+        OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "source"), j.source.c_str());
+        OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "what"), j.what.c_str());
+        const OGRErr e = OGR_L_CreateFeature(journalLayer, f);
+        OGR_F_Destroy(f);
+        if (e != OGRERR_NONE) fail("cannot be changed");
+      }
+      commit();
+    } catch (...) {
+      GDALDatasetRollbackTransaction(ds_);
+      throw;
+    }
+  }
 
   void setSigner(const ProjectSettings& people) override {
     OGRLayerH about = GDALDatasetGetLayerByName(ds_, "tervalo_project");

@@ -217,6 +217,11 @@ std::string frmPoints::cell(long long r, int column) {
 bool frmPoints::editRows(const ProjectEdit& edit, const std::string& what) {
   try {
     session()->edit(edit, what, kSource);
+  } catch (const ProjectConflict& e) {
+    // Another user's change stands; the rows are read again to show it.
+    shell().msgBox(kTitle, std::string(e.what()) + ". The window shows the points as they are now.", Icon::Exclamation);
+    reload();
+    return false;
   } catch (const ProjectError& e) {
     shell().msgBox(kTitle, e.what(), Icon::Exclamation);
     return false;
@@ -234,6 +239,7 @@ void frmPoints::setCell(long long r, int column, const std::string& text) {
   p.source = kSource;
   const std::string t = trimmed(text);
   ProjectEdit edit;
+  edit.expect[old.number] = old.version;
   std::string what = "Edit point " + old.number;
   if (column == 0) {
     const std::string number = upper(t);
@@ -248,6 +254,7 @@ void frmPoints::setCell(long long r, int column, const std::string& text) {
     }
     p.number = number;
     edit.remove.push_back(old.number);
+    edit.expect[number] = 0;
     what = "Renumber point " + old.number + " to " + number;
   } else if (column <= 3) {
     const std::optional<double> v = finiteNumber(t);
@@ -425,7 +432,7 @@ void frmPoints::addPoint() {
   p.description = trimmed(txtNewDescription.text);
   p.source = kSource;
   if (s->file().find(p.number)) return refuse("The project holds a point " + p.number + " already.", "txtNewNumber");
-  if (!editRows({{}, {p}}, "Add point " + p.number)) return;
+  if (!editRows({{}, {p}, {{p.number, 0}}}, "Add point " + p.number)) return;
   for (TextBox* t : {&txtNewNumber, &txtNewNorthing, &txtNewEasting, &txtNewElevation, &txtNewDescription}) t->text.clear();
   reload();
   txtFind.text = p.number;
@@ -437,11 +444,15 @@ void frmPoints::deletePoints() {
   const std::vector<ProjectPoint> chosen = selectedPoints();
   if (chosen.empty()) return;
   std::vector<std::string> numbers;
-  for (const ProjectPoint& p : chosen) numbers.push_back(p.number);
+  std::map<std::string, long long> readAt;
+  for (const ProjectPoint& p : chosen) {
+    numbers.push_back(p.number);
+    readAt[p.number] = p.version;
+  }
   if (shell().msgBox(kTitle, "Delete " + points(static_cast<long long>(numbers.size())) + " (" + someNumbers(numbers) + ") from the project?",
                      Icon::Question, Buttons::YesNo) != Answer::Yes)
     return;
-  if (editRows({numbers, {}}, "Delete " + points(static_cast<long long>(numbers.size())))) reload();
+  if (editRows({numbers, {}, readAt}, "Delete " + points(static_cast<long long>(numbers.size())))) reload();
 }
 
 void frmPoints::renumber() {
@@ -468,11 +479,13 @@ void frmPoints::renumber() {
     }
     moving.insert(p.number);
     edit.remove.push_back(p.number);
+    edit.expect[p.number] = p.version;
     ProjectPoint q = p;
     q.modified.clear();
     q.source = kSource;
     q.number = std::to_string(*n + *offset);
     edit.put.push_back(q);
+    edit.expect.emplace(q.number, 0);
   }
   std::vector<std::string> wanted;
   for (const ProjectPoint& q : edit.put) wanted.push_back(q.number);
@@ -486,6 +499,16 @@ void frmPoints::renumber() {
   }
   const std::string by = (*offset > 0 ? "+" : "") + std::to_string(*offset);
   if (editRows(edit, "Renumber " + points(static_cast<long long>(chosen.size())) + " by " + by)) reload();
+}
+
+bool frmPoints::poll() {
+  ProjectSession* s = session();
+  if (!s || s != seenSession_ || !s->poll()) return false;
+  const long long keep = currentRow;
+  reload();
+  if (keep >= 0 && rowCount() > 0) select({std::min(keep, rowCount() - 1)});
+  lblResult.caption = "Another user changed the points (" + stampNow().substr(11, 8) + " UTC): they are shown as they are now.";
+  return true;
 }
 
 void frmPoints::undo() { step(true); }
@@ -559,13 +582,18 @@ void frmPoints::paste() {
   std::vector<std::string> numbers;
   for (const ProjectPoint& p : pasted) numbers.push_back(p.number);
   std::vector<std::string> held;
-  for (const ProjectPoint& p : s->file().findAll(numbers)) held.push_back(p.number);
+  std::map<std::string, long long> readAt;
+  for (const std::string& n : numbers) readAt[n] = 0;
+  for (const ProjectPoint& p : s->file().findAll(numbers)) {
+    held.push_back(p.number);
+    readAt[p.number] = p.version;
+  }
   if (!held.empty() &&
       shell().msgBox(kTitle, points(static_cast<long long>(held.size())) + " pasted (" + someNumbers(held) +
                                  ") have numbers the project holds: replace those points? No pastes nothing.",
                      Icon::Question, Buttons::YesNo) != Answer::Yes)
     return;
-  if (editRows({{}, pasted}, "Paste " + points(static_cast<long long>(pasted.size())))) reload();
+  if (editRows({{}, pasted, readAt}, "Paste " + points(static_cast<long long>(pasted.size())))) reload();
 }
 
 void frmPoints::import() {

@@ -103,6 +103,10 @@ class frmPoints : public FormModel {
   void opened() override;
   // Reads the project again after another window changed it.
   void refresh();
+  // Asked every few seconds while the window is open: reads a shared
+  // project again when another user has changed its points, and says so.
+  bool poll();
+  static constexpr int kPollMilliseconds = 2000;
 
   void find();
   void addPoint();

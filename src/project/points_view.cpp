@@ -1,6 +1,7 @@
 #include "qt/views.h"
 
 #include <QAbstractTableModel>
+#include <QApplication>
 #include <QComboBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -12,6 +13,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QTableView>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "project/frm_points.h"
@@ -190,6 +192,14 @@ class PointsView : public FormDialog {
     bind();
     binder_->onRefresh = [this] { refresh(); };
     refresh();
+    // Other users' changes of a shared project, looked for while no cell is being edited.
+    auto* poll = new QTimer(this);
+    connect(poll, &QTimer::timeout, this, [this] {
+      const QWidget* focus = QApplication::focusWidget();
+      const bool editing = focus && focus != table_ && table_->isAncestorOf(focus);
+      if (!editing && form().poll()) binder_->refresh();
+    });
+    poll->start(frmPoints::kPollMilliseconds);
     resize(1300, 720);
   }
 

@@ -9,7 +9,7 @@ namespace tervalo {
 
 ProjectSession::ProjectSession(std::unique_ptr<ProjectFile> file) : file_(std::move(file)) {}
 
-std::string ProjectSession::name() const { return file_->path().stem().string(); }
+std::string ProjectSession::name() const { return file_->name(); }
 
 std::string ProjectSession::status() {
   if (count_ < 0) count_ = file_->count();
@@ -38,7 +38,7 @@ ProjectEdit ProjectSession::inverseOf(const ProjectEdit& edit) {
 
 void ProjectSession::edit(const ProjectEdit& edit, const std::string& what, const std::string& source) {
   ProjectEdit back = inverseOf(edit);
-  file_->apply(edit, source);
+  back.expect = file_->apply(edit, source);
   done_.push_back({what, source, std::move(back)});
   undone_.clear();
   ++version_;
@@ -51,11 +51,19 @@ StoreCounts ProjectSession::store(std::vector<ProjectPoint> points, OnDuplicate 
   ProjectEdit back;
   back.remove = counts.added;
   back.put = counts.replacedPoints;
+  back.expect = counts.versions;
   done_.push_back({what, source, std::move(back)});
   undone_.clear();
   ++version_;
   count_ = -1;
   return counts;
+}
+
+bool ProjectSession::poll() {
+  if (!file_->changedElsewhere()) return false;
+  ++version_;
+  count_ = -1;
+  return true;
 }
 
 void ProjectSession::undo() { replay(done_, undone_, "undo "); }
@@ -67,7 +75,7 @@ void ProjectSession::replay(std::vector<Step>& from, std::vector<Step>& to, cons
   if (from.empty()) return;
   Step step = from.back();
   ProjectEdit again = inverseOf(step.back);
-  file_->apply(step.back, word + step.source);
+  again.expect = file_->apply(step.back, word + step.source);
   from.pop_back();
   to.push_back({step.what, step.source, std::move(again)});
   ++version_;

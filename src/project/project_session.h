@@ -2,7 +2,9 @@
 // The project open in the program: its file, and the changes made to it in
 // this run, each taken back and done again as one step (an edit in the
 // Points window, a tool's Store, an import). Every window reads the
-// project through it and sees by `version` when to read again.
+// project through it and sees by `version` when to read again. In a shared
+// project each step carries the versions of the points it left, so that
+// Undo never takes back what another user has changed since.
 
 #include <memory>
 #include <string>
@@ -48,6 +50,8 @@ class ProjectSession {
 
   // Changes with every change of the points, so that a window knows its rows are stale.
   int version() const { return version_; }
+  // Whether another user changed a shared project's points since last asked; the version moves when so.
+  bool poll();
 
  private:
   struct Step {

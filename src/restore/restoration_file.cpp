@@ -1,3 +1,4 @@
+#include "crs/project_store.h"
 #include "restore/restoration_file.h"
 
 #include "project/point_import.h"
@@ -143,8 +144,7 @@ RestorationFile readRestorationFile(const std::string& name) {
   const std::filesystem::path source(file.source);
   if (!file.source.empty() && source.is_relative())
     file.source = (std::filesystem::path(name).parent_path() / source).lexically_normal().string();
-  if (!file.project.empty() && std::filesystem::path(file.project).is_relative())
-    file.project = (std::filesystem::path(name).parent_path() / file.project).lexically_normal().string();
+  file.project = projectBeside(file.project, std::filesystem::path(name).parent_path());
   return file;
 }
 

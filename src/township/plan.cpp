@@ -1,3 +1,4 @@
+#include "crs/project_store.h"
 #include "township/plan.h"
 
 
@@ -137,8 +138,7 @@ TownshipPlan readPlanFile(const std::string& file) {
   const std::filesystem::path source(plan.source);
   if (!plan.source.empty() && source.is_relative())
     plan.source = (std::filesystem::path(file).parent_path() / source).lexically_normal().string();
-  if (!plan.project.empty() && std::filesystem::path(plan.project).is_relative())
-    plan.project = (std::filesystem::path(file).parent_path() / plan.project).lexically_normal().string();
+  plan.project = projectBeside(plan.project, std::filesystem::path(file).parent_path());
   return plan;
 }
 

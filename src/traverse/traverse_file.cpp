@@ -1,3 +1,4 @@
+#include "crs/project_store.h"
 #include "traverse/traverse_file.h"
 
 #include <cmath>
@@ -218,8 +219,7 @@ TraverseInput readTraverseFile(const std::string& name) {
   }
   if (!in.source.empty() && std::filesystem::path(in.source).is_relative())
     in.source = (file.parent_path() / in.source).lexically_normal().string();
-  if (!in.project.empty() && std::filesystem::path(in.project).is_relative())
-    in.project = (file.parent_path() / in.project).lexically_normal().string();
+  in.project = projectBeside(in.project, file.parent_path());
   return in;
 }
 
