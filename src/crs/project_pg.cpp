@@ -207,6 +207,8 @@ class PgProject : public ProjectFile {
   std::vector<long long> select(const PointQuery& q) override {
     static const std::string whole = "number ~ '^[0-9]{1,18}$'";
     const std::string value = "(CASE WHEN " + whole + " THEN number::bigint END)";
+    // A number's leading whole number, 0 for none: what a GeoPackage project sorts numbers with letters by.
+    const std::string leading = "COALESCE(substring(number from '^[-+]?[0-9]{1,18}')::bigint, 0)";
     std::vector<std::string> where;
     std::vector<Value> values;
     const auto bind = [&values](std::string v) {
@@ -232,7 +234,7 @@ class PgProject : public ProjectFile {
     switch (q.order) {
       case C::Stored: by = "fid" + way; break;
       case C::Number:
-        by = "CASE WHEN " + whole + " THEN 0 ELSE 1 END" + way + ", " + value + way + ", number COLLATE \"C\"" + way;
+        by = "CASE WHEN " + whole + " THEN 0 ELSE 1 END" + way + ", " + leading + way + ", number COLLATE \"C\"" + way;
         break;
       case C::Northing: by = "northing" + way + ", fid"; break;
       case C::Easting: by = "easting" + way + ", fid"; break;
@@ -262,7 +264,8 @@ class PgProject : public ProjectFile {
 
   std::vector<std::string> values(const std::string& field, int most) override {
     if (field != "feature" && field != "evidence") return {};
-    const Rows rows = run("SELECT min(" + field + " COLLATE \"C\") FROM points WHERE " + field + " <> '' GROUP BY lower(" + field +
+    // Each text once in any case, as it was first stored.
+    const Rows rows = run("SELECT (array_agg(" + field + " ORDER BY fid))[1] FROM points WHERE " + field + " <> '' GROUP BY lower(" + field +
                               ") ORDER BY lower(" + field + ") COLLATE \"C\" LIMIT $1",
                           {std::to_string(std::max(0, most))}, kRead);
     std::vector<std::string> out;
