@@ -12,6 +12,7 @@
 #include "adjust/frm_network.h"
 #include "alignment/frm_alignment.h"
 #include "parcels/frm_surveyor.h"
+#include "project/frm_shared_project.h"
 #include "crs/frm_crs.h"
 #include "grading/frm_grade.h"
 #include "hcurve/frm_horz_curve.h"
@@ -61,6 +62,7 @@ FormRegistry buildRegistry() {
   registry.addForm("frmAlignment", [](Program& p) { return std::make_unique<frmAlignment>(p); });
   registry.addForm("frmSurveyor", [](Program& p) { return std::make_unique<frmSurveyor>(p); });
   registry.addForm("frmPoints", [](Program& p) { return std::make_unique<frmPoints>(p); });
+  registry.addForm("frmSharedProject", [](Program& p) { return std::make_unique<frmSharedProject>(p); });
   registry.addForm("frmCrs", [](Program& p) { return std::make_unique<frmCrs>(p); });
   registry.addForm("frmTraverse", [](Program& p) { return std::make_unique<frmTraverse>(p); });
   return registry;

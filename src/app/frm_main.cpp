@@ -10,6 +10,7 @@
 #include "app/shell.h"
 #include "points/readers.h"
 #include "project/frm_points.h"
+#include "project/frm_shared_project.h"
 #include "project/project_session.h"
 
 namespace tervalo {
@@ -62,6 +63,7 @@ frmMain::frmMain(Program& program)
     const auto chosen = shell().chooseFile(FileDialog::Open, "Open Project", "", {"Tervalo projects (*.gpkg)", "All files (*)"});
     if (chosen && !chosen->empty()) openProjectFile(*chosen);
   });
+  add("mnuProjectShared", mnuProjectShared).click([this] { sharedProject(); });
   add("mnuProjectRecent", mnuProjectRecent);
   for (std::size_t i = 0; i < mnuProjectRecentFiles.size(); ++i) {
     mnuProjectRecentFiles[i].parent = "mnuProjectRecent";
@@ -199,11 +201,24 @@ void frmMain::reopenLastProject() {
   openProjectFile(files.front());
 }
 
-void frmMain::newProject() {
-  const auto chosen = shell().chooseFile(FileDialog::Save, "New Project", "", {"Tervalo projects (*.gpkg)"});
-  if (!chosen || chosen->empty()) return;
-  std::string file = *chosen;
-  if (!file.ends_with(".gpkg")) file += ".gpkg";
+void frmMain::sharedProject() {
+  if (!program().registry().hasForm("frmSharedProject")) return;
+  auto& form = program().form<frmSharedProject>("frmSharedProject");
+  shell().showModal(form);
+  if (form.chosen.empty()) return;
+  if (form.makeNew)
+    newProject(form.chosen);
+  else
+    openProjectFile(form.chosen);
+}
+
+void frmMain::newProject(std::string file) {
+  if (file.empty()) {
+    const auto chosen = shell().chooseFile(FileDialog::Save, "New Project", "", {"Tervalo projects (*.gpkg)"});
+    if (!chosen || chosen->empty()) return;
+    file = *chosen;
+    if (!file.ends_with(".gpkg")) file += ".gpkg";
+  }
   // The project's coordinate system, chosen in the Coordinate System window (none: local coordinates).
   if (program().registry().hasForm("frmCrs")) shell().showModal(program().form("frmCrs"));
   ProjectSettings settings;

@@ -51,6 +51,7 @@ class frmMain : public FormModel {
   MenuItem mnuProject{"Project", true, true, ""};
   MenuItem mnuProjectNew{"New Project...", true, true, "mnuProject"};
   MenuItem mnuProjectOpen{"Open Project...", true, true, "mnuProject"};
+  MenuItem mnuProjectShared{"Open Shared Project...", true, true, "mnuProject"};  // a firm's, in PostgreSQL
   MenuItem mnuProjectRecent{"Recent Projects", true, true, "mnuProject"};
   std::array<MenuItem, RecentWork::kMost> mnuProjectRecentFiles;
   MenuItem mnuProjectImport{"Import Points...", true, false, "mnuProject", true};
@@ -97,7 +98,10 @@ class frmMain : public FormModel {
   void reopenLastProject();
   // Opens the project `file` for every tool, saying in a box why not.
   bool openProjectFile(const std::string& file);
-  void newProject();
+  // A new project: in `file`, or in a file chosen, or a database ("PG:...").
+  void newProject(std::string file = "");
+  // A project in a PostgreSQL database, opened or made new from the Shared Project window.
+  void sharedProject();
   void closeProject();
   // The open project's line, as it stands (other windows change its points).
   void showProject();

@@ -7,6 +7,7 @@
 
 #include "app/json_text.h"
 #include "app/output_file.h"
+#include "crs/project_store.h"
 #include "text/errors.h"
 #include "text/input_file.h"
 
@@ -36,7 +37,8 @@ void RecentWork::load() const {
 }
 
 void RecentWork::add(const std::string& file) {
-  const std::string path = std::filesystem::absolute(file).lexically_normal().string();
+  // A shared project's connection is kept as named (it never holds a password: the project refuses one).
+  const std::string path = sharedProject(file) ? file : std::filesystem::absolute(file).lexically_normal().string();
   load();
   if (!files_.empty() && files_.front() == path) return;  // first already: nothing to write
   files_.erase(std::remove(files_.begin(), files_.end(), path), files_.end());

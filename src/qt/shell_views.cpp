@@ -97,6 +97,33 @@ class SurveyorView : public FormDialog {
   }
 };
 
+class SharedProjectView : public FormDialog {
+ public:
+  SharedProjectView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
+    auto* layout = new QVBoxLayout(this);
+    auto* row = new QHBoxLayout;
+    QLabel* l = label("lblConnection");
+    QLineEdit* e = edit("txtConnection");
+    l->setBuddy(e);
+    row->addWidget(l);
+    row->addWidget(e, 1);
+    layout->addLayout(row);
+    QLabel* help = label("lblHelp");
+    help->setWordWrap(true);
+    layout->addWidget(help);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    QPushButton* open = button("btnOpen");
+    open->setDefault(true);
+    buttons->addWidget(open);
+    buttons->addWidget(button("btnNew"));
+    buttons->addWidget(button("btnCancel"));
+    layout->addLayout(buttons);
+    setMinimumWidth(560);
+    bind();
+  }
+};
+
 class SetOptionsView : public FormDialog {
  public:
   SetOptionsView(FormModel& m, QtShell& s, QWidget* p) : FormDialog(m, s, p) {
@@ -169,6 +196,7 @@ QDialog* makeHistoryView(FormModel& m, QtShell& s, QWidget* p) { return new Hist
 QDialog* makeHeaderView(FormModel& m, QtShell& s, QWidget* p) { return new HeaderView(m, s, p); }
 
 QDialog* makeSurveyorView(FormModel& m, QtShell& s, QWidget* p) { return new SurveyorView(m, s, p); }
+QDialog* makeSharedProjectView(FormModel& m, QtShell& s, QWidget* p) { return new SharedProjectView(m, s, p); }
 QDialog* makeSetOptionsView(FormModel& m, QtShell& s, QWidget* p) { return new SetOptionsView(m, s, p); }
 QDialog* makeOutputView(FormModel& m, QtShell& s, QWidget* p) { return new OutputView(m, s, p); }
 

@@ -29,6 +29,7 @@ void registerViews(QtShell& shell) {
   shell.addView("frmNetwork", makeNetworkView);
   shell.addView("frmAlignment", makeAlignmentView);
   shell.addView("frmSurveyor", makeSurveyorView);
+  shell.addView("frmSharedProject", makeSharedProjectView);
 }
 
 }  // namespace tervalo

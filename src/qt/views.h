@@ -37,6 +37,7 @@ QDialog* makeMapcheckView(FormModel& m, QtShell& s, QWidget* p);
 QDialog* makeNetworkView(FormModel& m, QtShell& s, QWidget* p);
 QDialog* makeAlignmentView(FormModel& m, QtShell& s, QWidget* p);
 QDialog* makeSurveyorView(FormModel& m, QtShell& s, QWidget* p);
+QDialog* makeSharedProjectView(FormModel& m, QtShell& s, QWidget* p);
 QDialog* makeCogoView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeGradeView(FormModel& model, QtShell& shell, QWidget* parent);
 QDialog* makeTownshipView(FormModel& model, QtShell& shell, QWidget* parent);

@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 
 #include "app/frm_main.h"
+#include "project/frm_shared_project.h"
 #include "project/project_session.h"
 #include "secsub/frm_sec_sub.h"
 #include "support/bench.h"
+#include "support/test_server.h"
 #include "text/errors.h"
 
 namespace tervalo {
@@ -36,10 +38,10 @@ TEST_F(MainWindow, TheCaptionAndMenuStandInOrder) {
   EXPECT_EQ(menu[25], "mnuPrevious");
   EXPECT_TRUE(main.mnuPrevious.separatorBefore);
   EXPECT_EQ(menu.back(), "mnuHistoryKeep");
-  // New, Open, the recent projects, Import, Export, Points, COGO, Mapcheck, Network Adjustment, Alignment, Surveyor, Close.
-  ASSERT_EQ(project.size(), 3u + 10u + 9u);
-  EXPECT_EQ(std::vector<std::string>(project.begin(), project.begin() + 3),
-            (std::vector<std::string>{"mnuProjectNew", "mnuProjectOpen", "mnuProjectRecent"}));
+  // New, Open, Open Shared, the recent projects, Import, Export, Points, COGO, Mapcheck, Network Adjustment, Alignment, Surveyor, Close.
+  ASSERT_EQ(project.size(), 4u + 10u + 9u);
+  EXPECT_EQ(std::vector<std::string>(project.begin(), project.begin() + 4),
+            (std::vector<std::string>{"mnuProjectNew", "mnuProjectOpen", "mnuProjectShared", "mnuProjectRecent"}));
   EXPECT_EQ(std::vector<std::string>(project.end() - 9, project.end()),
             (std::vector<std::string>{"mnuProjectImport", "mnuProjectExport", "mnuProjectPoints", "mnuProjectCogo", "mnuProjectMapcheck",
                                       "mnuProjectNetwork", "mnuProjectAlignment", "mnuProjectSurveyor", "mnuProjectClose"}));
@@ -71,6 +73,45 @@ TEST_F(MainWindow, AProjectIsMadeShownAndOpenedAgainAtTheNextStart) {
   EXPECT_FALSE(again.openProjectFile(damaged.string()));
   EXPECT_NE(shell.boxes.back().text.find("damaged.gpkg"), std::string::npos) << shell.boxes.back().text;
   EXPECT_TRUE(next.project);  // the open project stays open
+}
+
+TEST_F(MainWindow, ASharedProjectIsMadeAndOpenedByItsDatabaseAndNoPasswordIsKept) {
+  const std::string database = testing::freshDatabase("office");
+  const std::string words = testing::testServer() + " dbname=" + database;
+  // A password among the words is refused before anything is kept.
+  shell.onModal = [&](FormModel& f) {
+    static_cast<frmSharedProject&>(f).txtConnection.text = words + " password=secret";
+    f.click("btnNew");
+  };
+  main.click("mnuProjectShared");
+  EXPECT_EQ(shell.modalForms, std::vector<std::string>{"frmSharedProject"});
+  EXPECT_NE(shell.boxes.back().text.find("holds a password"), std::string::npos) << shell.boxes.back().text;
+  EXPECT_FALSE(program.project);
+  EXPECT_TRUE(program.recentProjects.files().empty());
+
+  shell.onModal = [&](FormModel& f) {
+    if (f.name() == "frmCrs") return;
+    static_cast<frmSharedProject&>(f).txtConnection.text = "PG:" + words;
+    f.click("btnNew");
+  };
+  shell.answers.push_back(Answer::Yes);  // local coordinates in feet
+  main.click("mnuProjectShared");
+  ASSERT_TRUE(program.project);
+  EXPECT_EQ(main.lblProject.caption, "Project: " + database + " (local coordinates, feet), 0 points");
+  EXPECT_EQ(program.recentProjects.files().front(), "PG:" + words);
+  main.click("mnuProjectClose");
+
+  // Opened again by its words; at the next start the window proposes the last shared project.
+  Program next(shell, dir.folder());
+  auto& again = next.form<frmMain>("frmMain");
+  shell.onModal = [&](FormModel& f) {
+    ASSERT_EQ(f.name(), "frmSharedProject");
+    EXPECT_EQ(static_cast<frmSharedProject&>(f).txtConnection.text, words);
+    f.click("btnOpen");
+  };
+  again.click("mnuProjectShared");
+  ASSERT_TRUE(next.project);
+  EXPECT_EQ(next.project->file().path().string(), "PG:" + words);
 }
 
 TEST_F(MainWindow, ContinueWithAMissingFileOrAPipeSaysSoAndStays) {
