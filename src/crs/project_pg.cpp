@@ -750,7 +750,9 @@ class PgProject : public ProjectFile {
     for (const char* f : {"fid", "number", "northing", "easting", "elevation", "description", "feature", "evidence", "source", "modified", "version", "geom"})
       if (!columns.count(f)) throw ProjectError("\"" + shown_ + "\" is not a Tervalo project: its points have no field " + f);
     srid_ = run("SELECT Find_SRID(current_schema()::text, 'points', 'geom')", {}, kRead).whole(0, 0);
-    writable_ = run("SELECT has_table_privilege('points', 'INSERT, UPDATE, DELETE') AND has_table_privilege('tervalo_journal', 'INSERT') AND "
+    // Every right a change takes (the function answers for any one of a list, so each is asked alone).
+    writable_ = run("SELECT has_table_privilege('points', 'INSERT') AND has_table_privilege('points', 'UPDATE') AND "
+                    "has_table_privilege('points', 'DELETE') AND has_table_privilege('tervalo_journal', 'INSERT') AND "
                     "has_sequence_privilege('tervalo_point_version', 'USAGE')",
                     {}, kRead)
                     .text(0, 0) == "t";

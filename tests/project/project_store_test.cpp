@@ -350,6 +350,17 @@ TEST(SharedProject, AReadOnlyRoleBrowsesAndIsToldWhenItTriesToEdit) {
     }
   }
   EXPECT_EQ(u.office->file().count(), 2);
+
+  // A crew's role with the rights the README grants edits and stores.
+  adminSql(u.database,
+           "CREATE ROLE crew_writer LOGIN PASSWORD 'look only'; GRANT SELECT, INSERT, UPDATE, DELETE ON points, tervalo_journal, alignments TO "
+           "crew_writer; GRANT SELECT ON tervalo_project TO crew_writer; GRANT USAGE ON ALL SEQUENCES IN SCHEMA public TO crew_writer");
+  std::ofstream(reader.dir.path() / "pgpass", std::ios::app) << "*:*:*:crew_writer:look only\n";
+  auto crew = openProject(databaseProject(u.database, "crew_writer"));
+  crew->store({pt("9", 1, 1, 1, "CREW 9")}, OnDuplicate::Skip, "crew");
+  crew->apply({{"5"}, {}, {{"5", crew->find("5")->version}}}, "crew");
+  crew->storeAlignment({"A", "alignment", "{}", {{1, 2}, {3, 4}}, ""});
+  EXPECT_EQ(numbersOf(u.office->file().points()), (std::vector<std::string>{"6", "9"}));
 }
 
 TEST(SharedProject, EachFaultOfTheServerOrTheDatabaseHasItsOwnMessage) {
