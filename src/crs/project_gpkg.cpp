@@ -708,12 +708,7 @@ class GpkgProject : public ProjectFile {
       throw ProjectError("\"" + file_.string() + "\" comes from a newer Tervalo (project version " + values["schema"] + ")");
     if (schema < 1) throw ProjectError("\"" + file_.string() + "\" is not a Tervalo project: its version is missing");
     resolve();
-    settings_.unit = values["unit"] == "m" ? "m" : "ft";
-    settings_.crs.epsg = std::atoi(values["epsg"].c_str());
-    settings_.crs.foot = values["foot"];
-    settings_.surveyor = values["surveyor"];
-    settings_.license = values["license"];
-    settings_.firm = values["firm"];
+    settings_ = settingsOf(values);
     return schema;
   }
 

@@ -526,6 +526,14 @@ class PgProject : public ProjectFile {
 
   // A statement with its values bound, never pasted into its text.
   Rows run(const std::string& statement, const std::vector<Value>& values, const char* what) {
+    // A connection lost between runs (a server restarted) is made again; one lost within a run ends the run.
+    if (!inRun_ && PQstatus(conn_) == CONNECTION_BAD) {
+      PQreset(conn_);
+      if (PQstatus(conn_) == CONNECTION_OK) {
+        PQclear(PQexec(conn_, "SET client_encoding TO 'UTF8'"));
+        PQclear(PQexec(conn_, "LISTEN tervalo_points"));
+      }
+    }
     std::vector<const char*> pointers;
     for (const Value& v : values) pointers.push_back(v ? v->c_str() : nullptr);
     Rows rows(PQexecParams(conn_, statement.c_str(), static_cast<int>(pointers.size()), nullptr, pointers.data(), nullptr, nullptr, 0));
@@ -559,11 +567,14 @@ class PgProject : public ProjectFile {
       throw ProjectError("\"" + shown_ + "\" cannot be changed: the role \"" + std::string(PQuser(conn_)) +
                          "\" may browse the project but not change it; the database's owner grants that right");
     run("BEGIN", {}, kChange);
+    inRun_ = true;
     try {
       run(kWriterLock, {}, kChange);
       body();
       run("COMMIT", {}, kChange);
+      inRun_ = false;
     } catch (...) {
+      inRun_ = false;
       if (PQstatus(conn_) == CONNECTION_OK) PQclear(PQexec(conn_, "ROLLBACK"));
       throw;
     }
@@ -756,12 +767,7 @@ class PgProject : public ProjectFile {
                     "has_sequence_privilege('tervalo_point_version', 'USAGE')",
                     {}, kRead)
                     .text(0, 0) == "t";
-    settings_.unit = values["unit"] == "m" ? "m" : "ft";
-    settings_.crs.epsg = std::atoi(values["epsg"].c_str());
-    settings_.crs.foot = values["foot"];
-    settings_.surveyor = values["surveyor"];
-    settings_.license = values["license"];
-    settings_.firm = values["firm"];
+    settings_ = settingsOf(values);
     run("LISTEN tervalo_points", {}, kRead);
   }
 
@@ -771,6 +777,7 @@ class PgProject : public ProjectFile {
   ProjectSettings settings_;
   long long srid_ = 0;
   bool writable_ = true;
+  bool inRun_ = false;  // within a writing transaction
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 // from a newer Tervalo each get the program's own word.
 
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <map>
@@ -69,6 +70,22 @@ struct ProjectSettings {
   // Who signs the project's plats: the surveyor, the license, the firm; empty where not given.
   std::string surveyor{}, license{}, firm{};
 };
+
+// The settings as a project's `tervalo_project` table keeps them, key by key.
+inline ProjectSettings settingsOf(const std::map<std::string, std::string>& values) {
+  const auto value = [&values](const char* key) {
+    const auto it = values.find(key);
+    return it == values.end() ? std::string() : it->second;
+  };
+  ProjectSettings s;
+  s.unit = value("unit") == "m" ? "m" : "ft";
+  s.crs.epsg = std::atoi(value("epsg").c_str());
+  s.crs.foot = value("foot");
+  s.surveyor = value("surveyor");
+  s.license = value("license");
+  s.firm = value("firm");
+  return s;
+}
 
 enum class OnDuplicate { Skip, Replace, Renumber };
 
