@@ -36,9 +36,19 @@ ProjectEdit ProjectSession::inverseOf(const ProjectEdit& edit) {
   return back;
 }
 
+// The versions this session's own change left: every kept step that expects one of those
+// points expects it as it is now, for the step above it on the stack is what moved it.
+void ProjectSession::moved(const std::map<std::string, long long>& versions) {
+  for (std::vector<Step>* steps : {&done_, &undone_})
+    for (Step& step : *steps)
+      for (auto& [number, version] : step.back.expect)
+        if (const auto it = versions.find(number); it != versions.end()) version = it->second;
+}
+
 void ProjectSession::edit(const ProjectEdit& edit, const std::string& what, const std::string& source) {
   ProjectEdit back = inverseOf(edit);
   back.expect = file_->apply(edit, source);
+  moved(back.expect);
   done_.push_back({what, source, std::move(back)});
   undone_.clear();
   ++version_;
@@ -52,6 +62,7 @@ StoreCounts ProjectSession::store(std::vector<ProjectPoint> points, OnDuplicate 
   back.remove = counts.added;
   back.put = counts.replacedPoints;
   back.expect = counts.versions;
+  moved(counts.versions);
   done_.push_back({what, source, std::move(back)});
   undone_.clear();
   ++version_;
@@ -77,6 +88,7 @@ void ProjectSession::replay(std::vector<Step>& from, std::vector<Step>& to, cons
   ProjectEdit again = inverseOf(step.back);
   again.expect = file_->apply(step.back, word + step.source);
   from.pop_back();
+  moved(again.expect);
   to.push_back({step.what, step.source, std::move(again)});
   ++version_;
   count_ = -1;

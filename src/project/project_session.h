@@ -61,6 +61,7 @@ class ProjectSession {
   // The edit that puts back the points `edit` is about to change, as they are now.
   ProjectEdit inverseOf(const ProjectEdit& edit);
   void replay(std::vector<Step>& from, std::vector<Step>& to, const char* word);
+  void moved(const std::map<std::string, long long>& versions);
   std::unique_ptr<ProjectFile> file_;
   std::vector<Step> done_, undone_;
   int version_ = 0;

@@ -12,15 +12,18 @@
 #include "project/frm_points.h"
 #include "project/project_session.h"
 #include "support/bench.h"
+#include "support/test_server.h"
 
 namespace tervalo {
 namespace {
 
+// The window on a project in a GeoPackage, or in a database of the tests' server.
 struct PointsBench : testing::Bench {
   frmPoints& form = program.form<frmPoints>("frmPoints");
-  std::filesystem::path file = dir.path() / "farm.gpkg";
+  std::string file;
 
-  PointsBench() {
+  explicit PointsBench(bool shared = false)
+      : file(shared ? testing::databaseProject(testing::freshDatabase("farm")) : (dir.path() / "farm.gpkg").string()) {
     ProjectSettings settings;
     program.project = std::make_unique<ProjectSession>(createProject(file, settings));
     form.setOpen(true);
@@ -40,15 +43,17 @@ const char* const kSheet =
     "1\t4900\t1900\t99\tCP 1\tCP\t\n"
     "ab7\t5050\t2050\t\tSTONE\tST\tFD STONE\n";
 
-TEST(PointsWindow, PastedRowsAreEditedSortedFilteredAndFound) {
-  PointsBench b;
+class PointsWindow : public ::testing::TestWithParam<bool> {};
+
+TEST_P(PointsWindow, PastedRowsAreEditedSortedFilteredAndFound) {
+  PointsBench b(GetParam());
   b.shell.setClipboardText(kSheet);
   b.form.click("btnPaste");
   ASSERT_EQ(b.form.rowCount(), 4);
   EXPECT_EQ(b.column(0), (std::vector<std::string>{"10", "2", "1", "AB7"}));  // numbers in capitals, as the section form looks them up
   EXPECT_EQ(b.form.cell(1, 3), "");                                          // no elevation is none, never 0
   EXPECT_EQ(b.form.cell(0, 7), "Points window paste");
-  EXPECT_EQ(b.form.lblProject.caption, "Project: farm (local coordinates, feet), 4 points");
+  EXPECT_EQ(b.form.lblProject.caption, "Project: " + b.program.project->name() + " (local coordinates, feet), 4 points");
 
   // Numbers sort by value, letters after; any column either way.
   b.form.sortBy(0, false);
@@ -110,8 +115,8 @@ TEST(PointsWindow, PastedRowsAreEditedSortedFilteredAndFound) {
   EXPECT_EQ(b.program.project->file().find("C1")->description, "CP 1");
 }
 
-TEST(PointsWindow, RenumberDeleteAndAStoreOfManyPointsUndoAsOneStep) {
-  PointsBench b;
+TEST_P(PointsWindow, RenumberDeleteAndAStoreOfManyPointsUndoAsOneStep) {
+  PointsBench b(GetParam());
   b.shell.setClipboardText(kSheet);
   b.form.click("btnPaste");
   ProjectFile& project = b.program.project->file();
@@ -161,8 +166,8 @@ TEST(PointsWindow, RenumberDeleteAndAStoreOfManyPointsUndoAsOneStep) {
   EXPECT_EQ(b.form.cell(b.form.currentRow, 1), "1005.0000");
 }
 
-TEST(PointsWindow, CopiedRowsPasteBackExactlyAndImportsSayWhatTheyDid) {
-  PointsBench b;
+TEST_P(PointsWindow, CopiedRowsPasteBackExactlyAndImportsSayWhatTheyDid) {
+  PointsBench b(GetParam());
   b.shell.setClipboardText(kSheet);
   b.form.click("btnPaste");
   b.form.select({0, 3});
@@ -196,6 +201,8 @@ TEST(PointsWindow, CopiedRowsPasteBackExactlyAndImportsSayWhatTheyDid) {
   EXPECT_EQ(b.form.txtColumns.text, "PEN");
   EXPECT_EQ(b.program.project->file().find("600")->northing, 2);
 }
+
+INSTANTIATE_TEST_SUITE_P(BothHomes, PointsWindow, ::testing::Values(false, true), [](const auto& home) { return home.param ? "postgis" : "gpkg"; });
 
 TEST(Project, AnOlderProjectIsBroughtUpToDateAfterACopyIsKept) {
   testing::TempDir dir;
