@@ -131,7 +131,8 @@ class GpkgProject : public ProjectFile {
     return p;
   }
 
-  StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source) override {
+  StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source,
+                    const std::map<std::string, long long>& /*expect: one writer at a time*/ = {}) override {
     StoreCounts counts;
     counts.read = static_cast<int>(points.size());
     OGRLayerH layer = pointsLayer();

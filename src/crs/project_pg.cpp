@@ -275,10 +275,12 @@ class PgProject : public ProjectFile {
 
   long long rank(long long id) override { return run("SELECT count(*) FROM points WHERE fid < $1::bigint", {std::to_string(id)}, kRead).whole(0, 0); }
 
-  StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source) override {
+  StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source,
+                    const std::map<std::string, long long>& expect = {}) override {
     StoreCounts counts;
     counts.read = static_cast<int>(points.size());
     write([&] {
+      checkExpected(expect);
       std::unordered_set<std::string> numbers;
       {
         const Rows rows = run("SELECT number FROM points", {}, kChange);

@@ -145,8 +145,10 @@ class ProjectFile {
   virtual std::optional<ProjectPoint> find(const std::string& number) = 0;
   // The points in one transaction: all stored, or none (ProjectError).
   // A number the project holds already is skipped, replaced, or given the
-  // next free number, as `onDuplicate` says.
-  virtual StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source) = 0;
+  // next free number, as `onDuplicate` says. In a shared project `expect`
+  // holds, as ProjectEdit's does, the versions of the points the caller read.
+  virtual StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source,
+                            const std::map<std::string, long long>& expect = {}) = 0;
   // The points with these numbers that the project holds, found by the index.
   virtual std::vector<ProjectPoint> findAll(const std::vector<std::string>& numbers) = 0;
   // How many points the project holds.

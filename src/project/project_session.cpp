@@ -56,8 +56,8 @@ void ProjectSession::edit(const ProjectEdit& edit, const std::string& what, cons
 }
 
 StoreCounts ProjectSession::store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source,
-                                  const std::string& what) {
-  StoreCounts counts = file_->store(std::move(points), onDuplicate, source);
+                                  const std::string& what, const std::map<std::string, long long>& expect) {
+  StoreCounts counts = file_->store(std::move(points), onDuplicate, source, expect);
   ProjectEdit back;
   back.remove = counts.added;
   back.put = counts.replacedPoints;
@@ -106,6 +106,10 @@ std::string storeFromTool(ProjectSession& session, Shell& shell, std::vector<Pro
     std::vector<std::string> numbers;
     for (const ProjectPoint& p : points) numbers.push_back(p.number);
     const std::vector<ProjectPoint> held = session.file().findAll(numbers);
+    // What the user is asked about is what is replaced: a point another user changes meanwhile refuses the store.
+    std::map<std::string, long long> readAt;
+    for (const std::string& n : numbers) readAt[n] = 0;
+    for (const ProjectPoint& p : held) readAt[p.number] = p.version;
     if (!held.empty()) {
       std::string some;
       for (std::size_t i = 0; i < held.size() && i < 5; ++i) some += (i ? ", " : "") + held[i].number;
@@ -116,12 +120,14 @@ std::string storeFromTool(ProjectSession& session, Shell& shell, std::vector<Pro
                 ? OnDuplicate::Replace
                 : OnDuplicate::Renumber;
     }
-    const StoreCounts c = session.store(std::move(points), way, source, what);
+    if (way == OnDuplicate::Renumber) readAt.clear();  // the held points are left as they are
+    const StoreCounts c = session.store(std::move(points), way, source, what, readAt);
     return "Stored " + grouped(c.stored) + (c.stored == 1 ? " point" : " points") + " in " + session.name() +
            (c.replaced ? " (" + grouped(c.replaced) + " replacing a point)" : "") +
            (c.renumbered ? " (" + grouped(c.renumbered) + " under the next free numbers)" : "") + ".";
   } catch (const ProjectError& e) {
-    shell.msgBox(title, std::string(e.what()) + ". Nothing was stored.", Icon::Exclamation);
+    const std::string said = e.what();
+    shell.msgBox(title, said + (said.find("stored") == std::string::npos ? ". Nothing was stored." : "."), Icon::Exclamation);
     return "";
   }
 }

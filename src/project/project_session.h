@@ -38,7 +38,8 @@ class ProjectSession {
   // An edit, made in one transaction and kept as one step named `what`.
   void edit(const ProjectEdit& edit, const std::string& what, const std::string& source);
   // Points stored as ProjectFile::store stores them, kept as one step.
-  StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source, const std::string& what);
+  StoreCounts store(std::vector<ProjectPoint> points, OnDuplicate onDuplicate, const std::string& source, const std::string& what,
+                    const std::map<std::string, long long>& expect = {});
 
   bool canUndo() const { return !done_.empty(); }
   bool canRedo() const { return !undone_.empty(); }

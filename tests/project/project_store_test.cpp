@@ -15,6 +15,7 @@
 #include "project/frm_points.h"
 #include "project/project_session.h"
 #include "support/bench.h"
+#include "support/recording_shell.h"
 #include "support/temp_dir.h"
 #include "support/test_server.h"
 
@@ -306,6 +307,25 @@ TEST(SharedProject, ThePointsWindowSeesOtherUsersChangesAndShowsWhatARefusedEdit
   EXPECT_NE(b.shell.boxes.back().text.find("Point 5 was changed by another user"), std::string::npos) << b.shell.boxes.back().text;
   EXPECT_NE(b.shell.boxes.back().text.find("The window shows the points as they are now."), std::string::npos);
   EXPECT_EQ(form.cell(0, 4), "FIELD 5");
+}
+
+TEST(SharedProject, AToolsStoreReplacesOnlyThePointsAsTheUserWasAskedAboutThem) {
+  TwoUsers u;
+  // The other user changes point 5 while this one is asked whether to replace it.
+  struct Asking : testing::RecordingShell {
+    std::function<void()> onQuestion;
+    Answer msgBox(const std::string& title, const std::string& text, Icon icon, Buttons buttons) override {
+      if (buttons == Buttons::YesNo && onQuestion) onQuestion();
+      return RecordingShell::msgBox(title, text, icon, buttons);
+    }
+  } shell;
+  shell.onQuestion = [&] { u.field->edit(TwoUsers::editOf(*u.field->file().find("5"), "FIELD 5"), "Edit point 5", "field"); };
+  EXPECT_EQ(storeFromTool(*u.office, shell, {pt("5", 1, 2, 3, "TRAVERSE 5"), pt("50", 1, 2, 3, "NEW")}, "traverse", "Store"), "");
+  EXPECT_NE(shell.boxes.back().text.find("Point 5 was changed by another user"), std::string::npos) << shell.boxes.back().text;
+  EXPECT_EQ(u.office->file().find("5")->description, "FIELD 5");
+  EXPECT_FALSE(u.office->file().find("50"));
+  shell.onQuestion = nullptr;
+  EXPECT_EQ(storeFromTool(*u.office, shell, {pt("5", 1, 2, 3, "TRAVERSE 5")}, "traverse", "Store"), "Stored 1 point in " + u.database + " (1 replacing a point).");
 }
 
 // A role of the test server that logs in by password, its password in a password file of the test's own.
