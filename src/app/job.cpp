@@ -1,4 +1,3 @@
-#include "crs/project_store.h"
 #include "app/job.h"
 
 #include <cerrno>
@@ -16,6 +15,7 @@
 #include "app/json_fields.h"
 #include "app/json_text.h"
 #include "app/program.h"
+#include "crs/project_store.h"
 #include "text/input_file.h"
 
 namespace tervalo {

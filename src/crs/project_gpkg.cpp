@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <chrono>
-#include <ctime>
 #include <functional>
 #include <map>
 #include <unordered_set>
@@ -26,8 +24,6 @@ namespace {
 
 const char* const kTextFields[] = {"number", "description", "feature", "evidence", "source", "modified"};
 const char* const kFields[] = {"number", "northing", "easting", "elevation", "description", "feature", "evidence", "source", "modified"};
-
-std::string now() { return stampNow(); }
 
 // A text as an SQL string literal for GDAL's attribute filter.
 std::string literal(const std::string& text) {
@@ -150,7 +146,7 @@ class GpkgProject : public ProjectFile {
       const bool bulk = points.size() > 10000;
       if (bulk)
         for (const char* index : {"points_number", "points_feature", "points_evidence"}) sql(("DROP INDEX IF EXISTS " + std::string(index)).c_str());
-      const std::string when = now();
+      const std::string when = stampNow();
       for (ProjectPoint& p : points) {
         if (p.number.empty()) throw ProjectError("a point has no number");
         p.modified = when;
@@ -287,7 +283,7 @@ class GpkgProject : public ProjectFile {
     try {
       for (const ProjectPoint& gone : findAll(edit.remove))
         if (OGR_L_DeleteFeature(layer, gone.id) != OGRERR_NONE) fail("cannot be changed");
-      const std::string when = now();
+      const std::string when = stampNow();
       for (ProjectPoint p : edit.put) {
         if (p.number.empty()) throw ProjectError("a point has no number");
         if (p.modified.empty()) p.modified = when;
@@ -329,7 +325,6 @@ class GpkgProject : public ProjectFile {
 
   void append(const std::vector<ProjectPoint>& points, const std::vector<JournalEntry>& entries) override {
     OGRLayerH layer = pointsLayer();
-    OGRLayerH journalLayer = GDALDatasetGetLayerByName(ds_, "tervalo_journal");
     begin();
     try {
       for (const char* index : {"points_number", "points_feature", "points_evidence"}) sql(("DROP INDEX IF EXISTS " + std::string(index)).c_str());
@@ -341,15 +336,7 @@ class GpkgProject : public ProjectFile {
         if (e != OGRERR_NONE) throw ProjectError("point " + p.number + " cannot be stored: " + lastError());
       }
       makeIndexes();
-      for (const JournalEntry& j : entries) {
-        OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(journalLayer));
-        OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "changed"), j.changed.c_str());
-        OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "source"), j.source.c_str());
-        OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "what"), j.what.c_str());
-        const OGRErr e = OGR_L_CreateFeature(journalLayer, f);
-        OGR_F_Destroy(f);
-        if (e != OGRERR_NONE) fail("cannot be changed");
-      }
+      for (const JournalEntry& j : entries) journal(j);
       commit();
     } catch (...) {
       GDALDatasetRollbackTransaction(ds_);
@@ -422,7 +409,7 @@ class GpkgProject : public ProjectFile {
       for (GIntBig fid : old)
         if (OGR_L_DeleteFeature(layer, fid) != OGRERR_NONE) fail("cannot be changed");
       OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(layer));
-      const std::string stamp = a.modified.empty() ? now() : a.modified;
+      const std::string stamp = a.modified.empty() ? stampNow() : a.modified;
       for (const auto& [name, value] : {std::pair<const char*, const std::string*>{"name", &a.name}, {"format", &a.format},
                                         {"definition", &a.definition}, {"modified", &stamp}})
         OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, name), value->c_str());
@@ -627,13 +614,15 @@ class GpkgProject : public ProjectFile {
     if (CPLGetLastErrorType() >= CE_Failure) fail("cannot be changed");
   }
 
-  void journal(const std::string& source, const std::string& what) {
+  void journal(const std::string& source, const std::string& what) { journal({stampNow(), source, what}); }
+
+  void journal(const JournalEntry& entry) {
     OGRLayerH layer = GDALDatasetGetLayerByName(ds_, "tervalo_journal");
     if (!layer) return;
     OGRFeatureH f = OGR_F_Create(OGR_L_GetLayerDefn(layer));
-    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "changed"), now().c_str());
-    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "source"), source.c_str());
-    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "what"), what.c_str());
+    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "changed"), entry.changed.c_str());
+    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "source"), entry.source.c_str());
+    OGR_F_SetFieldString(f, OGR_F_GetFieldIndex(f, "what"), entry.what.c_str());
     const OGRErr e = OGR_L_CreateFeature(layer, f);
     OGR_F_Destroy(f);
     if (e != OGRERR_NONE) fail("cannot be changed");

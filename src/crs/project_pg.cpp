@@ -338,10 +338,7 @@ class PgProject : public ProjectFile {
         ++counts.stored;
       }
       copyIn(adding);
-      if (!adding.empty()) {
-        const Rows v = run("SELECT number, version FROM points WHERE number = ANY($1::text[])", {arrayOf(counts.added)}, kChange);
-        for (int i = 0; i < v.size(); ++i) counts.versions[v.text(i, 0)] = v.whole(i, 1);
-      }
+      versionsOf(counts.added, counts.versions);
       journal(source, std::to_string(counts.stored) + " stored, " + std::to_string(counts.skipped) + " skipped, " +
                           std::to_string(counts.replaced) + " replaced, " + std::to_string(counts.renumbered) + " renumbered");
       if (adding.size() > 10000) analyze();
@@ -384,10 +381,7 @@ class PgProject : public ProjectFile {
         }
       }
       for (const std::string& n : named) versions[n] = 0;
-      if (!named.empty()) {
-        const Rows v = run("SELECT number, version FROM points WHERE number = ANY($1::text[])", {arrayOf(named)}, kChange);
-        for (int i = 0; i < v.size(); ++i) versions[v.text(i, 0)] = v.whole(i, 1);
-      }
+      versionsOf(named, versions);
       journal(source, std::to_string(edit.remove.size()) + " removed, " + std::to_string(edit.put.size()) + " stored");
     });
     return versions;
@@ -454,12 +448,9 @@ class PgProject : public ProjectFile {
 
   void append(const std::vector<ProjectPoint>& points, const std::vector<JournalEntry>& entries) override {
     write([&] {
-      std::vector<ProjectPoint> all(points);
-      for (ProjectPoint& p : all) p.number = utf8(p.number);
-      copyIn(all);
-      if (all.size() > 10000) analyze();
-      for (const JournalEntry& j : entries)
-        run("INSERT INTO tervalo_journal (changed, source, what) VALUES ($1, $2, $3)", {utf8(j.changed), utf8(j.source), utf8(j.what)}, kChange);
+      copyIn(points);
+      if (points.size() > 10000) analyze();
+      for (const JournalEntry& j : entries) journal(j);
     });
   }
 
@@ -639,7 +630,7 @@ class PgProject : public ProjectFile {
     bool sent = true;
     for (std::size_t i = 0; i < points.size() && sent; ++i) {
       const ProjectPoint& p = points[i];
-      field(buffer, p.number);
+      field(buffer, utf8(p.number));
       buffer += '\t' + number17(p.northing) + '\t' + number17(p.easting) + '\t' + (p.elevation ? number17(*p.elevation) : "\\N");
       for (const std::string* t : {&p.description, &p.feature, &p.evidence, &p.source, &p.modified}) {
         buffer += '\t';
@@ -660,12 +651,20 @@ class PgProject : public ProjectFile {
     if (failed) fault(failed->get(), kChange);
   }
 
+  // The versions the points of these numbers hold now, into `out`.
+  void versionsOf(const std::vector<std::string>& numbers, std::map<std::string, long long>& out) {
+    if (numbers.empty()) return;
+    const Rows v = run("SELECT number, version FROM points WHERE number = ANY($1::text[])", {arrayOf(numbers)}, kChange);
+    for (int i = 0; i < v.size(); ++i) out[v.text(i, 0)] = v.whole(i, 1);
+  }
+
   // After many points at once the planner learns of them, so that the window's orders take their indexes
   // (the owner's right: another role's store goes without).
   void analyze() { run("ANALYZE points", {}, kChange); }
 
-  void journal(const std::string& source, const std::string& what) {
-    run("INSERT INTO tervalo_journal (changed, source, what) VALUES ($1, $2, $3)", {stampNow(), utf8(source), utf8(what)}, kChange);
+  void journal(const std::string& source, const std::string& what) { journal({stampNow(), source, what}); }
+  void journal(const JournalEntry& j) {
+    run("INSERT INTO tervalo_journal (changed, source, what) VALUES ($1, $2, $3)", {utf8(j.changed), utf8(j.source), utf8(j.what)}, kChange);
   }
 
   // The layers made by GDAL's PostgreSQL driver as a GeoPackage project's

@@ -37,7 +37,7 @@ struct ProjectPoint {
   std::string description, feature, evidence;
   std::string source;    // the tool and run that made or last changed it
   std::string modified;  // when, as ISO 8601 UTC
-  long long version = 0;  // a shared project's count of the point's changes; 0 in a GeoPackage
+  long long version = 0;  // a shared project's mark of the point's last change, new at each; 0 in a GeoPackage
 };
 
 // An edit of a shared project refused because another user changed a point

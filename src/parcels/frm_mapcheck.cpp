@@ -31,12 +31,6 @@ constexpr const char* kTitle = "Mapcheck";
 
 std::string length(double v) { return Format(v, "0.00"); }
 
-std::string trim(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
 // The words of a description in lines a list shows whole.
 std::vector<std::string> wrappedLines(const std::string& text, std::size_t width) {
   std::vector<std::string> lines;
@@ -170,7 +164,7 @@ void frmMapcheck::pasteCalls(const std::string& text) {
       std::size_t at = 0, column = 0;
       while (column < kColumns.size()) {
         const std::size_t tab = line.find('\t', at);
-        row.cells[column++] = trim(line.substr(at, tab == std::string::npos ? std::string::npos : tab - at));
+        row.cells[column++] = stripBlanks(line.substr(at, tab == std::string::npos ? std::string::npos : tab - at));
         if (tab == std::string::npos) break;
         at = tab + 1;
       }
@@ -238,29 +232,29 @@ DeedCall frmMapcheck::call(int i) const {
   const auto& c = rows[static_cast<std::size_t>(i)].cells;
   const std::string where = "call " + std::to_string(i + 1);
   DeedCall d;
-  if (trim(c[3]).empty()) {
-    if (trim(c[0]).empty()) throw DeedError(where + " has no bearing");
-    if (trim(c[1]).empty()) throw DeedError(where + " has no distance");
+  if (stripBlanks(c[3]).empty()) {
+    if (stripBlanks(c[0]).empty()) throw DeedError(where + " has no bearing");
+    if (stripBlanks(c[1]).empty()) throw DeedError(where + " has no distance");
     d.azimuth = bearingOf(c[0], where);
     d.distance = numberOf(c[1], where);
     return d;
   }
   d.curve = true;
-  const std::string turn = upper(trim(c[2]));
+  const std::string turn = upper(stripBlanks(c[2]));
   if (turn != "L" && turn != "R") throw DeedError(where + " is a curve: its turn is L or R, not \"" + c[2] + "\"");
   d.right = turn == "R";
   d.radius = numberOf(c[3], where);
   int given = 0;
-  if (!trim(c[4]).empty()) d.by = DeedCall::By::Arc, d.value = numberOf(c[4], where), ++given;
-  if (!trim(c[5]).empty()) d.by = DeedCall::By::Chord, d.value = numberOf(c[5], where), ++given;
-  if (!trim(c[6]).empty()) {
-    const auto delta = cogoAngle(trim(c[6]));
+  if (!stripBlanks(c[4]).empty()) d.by = DeedCall::By::Arc, d.value = numberOf(c[4], where), ++given;
+  if (!stripBlanks(c[5]).empty()) d.by = DeedCall::By::Chord, d.value = numberOf(c[5], where), ++given;
+  if (!stripBlanks(c[6]).empty()) {
+    const auto delta = cogoAngle(stripBlanks(c[6]));
     if (!delta) throw DeedError(where + ": \"" + c[6] + "\" is no angle (45-30-15)");
     d.by = DeedCall::By::Delta, d.value = *delta, ++given;
   }
   if (given != 1) throw DeedError(where + " is a curve: give one of its arc, chord or delta");
-  if (!trim(c[7]).empty()) d.chordAzimuth = bearingOf(c[7], where);
-  if (!trim(c[8]).empty()) d.radialAzimuth = bearingOf(c[8], where);
+  if (!stripBlanks(c[7]).empty()) d.chordAzimuth = bearingOf(c[7], where);
+  if (!stripBlanks(c[8]).empty()) d.radialAzimuth = bearingOf(c[8], where);
   return d;
 }
 
@@ -273,10 +267,10 @@ void frmMapcheck::btnCheck_Click() {
     // The point of beginning: a project point, or the coordinates typed.
     double n = 0, e = 0;
     std::string startName;
-    if (!trim(txtStartPoint.text).empty()) {
-      if (!program().project) throw DeedError("no project is open to find point " + trim(txtStartPoint.text) + " in");
-      const auto p = program().project->file().find(upper(trim(txtStartPoint.text)));
-      if (!p) throw DeedError("point " + upper(trim(txtStartPoint.text)) + " is not in the project");
+    if (!stripBlanks(txtStartPoint.text).empty()) {
+      if (!program().project) throw DeedError("no project is open to find point " + stripBlanks(txtStartPoint.text) + " in");
+      const auto p = program().project->file().find(upper(stripBlanks(txtStartPoint.text)));
+      if (!p) throw DeedError("point " + upper(stripBlanks(txtStartPoint.text)) + " is not in the project");
       n = p->northing, e = p->easting, startName = "point " + p->number;
     } else {
       n = numberOf(txtStartN.text, "the northing of the point of beginning");
@@ -286,7 +280,7 @@ void frmMapcheck::btnCheck_Click() {
     std::vector<std::string> names;
     for (int i = 0; i < static_cast<int>(rows.size()); ++i) {
       if (std::all_of(rows[static_cast<std::size_t>(i)].cells.begin(), rows[static_cast<std::size_t>(i)].cells.end(),
-                      [](const std::string& c) { return trim(c).empty(); }))
+                      [](const std::string& c) { return stripBlanks(c).empty(); }))
         continue;  // an empty row is no call
       try {
         courses.push_back(follow(call(i), n, e, courses.empty() ? std::nullopt : std::optional(courses.back().tangentOut)));
@@ -299,7 +293,7 @@ void frmMapcheck::btnCheck_Click() {
     }
     requireParcel(courses, names);
     std::vector<Course> tie;
-    if (!trim(txtTieBearing.text).empty() || !trim(txtTieDistance.text).empty()) {
+    if (!stripBlanks(txtTieBearing.text).empty() || !stripBlanks(txtTieDistance.text).empty()) {
       DeedCall t;
       t.azimuth = bearingOf(txtTieBearing.text, "the tie");
       t.distance = numberOf(txtTieDistance.text, "the tie's distance");
@@ -337,13 +331,13 @@ void frmMapcheck::btnCheck_Click() {
                             " sq " + unit + ", " + Format(c.area / perAcre, "0.0000") + " acres");
   MetesWords words;
   const Course& first = courses_.front();
-  const std::string startPoint = upper(trim(txtStartPoint.text));
-  words.commencing = !trim(txtCommence.text).empty() ? trim(txtCommence.text)
+  const std::string startPoint = upper(stripBlanks(txtStartPoint.text));
+  words.commencing = !stripBlanks(txtCommence.text).empty() ? stripBlanks(txtCommence.text)
                      : !startPoint.empty()           ? "point " + startPoint
                                                      : "a point at N " + length(first.fromN) + ", E " + length(first.fromE);
   words.tie = tie_;
   words.unit = unit;
-  words.basis = trim(txtBasis.text);
+  words.basis = stripBlanks(txtBasis.text);
   description_ = metesAndBounds(courses_, c.area, words);
   lstReport.items.emplace_back("");
   for (const std::string& l : wrappedLines(description_, 78)) lstReport.items.push_back(l);
@@ -385,7 +379,7 @@ void frmMapcheck::store() {
   if (!program().project || courses_.empty()) return;
   // The corners in order from the point of beginning (itself only where it is no project point), and the end where the deed misses it.
   std::vector<ProjectPoint> points;
-  std::string number = upper(trim(txtFirst.text));
+  std::string number = upper(stripBlanks(txtFirst.text));
   const auto next = [&number]() {
     const std::string given = number;
     // The next number: the last run of digits counted up.
@@ -427,7 +421,7 @@ void frmMapcheck::store() {
     shell().msgBox(kTitle, fault, Icon::Exclamation);
     return;
   }
-  if (trim(txtStartPoint.text).empty()) add(courses_.front().fromN, courses_.front().fromE, "POB");
+  if (stripBlanks(txtStartPoint.text).empty()) add(courses_.front().fromN, courses_.front().fromE, "POB");
   for (std::size_t i = 0; i + 1 < courses_.size(); ++i) add(courses_[i].toN, courses_[i].toE, "corner " + std::to_string(i + 2));
   if (closure_.distance > 1e-6) add(courses_.back().toN, courses_.back().toE, "end of the last call");
   const std::string said = storeFromTool(*program().project, shell(), points, source, "Store " + source);

@@ -3,15 +3,9 @@
 #include "app/program.h"
 #include "app/shell.h"
 #include "crs/project_store.h"
+#include "text/justify.h"
+
 namespace tervalo {
-namespace {
-
-std::string trimmed(const std::string& text) {
-  const auto first = text.find_first_not_of(" \t\r\n");
-  return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
-}  // namespace
 
 frmSharedProject::frmSharedProject(Program& program) : FormModel(program, "frmSharedProject", "Shared Project") {
   add("lblConnection", lblConnection);
@@ -38,8 +32,8 @@ void frmSharedProject::opened() {
 }
 
 void frmSharedProject::choose(bool fresh) {
-  std::string words = trimmed(txtConnection.text);
-  if (sharedProject(words)) words = trimmed(words.substr(3));
+  std::string words = stripBlanks(txtConnection.text);
+  if (sharedProject(words)) words = stripBlanks(words.substr(3));
   if (words.empty()) {
     shell().msgBox("Shared Project", "Name the database: service=NAME, or dbname=NAME host=SERVER.", Icon::Exclamation);
     focusRequest = "txtConnection";

@@ -1,4 +1,3 @@
-#include "crs/project_store.h"
 #include "restore/restoration_file.h"
 
 #include "project/point_import.h"
@@ -8,6 +7,7 @@
 
 #include "app/json_fields.h"
 #include "app/json_text.h"
+#include "crs/project_store.h"
 #include "points/readers.h"
 #include "text/angle.h"
 #include "text/errors.h"

@@ -57,6 +57,12 @@ std::string upper(std::string text) {
   return text;
 }
 
+std::string stripBlanks(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos) return "";
+  return std::string(text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1));
+}
+
 }  // namespace tervalo
 
 namespace tervalo {

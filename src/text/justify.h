@@ -24,6 +24,9 @@ std::vector<std::string> wrapWords(std::string_view text, std::size_t width);
 // The text in upper case (ASCII letters; as point numbers are compared).
 std::string upper(std::string text);
 
+// The text without the blanks, tabs and line ends before and after it.
+std::string stripBlanks(std::string_view text);
+
 // Number of characters of a UTF-8 text; a stray byte counts as one.
 std::size_t textLength(std::string_view text);
 

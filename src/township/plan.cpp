@@ -1,4 +1,3 @@
-#include "crs/project_store.h"
 #include "township/plan.h"
 
 
@@ -10,6 +9,7 @@
 
 #include "app/json_fields.h"
 #include "app/json_text.h"
+#include "crs/project_store.h"
 #include "text/input_file.h"
 
 namespace tervalo {

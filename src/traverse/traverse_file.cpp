@@ -1,4 +1,3 @@
-#include "crs/project_store.h"
 #include "traverse/traverse_file.h"
 
 #include <cmath>
@@ -6,6 +5,7 @@
 
 #include "app/json_fields.h"
 #include "app/json_text.h"
+#include "crs/project_store.h"
 #include "text/input_file.h"
 #include "text/justify.h"
 #include "text/number.h"
